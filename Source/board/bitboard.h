@@ -1,0 +1,85 @@
+#pragma once
+// Bit operations and precomputed attack tables.
+//
+// Sliding attacks use one multiplication and one lookup per piece ("magic bitboards"): the
+// occupied squares that matter for a square are multiplied by a constant that gathers them in the
+// top bits, which index that square's slice of a table of ready-made attack sets.
+// Tested against ray walks in tests/board/bitboard_test.cpp.
+
+#include <bit>
+
+#include "board/types.h"
+
+namespace quon {
+
+extern const Table<Table<Bitboard, 64>, 2> pawn_attacks;
+extern const Table<Bitboard, 64> knight_attacks;
+extern const Table<Bitboard, 64> king_attacks;
+// Rank and file, or both diagonals, of a square on the empty board, without the square.
+extern const Table<Bitboard, 64> orth_lines;
+extern const Table<Bitboard, 64> diag_lines;
+// Squares strictly between two squares of one line, empty when they share none.
+extern const Table<Table<Bitboard, 64>, 64> between;
+// Larger of the file and rank differences.
+extern const Table<Table<u8, 64>, 64> king_distance;
+
+// Builds the slider tables; call once before the first position is loaded.
+void init_attack_tables();
+
+inline int popcount64(Bitboard b) { return std::popcount(b); }
+// Index of the lowest set bit; b must not be 0.
+inline int lsb_index(Bitboard b) { return std::countr_zero(b); }
+inline bool more_than_one(Bitboard b) { return (b & (b - 1)) != 0; }
+inline bool has(Bitboard b, int square) { return (b >> square & 1) != 0; }
+
+// Takes the lowest square out of b.
+inline int pop_square(Bitboard& b) {
+    const int square = lsb_index(b);
+    b &= b - 1;
+    return square;
+}
+
+struct Magic {
+    Bitboard mask;  // squares whose occupancy matters
+    u64 factor;
+    const Bitboard* attacks;
+    int shift;
+
+    [[nodiscard]] Bitboard at(Bitboard occupancy) const {
+        return attacks[(occupancy & mask) * factor >> shift];
+    }
+};
+extern Table<Magic, 64> rook_magics;
+extern Table<Magic, 64> bishop_magics;
+
+// Attacked squares, the first blocker of either colour in each direction included.
+inline Bitboard rook_attacks(int square, Bitboard occupancy) {
+    return rook_magics[square].at(occupancy);
+}
+inline Bitboard bishop_attacks(int square, Bitboard occupancy) {
+    return bishop_magics[square].at(occupancy);
+}
+
+// The set moved one file towards h or a, or one rank; squares that leave the board are lost.
+constexpr Bitboard shift_east(Bitboard b) { return (b & ~FILE_H) << 1; }
+constexpr Bitboard shift_west(Bitboard b) { return (b & ~FILE_A) >> 1; }
+template <int Color>
+constexpr Bitboard shift_forward(Bitboard b) {
+    return Color == WHITE ? b << 8 : b >> 8;
+}
+// Squares attacked by a set of pawns.
+template <int Color>
+constexpr Bitboard pawn_set_attacks(Bitboard pawns) {
+    const Bitboard ahead = shift_forward<Color>(pawns);
+    return shift_east(ahead) | shift_west(ahead);
+}
+// Every square of the set and all squares ahead of it.
+template <int Color>
+constexpr Bitboard fill_forward(Bitboard b) {
+    b |= shift_forward<Color>(b);
+    b |= Color == WHITE ? b << 16 : b >> 16;
+    b |= Color == WHITE ? b << 32 : b >> 32;
+    return b;
+}
+
+}  // namespace quon

@@ -1,0 +1,239 @@
+// FEN and EPD reading and writing.
+
+#include "board/fen.h"
+
+#include <algorithm>
+
+#include "board/keys.h"
+#include "frontend/output.h"
+
+namespace quon {
+
+const char* const square_name[64] = {
+    "a1", "b1", "c1", "d1", "e1", "f1", "g1", "h1", "a2", "b2", "c2", "d2", "e2", "f2", "g2", "h2",
+    "a3", "b3", "c3", "d3", "e3", "f3", "g3", "h3", "a4", "b4", "c4", "d4", "e4", "f4", "g4", "h4",
+    "a5", "b5", "c5", "d5", "e5", "f5", "g5", "h5", "a6", "b6", "c6", "d6", "e6", "f6", "g6", "h6",
+    "a7", "b7", "c7", "d7", "e7", "f7", "g7", "h7", "a8", "b8", "c8", "d8", "e8", "f8", "g8", "h8",
+};
+
+namespace {
+
+constexpr std::string_view FEN_PIECES = "-PNBRQK--pnbrqk";
+constexpr std::string_view DIAGRAM_PIECES = "-PNBRQK--onbrqk";
+constexpr std::string_view CASTLE_LETTERS = "KQkq";  // bit n of the rights
+
+bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+// Hands out a text character by character; 0 at its end.
+struct Reader {
+    std::string_view text;
+    std::size_t at = 0;
+
+    char next() { return at < text.size() ? text[at++] : '\0'; }
+    // The next blank-free run, its leading blanks skipped.
+    std::string_view field() {
+        while (at < text.size() && text[at] == ' ') ++at;
+        const std::size_t start = at;
+        while (at < text.size() && text[at] != ' ') ++at;
+        return text.substr(start, at - start);
+    }
+};
+
+void clear(Position& p) {
+    GameRecord& record = *p.owner;
+    const u8 side = p.side;
+    p = Position{};
+    p.owner = &record;
+    p.side = side;
+    p.castle = 15;
+    p.ep = NO_SQUARE;
+    for (auto& list : p.plist) list[0] = NO_SQUARE;
+    record.game_ply = 0;
+    record.ply = 1;
+    record.last_move = NO_MOVE;
+    record.undo[0] = {};
+    record.undo[1] = {};
+}
+
+void put(Position& p, int piece, int square) {
+    int count = 0;
+    while (p.plist[piece][count] != NO_SQUARE) ++count;
+    if (square < 0 || p.board[square] != 0) {
+        p.flaw = TextFlaw::OUTSIDE_BOARD;
+    } else if (count == MAX_PER_CODE) {
+        p.flaw = TextFlaw::TOO_MANY_PIECES;
+    } else {
+        place_piece(p, piece, square);
+    }
+}
+
+// Squares are negative after too many '/'; nothing is placed there.
+void read_board(Position& p, Reader& reader) {
+    int square = A8;
+    for (char c = reader.next(); c != '\0' && c != ' '; c = reader.next()) {
+        const int h_file = square | 7;
+        if (c >= '0' && c <= '9') {
+            square = square + (c - '0') <= h_file ? square + (c - '0') : h_file;
+        } else if (c == '/') {
+            square = (square & ~7) - 8;
+        } else if (is_letter(c)) {
+            const std::size_t piece = FEN_PIECES.find(c);
+            if (piece != std::string_view::npos) put(p, int(piece), square);
+            if (square < h_file) ++square;
+        }
+    }
+}
+
+// A text without this field claims every right that the pieces support.
+void read_castling(Position& p, std::string_view field) {
+    if (field.empty()) return;
+    p.castle = 0;
+    for (const char c : field) {
+        const std::size_t right = CASTLE_LETTERS.find(c);
+        if (right != std::string_view::npos) p.castle |= u8(1U << right);
+    }
+}
+
+void read_ep(Position& p, std::string_view field) {
+    int square = NO_SQUARE;
+    for (const char c : field) {
+        if (c >= 'a' && c <= 'h') square = c - 'a';
+        if (c >= '1' && c <= '8' && square + (c - '1') * 8 < NO_SQUARE) square += (c - '1') * 8;
+    }
+    p.ep = u8(square);
+}
+
+// Returns true if a claimed right had to go.
+bool drop_unsupported_rights(Position& p) {
+    struct Home {
+        u8 right;
+        int color, king, rook;
+    };
+    constexpr Home homes[] = {{WHITE_KING_SIDE, WHITE, E1, H1},
+                              {WHITE_QUEEN_SIDE, WHITE, E1, A1},
+                              {BLACK_KING_SIDE, BLACK, E8, H8},
+                              {BLACK_QUEEN_SIDE, BLACK, E8, A8}};
+    const u8 claimed = p.castle;
+    for (const Home& home : homes) {
+        const bool supported = p.board[home.king] == make_piece(home.color, KING) &&
+                               p.board[home.rook] == make_piece(home.color, ROOK);
+        if (!supported) p.castle = u8(p.castle & ~home.right);
+    }
+    return p.castle != claimed;
+}
+
+void compute_keys(Position& p) {
+    for (int square = 0; square < 64; ++square) {
+        if (p.board[square]) toggle_key(p, p.board[square], square);
+    }
+}
+
+}  // namespace
+
+void position_from_fen(Position& p, std::string_view text) {
+    clear(p);
+    Reader reader{text};
+    read_board(p, reader);
+    const char side = reader.next();
+    if (side == 'w') p.side = WHITE;
+    if (side == 'b') p.side = BLACK;
+    read_castling(p, reader.field());
+    read_ep(p, reader.field());
+    const bool dropped = drop_unsupported_rights(p);
+    compute_keys(p);
+    if (dropped) engine_print("Illegal EPD record");
+}
+
+std::string position_to_fen(const Position& p) {
+    std::string text;
+    for (int rank = 7; rank >= 0; --rank) {
+        int empty = 0;
+        const auto flush_empty = [&] {
+            if (empty) text += char('0' + empty);
+            empty = 0;
+        };
+        for (int file = 0; file < 8; ++file) {
+            const int piece = p.board[make_square(file, rank)];
+            if (piece == 0) {
+                ++empty;
+                continue;
+            }
+            flush_empty();
+            text += FEN_PIECES[std::size_t(piece)];
+        }
+        flush_empty();
+        if (rank > 0) text += '/';
+    }
+    text += p.side == WHITE ? " w " : " b ";
+    for (std::size_t right = 0; right < CASTLE_LETTERS.size(); ++right) {
+        if (p.castle >> right & 1) text += CASTLE_LETTERS[right];
+    }
+    if (p.castle == 0) text += '-';
+    text += ' ';
+    text += p.ep == NO_SQUARE ? "-" : square_name[p.ep];
+    return text;
+}
+
+void print_board(const Position& p) {
+    std::string text = position_to_fen(p) + "\n";
+    for (int rank = 7; rank >= 0; --rank) {
+        for (int file = 0; file < 8; ++file) {
+            const int piece = p.board[make_square(file, rank)];
+            const char empty = (rank + file) % 2 == 0 ? '+' : '-';
+            text += ' ';
+            text += piece ? DIAGRAM_PIECES[std::size_t(piece)] : empty;
+        }
+        text += '\n';
+    }
+    text += p.side == WHITE ? "white\n" : "black\n";
+    engine_print(text);
+}
+
+namespace {
+
+// Takes the next run of characters that are not delimiters off the front; empty at the end.
+std::string_view take_token(std::string_view& rest, std::string_view delimiters) {
+    const std::size_t start = rest.find_first_not_of(delimiters);
+    if (start == std::string_view::npos) {
+        rest = {};
+        return {};
+    }
+    const std::size_t end = std::min(rest.find_first_of(delimiters, start), rest.size());
+    const std::string_view token = rest.substr(start, end - start);
+    rest.remove_prefix(end);
+    return token;
+}
+
+constexpr std::size_t MAX_EPD_LINE = 511;
+
+}  // namespace
+
+bool parse_epd_line(std::string_view line, EpdRecord& out) {
+    out = {};
+    std::string_view rest = line.substr(0, MAX_EPD_LINE);
+    for (int field = 0; field < 4; ++field) {
+        const std::string_view token = take_token(rest, " \r\n");
+        if (token.empty()) return out = {}, false;
+        if (field > 0) out.fen += ' ';
+        out.fen += token;
+    }
+    const struct {
+        std::string_view opcode;
+        std::string& operand;
+    } opcodes[] = {{"bm", out.bm}, {"am", out.am}, {"id", out.id}, {"ce", out.ce}, {"c0", out.c0}};
+    while (!rest.empty()) {
+        const std::string_view token = take_token(rest, " ;\r\n");
+        for (const auto& row : opcodes) {
+            if (token != row.opcode) continue;
+            // An opcode that is closed at once has no operand.
+            const std::size_t start = rest.find_first_not_of(' ');
+            const bool closed = start == std::string_view::npos ||
+                                std::string_view(";\r\n").find(rest[start]) != std::string_view::npos;
+            if (!closed) row.operand = take_token(rest, " ;\r\n");
+            break;
+        }
+    }
+    return true;
+}
+
+}  // namespace quon

@@ -1,0 +1,39 @@
+#pragma once
+// Positions as text: FEN and EPD in, FEN and a board diagram out.
+
+#include <string>
+#include <string_view>
+
+#include "board/position.h"
+
+namespace quon {
+
+extern const char* const square_name[64];
+constexpr char PIECE_LETTERS[] = "-PNBRQK";
+
+// Sets the position from the first four fields of a FEN or EPD text and empties its game record.
+// Castling rights that the pieces do not support are dropped with "Illegal EPD record". Pieces that
+// no board can hold are left out and noted in `flaw`.
+void position_from_fen(Position& p, std::string_view text);
+
+// The four fields, without counters.
+std::string position_to_fen(const Position& p);
+
+// Prints FEN, diagram and side to move; Black's pawns are 'o'.
+void print_board(const Position& p);
+
+// Operands of the opcodes that the tools use; empty when absent.
+struct EpdRecord {
+    std::string fen;
+    std::string bm;
+    std::string am;
+    std::string id;
+    std::string ce;
+    std::string c0;
+};
+
+// Splits an EPD line (its first 511 characters); false when it has fewer than four fields. Only the
+// first operand of an opcode is kept, with any quote it is written with.
+bool parse_epd_line(std::string_view line, EpdRecord& out);
+
+}  // namespace quon

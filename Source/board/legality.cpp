@@ -1,0 +1,167 @@
+// Legality by exception: when the king is not in check only king moves, pinned pieces and en-passant
+// captures can be illegal, so most moves pass without looking at the board.
+
+#include "board/legality.h"
+
+#include "board/movegen.h"
+
+namespace quon {
+
+KingGuard king_guard(const Position& p, bool in_check) {
+    const int us = p.side;
+    const int king = king_square(p, us);
+    const auto& enemy = p.bb[us ^ 1];
+    const Bitboard occupancy = occupied(p);
+    KingGuard guard{king, in_check, 0};
+    Bitboard sliders = (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
+                       (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN]));
+    while (sliders) {
+        const Bitboard blockers = between[king][pop_square(sliders)] & occupancy;
+        if (blockers && !more_than_one(blockers)) guard.pinned |= blockers & p.bb[us][0];
+    }
+    return guard;
+}
+
+namespace {
+
+// The king's safety with the move's pieces lifted and set down.
+bool safe_after(const Position& p, Move move, int king) {
+    const int from = move_from(move);
+    const int to = move_to(move);
+    Bitboard occupancy = (occupied(p) & ~bit(from)) | bit(to);
+    const bool en_passant = to == p.ep && type_of(p.board[from]) == PAWN;
+    if (en_passant) occupancy ^= bit(to - forward(p.side));
+
+    // A captured piece stands on `to`, inside the occupancy, but attacks no more.
+    const int by = p.side ^ 1;
+    const auto& enemy = p.bb[by];
+    const Bitboard alive = occupancy & ~bit(to);
+    if (pawn_attacks[p.side][king] & enemy[PAWN] & alive) return false;
+    if (knight_attacks[king] & enemy[KNIGHT] & alive) return false;
+    if (king_attacks[king] & enemy[KING] & alive) return false;
+    const Bitboard diagonal = (enemy[BISHOP] | enemy[QUEEN]) & alive & diag_lines[king];
+    if (diagonal && (bishop_attacks(king, occupancy) & diagonal)) return false;
+    const Bitboard straight = (enemy[ROOK] | enemy[QUEEN]) & alive & orth_lines[king];
+    return !(straight && (rook_attacks(king, occupancy) & straight));
+}
+
+}  // namespace
+
+bool is_legal(const Position& p, Move move, const KingGuard& guard) {
+    const int from = move_from(move);
+    const int to = move_to(move);
+    if (from == guard.king) {
+        if (to != from + 2 && to != from - 2) return safe_after(p, move, to);
+        const int by = p.side ^ 1;
+        return !guard.in_check && !square_attacked(p, (from + to) / 2, by) &&
+               !square_attacked(p, to, by);
+    }
+    if (guard.in_check || (to == p.ep && type_of(p.board[from]) == PAWN)) {
+        return safe_after(p, move, guard.king);
+    }
+    if (!has(guard.pinned, from)) return true;
+    return has(between[guard.king][to], from) || has(between[guard.king][from], to);
+}
+
+namespace {
+
+bool direct_check(int type, int side, int to, int enemy_king, Bitboard occupancy) {
+    const bool open = (between[to][enemy_king] & occupancy) == 0;
+    switch (type) {
+        case PAWN: return has(pawn_attacks[side][to], enemy_king);
+        case KNIGHT: return has(knight_attacks[to], enemy_king);
+        case BISHOP: return has(diag_lines[to], enemy_king) && open;
+        case ROOK: return has(orth_lines[to], enemy_king) && open;
+        case QUEEN: return has(diag_lines[to] | orth_lines[to], enemy_king) && open;
+        default: return false;
+    }
+}
+
+bool opens_line(const Table<Bitboard, 64>& lines, Bitboard sliders, int from, int enemy_king,
+                Bitboard occupancy) {
+    if (!has(lines[enemy_king], from)) return false;
+    sliders &= lines[enemy_king] & lines[from];
+    while (sliders) {
+        if ((between[pop_square(sliders)][enemy_king] & occupancy) == 0) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+int gives_check(const Position& p, const MoveEntry& entry) {
+    const int side = p.side;
+    const int from = move_from(entry.move);
+    const int to = move_to(entry.move);
+    const int enemy_king = king_square(p, side ^ 1);
+    const Bitboard occupancy = occupied(p);
+    const auto& own = p.bb[side];
+
+    const Bitboard after = (occupancy & ~bit(from)) | bit(to);
+    if (opens_line(orth_lines, own[ROOK] | own[QUEEN], from, enemy_king, after)) return 2;
+    if (opens_line(diag_lines, own[BISHOP] | own[QUEEN], from, enemy_king, after)) return 2;
+
+    const int promoted = promotion_type(entry.move);
+    const int type = promoted ? promoted : type_of(entry.piece);
+    return direct_check(type, side, to, enemy_king, occupancy) ? 1 : 0;
+}
+
+namespace {
+
+bool pawn_move_possible(const Position& p, int from, int to) {
+    const int us = p.side;
+    if (has(pawn_attacks[us][from], to)) return p.board[to] != 0 || to == p.ep;
+    if (p.board[to] != 0) return false;
+    const int ahead = from + forward(us);
+    if (to == ahead) return true;
+    return relative_rank(us, from) == 1 && to == ahead + forward(us) && p.board[ahead] == 0;
+}
+
+bool castling_possible(const Position& p, Move move) {
+    MoveEntry list[MAX_LIST];
+    const MoveEntry* end = gen_quiets(p, list);
+    for (const MoveEntry* entry = list; entry != end; ++entry) {
+        if (entry->move == move) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool is_pseudo_legal(const Position& p, Move move) {
+    const int us = p.side;
+    const int from = move_from(move);
+    const int to = move_to(move);
+    const int piece = p.board[from];
+    const Move promotion = move & PROMOTION_MASK;
+    if (piece == 0 || color_of(piece) != us || has(p.bb[us][0], to)) return false;
+
+    const Bitboard path = between[from][to] & occupied(p);
+    switch (type_of(piece)) {
+        case PAWN: {
+            const bool promotes = relative_rank(us, to) == 7;
+            const bool one_bit = promotion != 0 && (promotion & (promotion - 1)) == 0;
+            return (promotes ? one_bit : promotion == 0) && pawn_move_possible(p, from, to);
+        }
+        case KNIGHT: return promotion == 0 && has(knight_attacks[from], to);
+        case BISHOP: return promotion == 0 && has(diag_lines[from], to) && path == 0;
+        case ROOK: return promotion == 0 && has(orth_lines[from], to) && path == 0;
+        case QUEEN:
+            return promotion == 0 && has(diag_lines[from] | orth_lines[from], to) && path == 0;
+        default:
+            if (promotion != 0) return false;
+            if (has(king_attacks[from], to)) return true;
+            return (to == from + 2 || to == from - 2) && castling_possible(p, move);
+    }
+}
+
+bool has_legal_move(const Position& p) {
+    MoveEntry list[MAX_LIST];
+    const KingGuard guard = king_guard(p);
+    for (const MoveEntry* entry = list, *end = gen_all(p, list); entry != end; ++entry) {
+        if (is_legal(p, entry->move, guard)) return true;
+    }
+    return false;
+}
+
+}  // namespace quon

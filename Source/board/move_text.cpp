@@ -1,0 +1,187 @@
+// Move text. The SAN reader does not parse: it writes every move in all forms and looks for the text.
+
+#include "board/move_text.h"
+
+#include <cctype>
+#include <cstdio>
+
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/movegen.h"
+#include "frontend/engine_options.h"
+
+namespace quon {
+
+namespace {
+
+constexpr char UCI_PROMOTION_LETTERS[] = "  nbrq ";
+
+std::string squares_text(Move move) {
+    return std::string(square_name[move_from(move)]) + square_name[move_to(move)];
+}
+
+std::string promotion_suffix(Move move) {
+    const int type = promotion_type(move);
+    return type ? std::string("=") + PIECE_LETTERS[type] : std::string();
+}
+
+}  // namespace
+
+std::string move_to_text(Move move) {
+    if (move == NO_MOVE) return "null";
+    const int type = promotion_type(move);
+    if (type == NO_TYPE) return squares_text(move);
+    return options.uci_mode ? squares_text(move) + UCI_PROMOTION_LETTERS[type]
+                            : squares_text(move) + promotion_suffix(move);
+}
+
+namespace {
+
+void pawn_forms(const Position& p, Move move, MoveForms& forms) {
+    const int to = move_to(move);
+    if (p.board[to] != 0 || to == p.ep) {
+        forms.san = std::string(1, forms.coord[0]) + "x" + square_name[to];
+        forms.file = {forms.coord[0], forms.coord[2]};
+    } else {
+        forms.san = square_name[to];
+    }
+    const std::string suffix = promotion_suffix(move);
+    forms.coord += suffix;
+    forms.san += suffix;
+    forms.file += suffix;
+}
+
+// Other pieces of the mover's kind that attack the destination, pinned or not.
+Bitboard rivals(const Position& p, int piece, int from, int to) {
+    const Bitboard occupancy = occupied(p) | bit(to);
+    Bitboard reach = 0;
+    switch (type_of(piece)) {
+        case KNIGHT: reach = knight_attacks[to]; break;
+        case BISHOP: reach = bishop_attacks(to, occupancy); break;
+        case ROOK: reach = rook_attacks(to, occupancy); break;
+        case QUEEN: reach = bishop_attacks(to, occupancy) | rook_attacks(to, occupancy); break;
+        default: break;
+    }
+    return reach & p.bb[color_of(piece)][type_of(piece)] & ~bit(from);
+}
+
+void piece_forms(const Position& p, const MoveEntry& entry, MoveForms& forms) {
+    const int from = move_from(entry.move);
+    const int to = move_to(entry.move);
+    const std::string letter(1, PIECE_LETTERS[type_of(entry.piece)]);
+    forms.san = letter;
+    forms.file = letter + square_name[from][0];
+    forms.rank = letter + square_name[from][1];
+    const Bitboard others = rivals(p, entry.piece, from, to);
+    if (others & file_mask(file_of(from))) {
+        forms.san = forms.rank;
+    } else if (others & rank_mask(rank_of(from))) {
+        forms.san = forms.file;
+    }
+    const std::string end = std::string(p.board[to] ? "x" : "") + square_name[to];
+    forms.san += end;
+    forms.file += end;
+    forms.rank += end;
+    if (type_of(entry.piece) == KING && to == from + 2) {
+        forms.san = "o-o";
+        forms.file = "O-O";
+        forms.rank = "0-0";
+    } else if (type_of(entry.piece) == KING && to == from - 2) {
+        forms.san = "o-o-o";
+        forms.file = "O-O-O";
+        forms.rank = "0-0-0";
+    }
+}
+
+}  // namespace
+
+MoveForms move_forms(const Position& p, const MoveEntry& entry) {
+    MoveForms forms;
+    if (entry.move == NO_MOVE) {
+        forms.coord = "null";
+        return forms;
+    }
+    forms.coord = squares_text(entry.move);
+    if (type_of(entry.piece) == PAWN) {
+        pawn_forms(p, entry.move, forms);
+    } else {
+        piece_forms(p, entry, forms);
+    }
+    if (gives_check(p, entry)) {
+        for (std::string* form : {&forms.coord, &forms.san, &forms.file, &forms.rank}) *form += '+';
+    }
+    return forms;
+}
+
+namespace {
+
+std::string_view without_check(std::string_view text) { return text.substr(0, text.find('+')); }
+
+// The text in the spelling of the forms: no check or mate sign, "=Q" for a promotion, 'o' for castling.
+std::string normalized(std::string_view input) {
+    std::string text(without_check(input));
+    while (!text.empty() && text.back() == '#') text.pop_back();
+    if (text.empty()) return text;
+    const char last = char(std::toupper(static_cast<unsigned char>(text.back())));
+    if (std::string_view("NBQR").find(last) != std::string_view::npos) {
+        text.pop_back();
+        if (text.empty() || text.back() != '=') text += '=';
+        text += last;
+    }
+    for (char& c : text) {
+        if (c == 'O' || c == '0') c = 'o';
+    }
+    return text;
+}
+
+bool matches(const MoveForms& forms, std::string_view text) {
+    return without_check(forms.coord) == text || without_check(forms.san) == text ||
+           without_check(forms.file) == text || without_check(forms.rank) == text;
+}
+
+}  // namespace
+
+bool parse_san(const Position& p, std::string_view input, Move& out_move) {
+    out_move = NO_MOVE;
+    const std::string text = normalized(input);
+    if (text.empty()) return false;
+    MoveEntry list[MAX_LIST];
+    const MoveEntry* end = gen_all(p, list);
+    const KingGuard guard = king_guard(p);
+    int count = 0;
+    Move found = NO_MOVE;
+    for (const MoveEntry* entry = list; entry != end; ++entry) {
+        if (matches(move_forms(p, *entry), text) && is_legal(p, entry->move, guard)) {
+            ++count;
+            found = entry->move;
+        }
+    }
+    if (count == 2) {
+        std::puts("ambiguous move");
+        std::fflush(stdout);
+    }
+    if (count == 1) out_move = found;
+    return count == 1;
+}
+
+Move parse_coordinates(const Position& p, std::string_view text) {
+    if (text.size() < 4) return NO_MOVE;
+    for (const std::size_t i : {0U, 2U}) {
+        if (text[i] < 'a' || text[i] > 'h' || text[i + 1] < '1' || text[i + 1] > '8') return NO_MOVE;
+    }
+    const int from = make_square(text[0] - 'a', text[1] - '1');
+    const int to = make_square(text[2] - 'a', text[3] - '1');
+    Move promotion = 0;
+    switch (text.size() > 4 ? text[4] : '\0') {
+        case 'q': promotion = PROMOTE_QUEEN; break;
+        case 'n': promotion = PROMOTE_KNIGHT; break;
+        case 'b': promotion = PROMOTE_BISHOP; break;
+        case 'r': promotion = PROMOTE_ROOK; break;
+        default: break;
+    }
+    const Move move = make_code(from, to, promotion);
+    if (!is_pseudo_legal(p, move) || type_of(p.board[to]) == KING) return NO_MOVE;
+    return move;
+}
+
+}  // namespace quon

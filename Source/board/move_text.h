@@ -1,0 +1,33 @@
+#pragma once
+// Moves as text: coordinate notation out, SAN out and in.
+
+#include <string>
+#include <string_view>
+
+#include "board/position.h"
+
+namespace quon {
+
+// e2e4, and e7e8q in UCI mode or e7e8=Q outside it; "null" for NO_MOVE.
+std::string move_to_text(Move move);
+
+// The ways a move of the side to move may be written, each with "+" when it gives check. Forms that
+// a move does not have are empty.
+struct MoveForms {
+    std::string coord;  // e2e4, e7e8=Q
+    std::string san;    // Nf3, exd5, o-o
+    std::string file;   // Ngf3, ed, O-O
+    std::string rank;   // N1f3, 0-0
+};
+MoveForms move_forms(const Position& p, const MoveEntry& entry);
+
+// Finds the one legal move that the text names in any of the forms; "e8q", "O-O" and "0-0" are
+// understood, a trailing "+" or "#" is not needed. Returns false, and NO_MOVE, when none or
+// several match; prints "ambiguous move" to standard output when two do.
+bool parse_san(const Position& p, std::string_view text, Move& out_move);
+
+// Coordinate text as front ends write it: e2e4, e7e8q. Returns NO_MOVE unless the text names a
+// pseudo-legal move of the side to move that does not take a king.
+Move parse_coordinates(const Position& p, std::string_view text);
+
+}  // namespace quon

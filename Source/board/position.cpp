@@ -1,0 +1,94 @@
+// The position's own operations: placing pieces, attack queries, plausibility.
+
+#include "board/position.h"
+
+#include <algorithm>
+
+namespace quon {
+
+bool square_attacked(const Position& p, int square, int by_side, Bitboard occupancy) {
+    const auto& pieces = p.bb[by_side];
+    const Bitboard steps = (pawn_attacks[by_side ^ 1][square] & pieces[PAWN]) |
+                           (knight_attacks[square] & pieces[KNIGHT]) |
+                           (king_attacks[square] & pieces[KING]);
+    if (steps & occupancy) return true;
+    const Bitboard diagonal = (pieces[BISHOP] | pieces[QUEEN]) & occupancy;
+    if ((diag_lines[square] & diagonal) && (bishop_attacks(square, occupancy) & diagonal)) return true;
+    const Bitboard straight = (pieces[ROOK] | pieces[QUEEN]) & occupancy;
+    return (orth_lines[square] & straight) && (rook_attacks(square, occupancy) & straight);
+}
+
+void place_piece(Position& p, int piece, int square) {
+    const int color = color_of(piece);
+    const int type = type_of(piece);
+    auto& list = p.plist[piece];
+    int end = 0;
+    while (list[end] != NO_SQUARE) ++end;
+    list[end] = u8(square);
+    list[end + 1] = NO_SQUARE;
+    p.board[square] = u8(piece);
+    p.bb[color][0] ^= bit(square);
+    p.bb[color][type] ^= bit(square);
+    p.sig[color] += SIG_UNIT[type];
+    p.npm[color] = u16(p.npm[color] + NPM_UNIT[type]);
+}
+
+void remove_piece(Position& p, int square) {
+    const int piece = p.board[square];
+    const int color = color_of(piece);
+    const int type = type_of(piece);
+    auto& list = p.plist[piece];
+    int at = 0;
+    while (list[at] != square) ++at;
+    do list[at] = list[at + 1];
+    while (list[at++] != NO_SQUARE);
+    p.board[square] = 0;
+    p.bb[color][0] ^= bit(square);
+    p.bb[color][type] ^= bit(square);
+    p.sig[color] -= SIG_UNIT[type];
+    p.npm[color] = u16(p.npm[color] - NPM_UNIT[type]);
+}
+
+void move_piece(Position& p, int piece, int from, int to) {
+    const int color = color_of(piece);
+    auto& list = p.plist[piece];
+    int at = 0;
+    while (list[at] != from) ++at;
+    list[at] = u8(to);
+    p.board[from] = 0;
+    p.board[to] = u8(piece);
+    const Bitboard both = bit(from) | bit(to);
+    p.bb[color][0] ^= both;
+    p.bb[color][type_of(piece)] ^= both;
+}
+
+void copy_game(Game& to, const Game& from) {
+    std::copy_n(from.undo.begin(), from.game_ply + 1, to.undo.begin());
+    to.game_ply = from.game_ply;
+    to.ply = from.ply;
+    to.last_move = from.last_move;
+    to.position = from.position;
+    to.position.owner = &to;
+}
+
+const char* position_problem(const Position& p) {
+    if (p.flaw == TextFlaw::TOO_MANY_PIECES) return "more than nine pieces of a kind";
+    if (p.flaw == TextFlaw::OUTSIDE_BOARD) return "pieces outside the board";
+    for (const int color : {WHITE, BLACK}) {
+        if (popcount64(p.bb[color][KING]) != 1) {
+            return color == WHITE ? "White needs one king" : "Black needs one king";
+        }
+    }
+    if ((p.bb[WHITE][PAWN] | p.bb[BLACK][PAWN]) & (RANK_1 | RANK_8)) return "pawn on an end rank";
+    if (square_attacked(p, king_square(p, p.side ^ 1), p.side)) return "king can be taken";
+    if (p.ep != NO_SQUARE) {
+        const int pawn = p.ep - forward(p.side);
+        const int origin = p.ep + forward(p.side);
+        const bool passed = relative_rank(p.side, p.ep) == 5 && p.board[p.ep] == 0 &&
+                            p.board[origin] == 0 && p.board[pawn] == make_piece(p.side ^ 1, PAWN);
+        if (!passed) return "en passant without a pawn that passed";
+    }
+    return nullptr;
+}
+
+}  // namespace quon

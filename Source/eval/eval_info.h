@@ -1,0 +1,84 @@
+#pragma once
+// The working record of one evaluation: set up by evaluate(), filled by its steps in their order.
+//
+// Scores are kept per colour as that colour's gain. Steps are templates on the colour they score;
+// "own" and "enemy" are from its side.
+
+#include "board/bitboard.h"
+#include "board/position.h"
+#include "eval/evaluate.h"
+
+namespace quon {
+
+constexpr int FULL_STAGE = 24;
+
+struct Score {
+    int op = 0;
+    int en = 0;
+
+    Score& operator+=(Score other) {
+        op += other.op;
+        en += other.en;
+        return *this;
+    }
+    Score& operator+=(Pair pair) {
+        op += pair.op;
+        en += pair.en;
+        return *this;
+    }
+    // The same amount in both halves.
+    Score& operator+=(int both) {
+        op += both;
+        en += both;
+        return *this;
+    }
+};
+
+constexpr int blend(int op, int en, int stage) {
+    return (op * (FULL_STAGE - stage) + en * stage) / FULL_STAGE;
+}
+constexpr int blend(Score score, int stage) { return blend(score.op, score.en, stage); }
+
+// One attacker of a type in `king_attackers`: three bits for each type's number.
+constexpr Table<int, 7> KING_ATTACKER_UNIT = {{0, 0, 1, 8, 64, 512, 0}};
+
+struct EvalInfo {
+    const Position& position;
+    const EvalTables& tables;
+    EvalNotes& notes;
+    bool tracing;
+
+    Bitboard occupancy{};
+    int stage{};  // 0 with all pieces, 24 with kings and pawns only
+    Table<int, 2> phase{};  // pieces of the colour, 0..12
+    const PawnEntry* pawns{};
+    Table<Score, 2> material{};
+    Table<Score, 2> positional{};
+
+    Table<Table<Bitboard, 7>, 2> attacks{};  // [colour][type], [colour][0] all of them
+    Table<Bitboard, 2> double_attacks{};     // squares attacked at least twice
+    Table<Bitboard, 2> king_zone{};          // 3x3 squares, shifted inwards from the edge
+    Table<Bitboard, 2> mobility_area{};
+    Table<Bitboard, 2> outposts{};       // squares of the colour's that no enemy pawn can ever attack
+    Table<Bitboard, 2> blocked_pawns{};  // own pawns with an enemy pawn in front
+    Table<int, 2> king_attackers{};      // packed numbers of the pieces that attack the colour's king zone
+    Table<bool, 2> back_rank{};  // a target for the colour's rooks: enemy king or pawn at its back ranks
+    Bitboard king_files{};       // of both kings, and the files beside them
+    int knight_pawn_bonus{};     // knights like many pawns
+};
+
+// The colour's own squares where an outpost can be.
+constexpr Bitboard CENTRAL_FILES = ~(FILE_A | FILE_H);
+template <int Color>
+constexpr Bitboard OUTPOST_RANKS =
+    CENTRAL_FILES & (relative_rank_mask(Color, 4) | relative_rank_mask(Color, 5));
+template <int Color>
+constexpr Bitboard ENEMY_HALF = Color == WHITE ? 0xFFFFFFFF00000000 : 0x00000000FFFFFFFF;
+
+// The square or the set one step behind, seen from the colour.
+template <int Color>
+constexpr Bitboard shift_back(Bitboard b) {
+    return shift_forward<Color ^ 1>(b);
+}
+
+}  // namespace quon

@@ -1,0 +1,87 @@
+// The table print.
+
+#include "eval/eval_print.h"
+
+#include <cstdio>
+#include <string>
+
+#include "eval/eval_tables.h"
+#include "frontend/output.h"
+
+namespace quon {
+
+namespace {
+
+// The titles of each type's opening and ending table.
+constexpr const char* TYPE_NAMES[] = {"", "Pawn", "Knight", "Bishop", "Rook", "Queen", "King"};
+
+std::string values_text(const EvalTables& t) {
+    std::string text = "piece values=";
+    for (int type = PAWN; type <= QUEEN; ++type) {
+        text += format("  %d/%d", t.piece_value[type].op, t.piece_value[type].en);
+    }
+    return text + format("\nbishop_pair= %d , %d\n\n", t.bishop_pair.op, t.bishop_pair.en);
+}
+
+std::string danger_text(const EvalTables& t) {
+    std::string text = "KingDanger[]=";
+    for (int i = 0; i < t.KingDanger.size(); ++i) {
+        if (i % 10 == 0) text += format("\n%2d:  ", i);
+        text += format("  %3d ", t.KingDanger[i]);
+    }
+    return text + "\n\n";
+}
+
+std::string mobility_text(const EvalTables& t) {
+    std::string text;
+    for (int n = 0; n <= 14; ++n) {
+        const Pair& knight = t.knight_mobility[n];
+        const Pair& bishop = t.bishop_mobility[n];
+        const Pair& rook = t.rook_mobility[n];
+        const Pair& queen = t.queen_mobility[n];
+        text += format("%3d  nmob= %3d/%3d  bmob=%3d/%3d  rmob=%3d/%3d  qmob= %3d/%3d\n", n,
+                       knight.op, knight.en, bishop.op, bishop.en, rook.op, rook.en, queen.op,
+                       queen.en);
+    }
+    return text + format("queen_mob[28] = %d/%d\n", t.queen_mobility[28].op, t.queen_mobility[28].en);
+}
+
+std::string terms_text(const EvalTables& t) {
+    std::string text;
+    for (int rank = 1; rank < 7; ++rank) {
+        text += format("rank=%d,  ppawn=%3d, ppawnx=%3d\n", rank + 1, t.ppawn[rank], t.ppawnx[rank]);
+    }
+    text += format("pawn_shield= %d\n", t.pawn_shield);
+    text += format("pawn_storm= %d\n", t.pawn_storm);
+    text += format("hung= %d/%d\n", t.hung.op, t.hung.en);
+    text += format("pinned= %d/%d\n", t.pinned.op, t.pinned.en);
+    return text + format("knight_outpost= %d\n", t.knight_outpost);
+}
+
+std::string square_table_text(const Table<Pair, 64>& table, i16 Pair::*phase) {
+    std::string text;
+    for (int rank = 7; rank >= 0; --rank) {
+        for (int file = 0; file < 8; ++file) {
+            text += format("  %3d ", table[make_square(file, rank)].*phase);
+        }
+        text += '\n';
+    }
+    return text + '\n';
+}
+
+}  // namespace
+
+void print_eval_tables() {
+    const EvalTables& t = eval_tables;
+    std::string text = values_text(t) + danger_text(t) + mobility_text(t) + terms_text(t);
+    for (int type = PAWN; type <= KING; ++type) {
+        const std::string name = TYPE_NAMES[type];
+        text += name + "Opening\n" + square_table_text(t.pst[type], &Pair::op);
+        text += name + "Ending\n" + square_table_text(t.pst[type], &Pair::en);
+    }
+    text += "\n\n";
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
+
+}  // namespace quon

@@ -1,0 +1,43 @@
+#pragma once
+// The record of one evaluation, term by term, for the console's breakdown.
+//
+// Outside a search the main thread's evaluation at ply 1 adds to it; nobody but the command that
+// prints it resets it. Values are blended by the game stage.
+
+#include "board/types.h"
+
+namespace quon {
+
+// The piece types' totals follow TRACE_POSITIONAL in the order of the types.
+enum TraceTerm : int {
+    TRACE_MATERIAL,
+    TRACE_POSITIONAL,
+    TRACE_PAWNS,
+    TRACE_KNIGHTS,
+    TRACE_BISHOPS,
+    TRACE_ROOKS,
+    TRACE_QUEENS,
+    TRACE_KINGS,
+    TRACE_PASSERS,
+    TRACE_TERMS,
+};
+constexpr TraceTerm trace_term(int type) { return TraceTerm(TRACE_POSITIONAL + type); }
+
+struct EvalTrace {
+    Table<i16, 64> square;
+    Table<Table<i16, 2>, TRACE_TERMS> total;  // [term][colour]
+    Bitboard hung;    // both colours
+    Bitboard pinned;  // both colours
+    int stage;
+    double factor = 1.0;  // by which the score was scaled down
+};
+extern EvalTrace traced;
+
+void reset_trace();
+
+// Adds a piece's value to its square and to the colour's total of the term.
+void trace_piece(int color, TraceTerm term, int square, int value);
+// Adds to the colour's total alone.
+void trace_total(int color, TraceTerm term, int value);
+
+}  // namespace quon

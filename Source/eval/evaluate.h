@@ -1,0 +1,59 @@
+#pragma once
+// The static evaluation.
+//
+// Every term has an opening and an ending value; what they add up to for each colour is blended by
+// the game stage (24 without pieces, 0 with all of them) and scaled down in endings that are hard to
+// win. A pawn is worth 90 in the opening and 110 in the ending. Tested in tests/eval/.
+
+#include "board/position.h"
+#include "eval/eval_tables.h"
+#include "eval/pawns.h"
+#include "platform/relaxed.h"
+
+namespace quon {
+
+// What an evaluation tells the search beside the score. The caller clears both before every call.
+struct EvalNotes {
+    Table<i16, 2> threat;  // centipawns that White and Black stand to lose
+    u16 eval_final;        // 1: dead-drawn material, nothing to search
+};
+
+struct EvalHashEntry {
+    u64 key;
+    Table<i16, 2> threat;
+    i16 score;  // side to move's view
+};
+static_assert(sizeof(EvalHashEntry) == 16);
+
+constexpr int PAWN_HASH_SIZE = 8192;
+constexpr int EVAL_HASH_SIZE = 16384;
+
+// A thread's own part of the evaluation: large, to be allocated once and zeroed. The caches are never
+// cleared; outside an iteration they are written but not read.
+struct EvalState {
+    EvalTables tables;  // copy of the master, made when a search is prepared
+    Table<PawnEntry, PAWN_HASH_SIZE> pawn_hash;
+    Table<EvalHashEntry, EVAL_HASH_SIZE> eval_hash;
+    Relaxed<u64> evaluations;
+    Relaxed<u64> eval_hits;
+    Relaxed<u64> pawn_probes;
+    Relaxed<u64> pawn_hits;
+    bool contempt_active;  // the search's target time is below 6000 seconds
+    int root_side;         // side to move at the root of the search
+};
+
+struct EvalCall {
+    int ply;           // 1 at the root
+    bool in_check;     // the side to move is in check
+    bool iterating;    // an iteration of the thread's deepening is under way
+    bool main_thread;  // thread 0
+};
+
+// Returned instead of a score when the side to move is in check.
+constexpr int EVAL_IN_CHECK = -10000;
+
+// Centipawns from the side to move's point of view. Outside an iteration the main thread's call at
+// ply 1 also adds its findings to the trace record (eval_trace.h).
+int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCall& call);
+
+}  // namespace quon

@@ -1,0 +1,186 @@
+// The command line: one table of switches, from which words are recognised and the help is printed.
+
+#include "frontend/command_line.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+
+#include "eval/eval_params.h"
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+#include "frontend/uci.h"
+#include "frontend/words.h"
+#include "search/strength.h"
+
+namespace quon {
+
+// What follows the word. ENDS: nothing, and the program ends after the switch.
+enum class Takes { NOTHING, INTEGER, REAL, ENDS };
+
+struct Argument {
+    i64 integer;
+    double real;
+};
+
+struct Switch {
+    std::string_view word;
+    Takes takes;
+    const char* argument_name;
+    void (*apply)(const Argument& argument, RunMode& mode);
+    const char* help;
+    double above = std::numeric_limits<double>::lowest();  // refuses numbers that are not
+};
+
+namespace {
+
+constexpr double FIXED_DEPTH_SECONDS = 10000;
+constexpr double FIXED_NODES_SECONDS = 1000;
+// The formula from node rate to Elo takes the logarithm of what is above 20.
+constexpr double MIN_NPS = 21;
+
+void fix_time(double seconds) {
+    limits.fixed_time = seconds;
+    limits.time_mode = 1;
+}
+
+void be_quiet(const Argument&, RunMode&) {
+    options.log_enabled = false;
+    options.output_delay = NEVER;
+}
+
+void set_depth(const Argument& argument, RunMode&) {
+    limits.depth_limit = to_depth_limit(argument.integer);
+    fix_time(FIXED_DEPTH_SECONDS);
+}
+
+void set_nodes(const Argument& argument, RunMode&) {
+    limits.max_nodes = std::max<i64>(argument.integer, 0);
+    fix_time(FIXED_NODES_SECONDS);
+}
+
+void set_node_rate(const Argument& argument, RunMode&) {
+    constexpr double MAX_ELO = std::numeric_limits<i16>::max();
+    params.limit_strength = 1;
+    options.target_nps = argument.real;
+    params.elo = i16(std::min(nps_to_elo(argument.real), MAX_ELO));
+    std::printf("Elo= %d\n", params.elo);
+    std::fflush(stdout);
+}
+
+void set_hash(const Argument& argument, RunMode&) {
+    options.hash_mb = i16(std::clamp<i64>(argument.integer, 0, MAX_HASH_MB));
+}
+
+void set_threads(const Argument& argument, RunMode&) {
+    const int low_byte = int(argument.integer & 255);
+    options.threads = u8(std::clamp(low_byte, 1, MAX_THREADS));
+}
+
+void show_help(const Argument&, RunMode&);
+
+constexpr Switch SWITCHES[] = {
+    {"-uci", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_mode = true; },
+     "talk UCI (as it does by default)"},
+    {"-c", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_mode = false; },
+     "console mode: commands typed by a person"},
+    {"-hash", Takes::INTEGER, "MB", set_hash, "size of the hash table, 0 to 8192"},
+    {"-threads", Takes::INTEGER, "N", set_threads, "search threads, 1 to 80"},
+    {"-numa", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.numa = true; },
+     "place the search threads on the machine's memory nodes"},
+    {"-d", Takes::INTEGER, "DEPTH", set_depth, "search to this depth, 66 at most"},
+    {"-t", Takes::REAL, "SECONDS", [](const Argument& a, RunMode&) { fix_time(a.real); },
+     "search this long"},
+    {"-n", Takes::INTEGER, "NODES", set_nodes, "search this many positions"},
+    {"-nps", Takes::REAL, "N", set_node_rate,
+     "limit the strength to N positions a second in each thread; above 21", MIN_NPS},
+    {"-nolog", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.log_enabled = false; },
+     "write nothing into quon.log"},
+    {"-noise", Takes::REAL, "SECONDS",
+     [](const Argument& a, RunMode&) { options.output_delay = a.real; },
+     "no progress lines before a search is this old"},
+    {"-quiet", Takes::NOTHING, "", be_quiet, "neither log nor progress lines"},
+    {"-uci_extra", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_extra = true; },
+     "mark progress lines with the search thread"},
+    {"-bench", Takes::NOTHING, "",
+     [](const Argument&, RunMode& mode) { mode = {.bench_variant = 1}; },
+     "search ten positions to depth 17 (or -d), print times, and end"},
+    {"-bench2", Takes::NOTHING, "",
+     [](const Argument&, RunMode& mode) { mode = {.bench_variant = 2}; },
+     "the same with twenty positions"},
+    {"-pbench", Takes::NOTHING, "",
+     [](const Argument&, RunMode& mode) {
+         mode = {.bench_variant = 1, .bench_single_thread = true};
+     },
+     "-bench in the main thread alone, always to depth 17"},
+    {"--help", Takes::ENDS, "", show_help, "print this text and end"},
+    {"--version", Takes::ENDS, "", [](const Argument&, RunMode&) { print_name(); },
+     "print the engine's name and end"},
+};
+
+void show_help(const Argument&, RunMode&) {
+    std::string text = "usage: quon [switch ...]\n\n";
+    for (const Switch& row : SWITCHES) {
+        const std::string word = std::string(row.word) + " " + row.argument_name;
+        text += format("  %-18s %s\n", word.c_str(), row.help);
+    }
+    text += "\nOther words are ignored. Without -bench, -bench2 and -pbench, commands are read from "
+            "standard input.";
+    engine_print(text);
+}
+
+const Switch* find_switch(std::string_view word) {
+    const auto* const row = std::find_if(std::begin(SWITCHES), std::end(SWITCHES),
+                                         [&](const Switch& s) { return s.word == word; });
+    return row == std::end(SWITCHES) ? nullptr : row;
+}
+
+Argument to_argument(const std::string& text) { return {to_integer(text), to_real(text)}; }
+
+// Says on standard error why the program cannot start.
+int refuse(const std::string& reason) {
+    std::fprintf(stderr, "quon: %s\n", reason.c_str());
+    return 1;
+}
+
+}  // namespace
+
+CommandLine read_command_line(const std::vector<std::string>& words) {
+    CommandLine line;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const Switch* const row = find_switch(words[i]);
+        if (row == nullptr) continue;
+        const std::string& word = words[i];
+        std::string argument;
+        if (row->takes == Takes::ENDS) {
+            RunMode unused;
+            row->apply({}, unused);
+            line.exit_status = 0;
+            return line;
+        }
+        if (row->takes != Takes::NOTHING) {
+            if (++i == words.size()) {
+                line.exit_status = refuse(word + " needs an argument: " + row->argument_name);
+                return line;
+            }
+            argument = words[i];
+            if (to_real(argument) <= row->above) {
+                line.exit_status = refuse(format("%s needs a number above %.0f, not '%s'",
+                                                 word.c_str(), row->above, argument.c_str()));
+                return line;
+            }
+        }
+        line.switches.push_back({row, argument});
+    }
+    return line;
+}
+
+RunMode apply_command_line(const CommandLine& line) {
+    RunMode mode;
+    for (const GivenSwitch& given : line.switches) {
+        given.row->apply(to_argument(given.argument), mode);
+    }
+    return mode;
+}
+
+}  // namespace quon

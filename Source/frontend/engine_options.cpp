@@ -1,0 +1,8 @@
+#include "frontend/engine_options.h"
+
+namespace quon {
+
+EngineOptions options;
+SearchLimits limits;
+
+}  // namespace quon

@@ -1,0 +1,12 @@
+#pragma once
+// The "go" command.
+
+#include <string_view>
+
+namespace quon {
+
+// Aborts a running search, sets `limits` from the keywords in the text, and asks the main loop for a
+// search. What no keyword mentions stays as it was.
+void go_command(std::string_view rest);
+
+}  // namespace quon

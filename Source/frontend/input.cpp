@@ -1,0 +1,79 @@
+// Bytes to lines to commands. '@' ends a command just as a line end does.
+
+#include "frontend/input.h"
+
+#include <algorithm>
+#include <string>
+
+#include "frontend/console.h"
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+#include "frontend/uci.h"
+#include "platform/events.h"
+
+namespace quon {
+
+namespace {
+
+constexpr std::size_t MAX_LINE = 4095;
+constexpr char SEPARATOR = '@';
+// No more is read ahead while commands wait: their sender is held up instead.
+constexpr std::size_t READ_AHEAD = 65536;
+
+std::string partial_line;       // bytes since the last line end
+bool partial_line_cut = false;  // more than MAX_LINE of them came
+std::string pending_input;      // whole lines, a SEPARATOR behind each
+bool ended = false;
+
+void end_line() {
+    if (partial_line_cut) {
+        engine_print(format("%sline cut at %d characters", options.uci_mode ? "info string " : "",
+                            int(MAX_LINE)));
+    }
+    if (!partial_line.empty()) pending_input += partial_line + SEPARATOR;
+    partial_line.clear();
+    partial_line_cut = false;
+}
+
+void read_lines() {
+    if (ended || pending_input.size() >= READ_AHEAD) return;
+    std::string bytes;
+    ended = read_input(bytes) == InputState::ENDED;
+    for (const char byte : bytes) {
+        if (byte == '\n' || byte == '\0') {
+            end_line();
+        } else if (partial_line.size() < MAX_LINE) {
+            partial_line += byte;
+        } else {
+            partial_line_cut = true;
+        }
+    }
+    if (ended) end_line();
+}
+
+std::string take_command() {
+    const std::size_t end = pending_input.find(SEPARATOR);
+    std::string command = pending_input.substr(0, end);
+    pending_input.erase(0, end + 1);
+    command.erase(std::min(command.find_first_of("\r\n"), command.size()));
+    return command;
+}
+
+}  // namespace
+
+bool command_pending() { return !pending_input.empty(); }
+
+bool input_ended() { return ended; }
+
+void process_input() {
+    read_lines();
+    if (!command_pending()) return;
+    const std::string command = take_command();
+    if (options.uci_mode || command == "uci") {
+        handle_uci_command(command);
+    } else if (!command.empty()) {
+        handle_console_command(command);
+    }
+}
+
+}  // namespace quon

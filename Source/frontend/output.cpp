@@ -1,0 +1,77 @@
+// Standard output and the log file.
+
+#include "frontend/output.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <filesystem>
+#include <mutex>
+
+#include "frontend/engine_options.h"
+#include "platform/relaxed.h"
+
+namespace quon {
+
+namespace {
+
+constexpr char LOG_NAME[] = "quon.log";
+
+std::mutex print_mutex;  // guards both streams: a line appears whole in each
+std::FILE* log_file = nullptr;
+Relaxed<bool> lost = false;
+
+void write_log(std::string_view line) {
+    if (!options.log_enabled || !log_file) return;
+    std::fwrite(line.data(), 1, line.size(), log_file);
+    std::fflush(log_file);
+}
+
+}  // namespace
+
+void engine_print(std::string_view text) {
+    const std::string line = std::string(text) + "\n";
+    const std::lock_guard lock(print_mutex);
+    const bool written = std::fwrite(line.data(), 1, line.size(), stdout) == line.size();
+    if (std::fflush(stdout) != 0 || !written) lost = true;
+    write_log(line);
+}
+
+void log_line(std::string_view text) {
+    const std::string line = std::string(text) + "\n";
+    const std::lock_guard lock(print_mutex);
+    write_log(line);
+}
+
+std::string format(const char* pattern, ...) {
+    std::va_list arguments;
+    va_start(arguments, pattern);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int size = std::vsnprintf(nullptr, 0, pattern, arguments);
+    va_end(arguments);
+    std::string text(size > 0 ? std::size_t(size) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, pattern, again);
+    va_end(again);
+    return text;
+}
+
+void open_log_file() {
+    std::error_code error;
+    if (std::filesystem::exists(LOG_NAME, error) &&
+        (!std::filesystem::is_regular_file(LOG_NAME, error) ||
+         !std::filesystem::remove(LOG_NAME, error))) {
+        engine_print("log file in use.");
+        return;
+    }
+    log_file = std::fopen(LOG_NAME, "w");
+}
+
+void close_log_file() {
+    const std::lock_guard lock(print_mutex);
+    if (log_file) std::fclose(log_file);
+    log_file = nullptr;
+}
+
+bool output_lost() { return lost; }
+
+}  // namespace quon

@@ -1,0 +1,28 @@
+#pragma once
+// The single way out: lines to standard output, copied to the log file. Any thread may call these;
+// each line is written whole. Depends on nothing, so that every part of the engine can report.
+
+#include <string>
+#include <string_view>
+
+namespace quon {
+
+// Writes the text and a newline to standard output and flushes it; copies them to the log file when
+// logging is on and the file is open.
+void engine_print(std::string_view text);
+
+// The line to the log file alone, under the same two conditions.
+void log_line(std::string_view text);
+
+// printf into a string.
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
+
+// Starts "quon.log" in the working directory afresh and keeps it open; prints "log file in use." and
+// goes on without one when an old file cannot be deleted.
+void open_log_file();
+void close_log_file();
+
+// True once a write to standard output has failed: its reader is gone.
+bool output_lost();
+
+}  // namespace quon

@@ -1,0 +1,57 @@
+// The "position" command.
+
+#include "frontend/position_command.h"
+
+#include <algorithm>
+#include <string>
+
+#include "board/fen.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "frontend/output.h"
+#include "frontend/words.h"
+#include "search/run.h"
+
+namespace quon {
+
+namespace {
+
+constexpr std::string_view MOVES = "moves";
+constexpr std::string_view STARTPOS = "startpos";
+constexpr std::string_view FEN = "fen";
+
+bool set_position(std::string_view text) {
+    if (text.find(STARTPOS) != std::string_view::npos) {
+        position_from_fen(game.position, START_FEN);
+        return true;
+    }
+    if (text.find(FEN) == std::string_view::npos) return false;
+    // The text begins with "fen" and a blank.
+    position_from_fen(game.position, text_from(text, FEN.size() + 1));
+    return true;
+}
+
+void make_moves(std::string_view moves) {
+    for (moves = without_leading_blanks(moves); !moves.empty();
+         moves = without_leading_blanks(moves)) {
+        const std::string_view token = moves.substr(0, moves.find(' '));
+        moves.remove_prefix(token.size());
+        const Move move = parse_coordinates(game.position, token);
+        if (move == NO_MOVE) {
+            engine_print("info string illegal move " + std::string(token));
+            break;
+        }
+        make_game_move(game, move);
+    }
+    game.undo[game.game_ply].move = NO_MOVE;  // nothing to replay
+}
+
+}  // namespace
+
+void position_command(std::string_view rest) {
+    const std::size_t moves = std::min(rest.find(MOVES), rest.size());
+    if (!set_position(rest.substr(0, moves))) return;
+    if (moves < rest.size()) make_moves(text_from(rest, moves + MOVES.size() + 1));
+}
+
+}  // namespace quon

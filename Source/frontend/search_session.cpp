@@ -1,0 +1,73 @@
+// Starting, stopping and reporting a search.
+
+#include "frontend/search_session.h"
+
+#include <string>
+
+#include "board/move_text.h"
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+#include "search/report.h"
+#include "search/run.h"
+#include "search/threads.h"
+#include "search/time.h"
+
+namespace quon {
+
+namespace {
+
+constexpr int MAX_FIFTY = 100;
+
+bool searchable() {
+    if (game.position.fifty > MAX_FIFTY) return false;
+    const char* const problem = position_problem(game.position);
+    if (problem == nullptr) return true;
+    engine_print(std::string(options.uci_mode ? "info string " : "") +
+                 "illegal position: " + problem);
+    return false;
+}
+
+std::string best_move_text() {
+    std::string text = "bestmove " + move_to_text(run.shared_line[1]);
+    const Move reply = run.shared_line[2];
+    if (reply != NO_MOVE) text += " ponder " + move_to_text(reply);
+    return text;
+}
+
+}  // namespace
+
+void start_search() {
+    time_setup();
+    if (searchable()) start_search_threads();
+    control.go_request = NO_SEARCH;
+}
+
+bool report_due() {
+    const u8 mode = control.search_mode;
+    return mode != NO_SEARCH && mode != GO_PONDER && busy_threads() == 0;
+}
+
+void report_search() {
+    collect_stats();
+    final_report(run.shared_score);
+    if (options.uci_mode) {
+        engine_print(best_move_text());
+    } else {
+        print_console_statistics();
+    }
+    control.search_mode = NO_SEARCH;
+}
+
+void stop_search(StopFlag flag) {
+    if (control.search_mode == GO_PONDER) control.search_mode = GO_PLAY;
+    control.stop_flag = flag;
+    wait_for_idle_threads();
+}
+
+void finish_search() {
+    if (control.search_mode == NO_SEARCH && busy_threads() == 0) return;
+    stop_search(STOP);
+    if (report_due()) report_search();
+}
+
+}  // namespace quon

@@ -1,0 +1,24 @@
+#pragma once
+// One search as the front end sees it: started, stopped, reported. Main thread only.
+
+#include "search/control.h"
+
+namespace quon {
+
+// Starts the search that control.go_request asks for. A position that cannot be searched starts
+// nothing: its report then says "bestmove null".
+void start_search();
+
+// No thread is searching and the report is due; that of a pondering search is not.
+bool report_due();
+// The closing info line and "bestmove", or the statistics of console mode.
+void report_search();
+
+// Stops the search with the flag, if one is running, and waits until all threads are idle. One that
+// was pondering becomes due for its report.
+void stop_search(StopFlag flag);
+
+// Stops and reports a search before something that it uses is replaced.
+void finish_search();
+
+}  // namespace quon

@@ -1,0 +1,106 @@
+// Start-up in its fixed order, the choice of what to do, and shutdown.
+
+#include "frontend/startup.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "board/bitboard.h"
+#include "board/fen.h"
+#include "eval/eval_tables.h"
+#include "eval/kpk.h"
+#include "eval/param_file.h"
+#include "frontend/command_line.h"
+#include "frontend/engine_options.h"
+#include "frontend/main_loop.h"
+#include "frontend/output.h"
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "search/control.h"
+#include "search/hash.h"
+#include "search/run.h"
+#include "search/search_params.h"
+#include "search/strength.h"
+#include "search/threads.h"
+#include "tools/bench.h"
+
+namespace quon {
+
+namespace {
+
+constexpr char PARAM_FILE[] = "quon.rc";
+constexpr u32 TIMER_PERIOD_MS = 5;
+
+void set_timer_period() {
+    switch (request_timer_period(TIMER_PERIOD_MS, options.timer_resolution)) {
+        case TimerStatus::NO_CAPABILITIES:
+            std::puts("error setting timer resolution");
+            std::fflush(stdout);
+            break;
+        case TimerStatus::REFUSED: engine_print("Error setting timer resolution"); break;
+        case TimerStatus::NOT_NEEDED:
+        case TimerStatus::SET: break;
+    }
+}
+
+// Brings everything up; false when memory or threads are short.
+bool start(const CommandLine& line, RunMode& mode) {
+    // 1. Before any file is opened and any thread exists.
+    init_events();
+    std::srand(unsigned(wall_clock_ms()));
+    // 2. From here on lines are logged.
+    open_log_file();
+    // 3. The game on the board, and the tables that depend on nothing.
+    game.position.owner = &game;
+    init_attack_tables();
+    build_kpk_bitbase();
+    // 4. The parameter file over the built-in values, the command line over both.
+    load_params(PARAM_FILE, params);
+    default_params = params;
+    mode = apply_command_line(line);
+    // 5. The hash table; the position keys come with it.
+    if (!hash_alloc()) return false;
+    // 6. The search threads.
+    if (!create_threads(options.threads)) return false;
+    set_timer_period();
+    // 7. What the search and the evaluation derive from the parameters.
+    apply_search_params();
+    init_eval_tables();
+    return true;
+}
+
+void run_protocol() {
+    position_from_fen(game.position, START_FEN);
+    calibrate();
+    apply_search_params();
+    position_from_fen(game.position, START_FEN);
+    if (!options.uci_mode) print_board(game.position);
+    control.go_request = NO_SEARCH;
+    control.quit_requested = false;
+    main_loop();
+}
+
+void shut_down() {
+    destroy_threads();
+    hash_free();
+    release_timer_period(options.timer_resolution);
+    close_log_file();
+}
+
+}  // namespace
+
+int run_program(const std::vector<std::string>& words) {
+    const CommandLine line = read_command_line(words);
+    if (line.exit_status) return *line.exit_status;
+    RunMode mode;
+    if (!start(line, mode)) return 1;
+    if (mode.bench_variant != 0) {
+        run_bench(mode.bench_variant, mode.bench_single_thread);
+    } else {
+        run_protocol();
+    }
+    shut_down();
+    return 0;
+}
+
+}  // namespace quon

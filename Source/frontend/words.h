@@ -1,0 +1,27 @@
+#pragma once
+// Words and numbers of command lines. A blank is the space alone.
+
+#include <string_view>
+
+#include "board/types.h"
+
+namespace quon {
+
+// Skips leading blanks; the characters up to a blank, a carriage return, a line feed or the end, at
+// most 128 of them.
+std::string_view first_word(std::string_view text);
+
+// Both read leading digits with an optional sign, 0 when there are none. A number out of range
+// becomes the nearest one inside.
+i64 to_integer(std::string_view text);
+double to_real(std::string_view text);
+
+std::string_view without_leading_blanks(std::string_view text);
+std::string_view without_trailing_blanks(std::string_view text);
+
+// The text from a place on; empty beyond the end.
+inline std::string_view text_from(std::string_view text, std::size_t start) {
+    return start < text.size() ? text.substr(start) : std::string_view();
+}
+
+}  // namespace quon

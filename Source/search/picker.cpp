@@ -1,0 +1,195 @@
+// The staged move picker.
+
+#include "search/picker.h"
+
+#include <utility>
+
+#include "board/legality.h"
+#include "board/movegen.h"
+#include "board/see.h"
+#include "search/history.h"
+
+namespace quon {
+
+namespace {
+
+constexpr Table<int, 7> VICTIM_ORDER = {{200, 210, 220, 220, 230, 240, 250}};
+
+constexpr int HASH_MOVE_ORDER = 255;
+constexpr int UNDERPROMOTION_ORDER = 15;
+constexpr int GOOD_CAPTURE_ORDER = 150;  // above: tried before the quiet moves
+constexpr int UNSORTED_ORDER = 3;        // at or below: the rest is taken as it stands
+constexpr int SORTED_MOVES = 16;
+
+// Stages, in the order in which a node passes them.
+constexpr int STAGE_START = 0;
+constexpr int STAGE_CAPTURES = 1;
+constexpr int STAGE_PICK_CAPTURES = 3;
+constexpr int STAGE_PICK_ALL = 6;
+constexpr int STAGE_REST = 7;
+
+int history_order(const ThreadData& t, const MoveEntry& entry) {
+    return t.history[entry.piece][move_to(entry.move)] / 128;
+}
+
+int good_or_losing_capture_order(const Position& p, const MoveEntry& entry) {
+    if (entry.captured && loses_material(p, entry)) return type_of(entry.captured) + 4;
+    if (entry.move & UNDERPROMOTION_MASK) return UNDERPROMOTION_ORDER;
+    return capture_order(entry);
+}
+
+// The moves that raise a quiet move's order at this node.
+struct QuietHints {
+    Move counter1;
+    Move counter2;
+    Move followup;
+};
+
+QuietHints quiet_hints(const ThreadData& t, int ply) {
+    const MoveEntry& previous = own_previous(t, ply);
+    const Move followup =
+        previous.move == NO_MOVE ? NO_MOVE : t.followup[previous.piece][move_to(previous.move)];
+    return {reply_to_last(t, t.counter1), reply_to_last(t, t.counter2), followup};
+}
+
+int quiet_order(const ThreadData& t, const PlyRecord& record, const QuietHints& hints,
+                const MoveEntry& entry) {
+    const int history = history_order(t, entry);
+    const Move move = entry.move;
+    if (move == record.killer_null) return history + 50;
+    if (move == record.killer1) return history + 48;
+    if (move == record.killer2) return history + 46;
+    if (move == hints.counter1) return history + 44;
+    if (move == hints.counter2) return history + 42;
+    if (move == hints.followup) return history + 32;
+    return history;
+}
+
+int evasion_order(const PlyRecord& record, const QuietHints& hints, Move move) {
+    if (move == record.killer_evasion) return 90;
+    if (move == hints.counter1) return 70;
+    return move == hints.counter2 ? 60 : 0;
+}
+
+void list_all_captures(ThreadData& t, int ply) {
+    const Position& p = t.position;
+    MoveEntry* start = t.plies[ply].list_start;
+    MoveEntry* end = gen_promotions(p, true, gen_captures(p, start));
+    finish_list(t, ply, end);
+    for (MoveEntry* entry = start; entry != end; ++entry) {
+        entry->order = i16(good_or_losing_capture_order(p, *entry));
+    }
+}
+
+// Quiet moves behind what is left of the captures.
+void add_quiets(ThreadData& t, int ply, bool in_check, MoveEntry* rest) {
+    PlyRecord& record = t.plies[ply];
+    while (rest->move != LIST_END) ++rest;
+    MoveEntry* end = gen_quiets(t.position, rest);
+    finish_list(t, ply, end);
+    const QuietHints hints = quiet_hints(t, ply);
+    for (MoveEntry* entry = rest; entry != end; ++entry) {
+        entry->order = i16(in_check ? evasion_order(record, hints, entry->move)
+                                    : quiet_order(t, record, hints, *entry));
+    }
+}
+
+}  // namespace
+
+bool loses_material(const Position& p, const MoveEntry& entry) {
+    return takes_cheaper(entry) &&
+           see(p, p.side, move_from(entry.move), move_to(entry.move)) < LOSING_EXCHANGE;
+}
+
+int capture_order(const MoveEntry& entry) {
+    return VICTIM_ORDER[type_of(entry.captured)] - type_of(entry.piece);
+}
+
+void finish_list(ThreadData& t, int ply, MoveEntry* end) {
+    terminate_list(end);
+    t.plies[ply + 1].list_start = end + 1;
+    t.plies[ply + 2].list_start = end + 2;
+}
+
+bool select_best(MoveEntry* from) {
+    if (from->move == LIST_END) return false;
+    MoveEntry* best = from;
+    for (MoveEntry* entry = from + 1; entry->move != LIST_END; ++entry) {
+        if (entry->order > best->order) best = entry;
+    }
+    std::swap(*from, *best);
+    return true;
+}
+
+void list_captures(ThreadData& t, int ply) {
+    MoveEntry* start = t.plies[ply].list_start;
+    MoveEntry* end = gen_captures(t.position, start);
+    finish_list(t, ply, end);
+    for (MoveEntry* entry = start; entry != end; ++entry) {
+        entry->order = i16(good_or_losing_capture_order(t.position, *entry));
+    }
+}
+
+void list_quiescence_captures(ThreadData& t, int ply) {
+    MoveEntry* start = t.plies[ply].list_start;
+    MoveEntry* end = gen_promotions(t.position, false, gen_captures(t.position, start));
+    finish_list(t, ply, end);
+    for (MoveEntry* entry = start; entry != end; ++entry) entry->order = i16(capture_order(*entry));
+}
+
+const MoveEntry* next_move(ThreadData& t, int ply, bool in_check) {
+    PlyRecord& record = t.plies[ply];
+    switch (record.stage) {
+        case STAGE_START:
+            record.stage = STAGE_CAPTURES;
+            record.pick = record.list_start;
+            if (record.hash_move != NO_MOVE && is_pseudo_legal(t.position, record.hash_move)) {
+                const Table<u8, 65>& board = t.position.board;
+                *record.pick = {record.hash_move, HASH_MOVE_ORDER, board[move_from(record.hash_move)],
+                                board[move_to(record.hash_move)]};
+                finish_list(t, ply, record.pick + 1);
+                return record.next_pick = record.pick;
+            }
+            [[fallthrough]];
+        case STAGE_CAPTURES:
+            list_all_captures(t, ply);
+            record.stage = STAGE_PICK_CAPTURES;
+            record.pick = record.list_start;
+            [[fallthrough]];
+        case STAGE_PICK_CAPTURES:
+            if (select_best(record.pick) && record.pick->order > GOOD_CAPTURE_ORDER) {
+                return record.next_pick = record.pick++;
+            }
+            add_quiets(t, ply, in_check, record.pick);
+            record.stage = STAGE_PICK_ALL;
+            [[fallthrough]];
+        case STAGE_PICK_ALL:
+            if (!select_best(record.pick)) return nullptr;
+            if (record.pick->order <= UNSORTED_ORDER || record.move_count >= SORTED_MOVES) {
+                record.stage = STAGE_REST;
+            }
+            return record.next_pick = record.pick++;
+        default:
+            if (record.pick->move == LIST_END) return nullptr;
+            return record.next_pick = record.pick++;
+    }
+}
+
+void score_moves(ThreadData& t, MoveEntry* list) {
+    const PlyRecord& record = t.plies[1];
+    const QuietHints hints = quiet_hints(t, 1);
+    for (MoveEntry* entry = list; entry->move != LIST_END; ++entry) {
+        const Move move = entry->move;
+        const Move favoured[] = {record.killer_null, record.killer1, record.killer2, hints.counter1,
+                                 hints.counter2};
+        int order = history_order(t, *entry);
+        for (const Move good : favoured) {
+            if (move == good) order = history_order(t, *entry) + 40;
+        }
+        if (entry->captured || (move & PROMOTE_QUEEN)) order = capture_order(*entry);
+        if (move == record.hash_move) order = HASH_MOVE_ORDER;
+        entry->order = i16(order);
+    }
+}
+
+}  // namespace quon

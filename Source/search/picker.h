@@ -1,0 +1,50 @@
+#pragma once
+// The move picker: hands out a node's moves one at a time, the promising ones first.
+//
+// Order: the hash move; captures and queen promotions that do not lose material, the most valuable
+// victim first and among equals the least valuable attacker; then quiet moves, losing captures and
+// under-promotions together by history and killers. Quiet moves are generated only when the good
+// captures are used up, and each call moves only one best entry forward, so an early cut-off costs
+// neither a full generation nor a sort. Once the scores are down to 3, or 16 moves were searched,
+// the rest comes in list order.
+//
+// The lists of all plies lie in one buffer: a list starts behind its parent's.
+
+#include "search/thread_data.h"
+
+namespace quon {
+
+// Coarse piece values by type, for "takes something cheaper" tests.
+constexpr Table<int, 7> COARSE_VALUE = {{0, 1, 3, 3, 5, 10, 0}};
+// A move worth less than this in static exchange, centipawns, loses material.
+constexpr int LOSING_EXCHANGE = -74;
+
+inline bool takes_cheaper(const MoveEntry& entry) {
+    return COARSE_VALUE[type_of(entry.piece)] > COARSE_VALUE[type_of(entry.captured)];
+}
+// The mover is worth more than its victim and the exchange on the destination loses.
+bool loses_material(const Position& p, const MoveEntry& entry);
+
+// Most valuable victim, least valuable attacker: 194 .. 249.
+int capture_order(const MoveEntry& entry);
+
+// Next move of the node at the thread's current ply, nullptr when there is none left. The caller has
+// set the ply's `stage` to 0 before the first call. The record is valid until the next call.
+const MoveEntry* next_move(ThreadData& t, int ply, bool in_check);
+
+// Scores a complete list of root moves.
+void score_moves(ThreadData& t, MoveEntry* list);
+
+// Swaps the entry with the highest order from `from` on into this place; the first of equals wins.
+// False at the end of the list.
+bool select_best(MoveEntry* from);
+
+// Writes the terminator at `end` and stacks the lists of the next two plies behind it.
+void finish_list(ThreadData& t, int ply, MoveEntry* end);
+
+// Captures without promotions into the ply's list, scored like the picker's.
+void list_captures(ThreadData& t, int ply);
+// Captures and queen promotions into the ply's list, by victim and attacker alone.
+void list_quiescence_captures(ThreadData& t, int ply);
+
+}  // namespace quon

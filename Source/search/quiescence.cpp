@@ -1,0 +1,134 @@
+// Quiescence search: captures and queen promotions until the position is quiet; on the first level
+// also quiet checks and pawns to the seventh rank. It stands on the evaluation that the node has
+// stored and reads no table.
+
+#include <algorithm>
+
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/see.h"
+#include "search/picker.h"
+#include "search/search.h"
+
+namespace quon {
+
+namespace {
+
+constexpr int QUIET_CHECK_ORDER = 100;
+// Delta pruning: a capture that leaves the score this far below the best is not tried.
+constexpr int DELTA_MARGIN = 250;
+constexpr int ZERO_WINDOW_MARGIN = 150;  // in zero-window nodes, but for calls from razoring
+
+MoveEntry* add_quiet(MoveEntry* out, int from, int to, int piece) {
+    *out = {make_code(from, to), QUIET_CHECK_ORDER, u8(piece), 0};
+    return out + 1;
+}
+
+MoveEntry* add_pawn_pushes(const Position& p, MoveEntry* out, Bitboard destinations) {
+    const int step = forward(p.side);
+    const Bitboard pawns = p.bb[p.side][PAWN];
+    while (destinations) {
+        const int to = pop_square(destinations);
+        if (has(pawns, to - step)) out = add_quiet(out, to - step, to, make_piece(p.side, PAWN));
+    }
+    return out;
+}
+
+// Quiet moves that give direct check, then every push to the seventh rank.
+MoveEntry* gen_quiet_checks(const Position& p, MoveEntry* out) {
+    const int us = p.side;
+    const int king = king_square(p, us ^ 1);
+    const Bitboard occupancy = occupied(p);
+    const Bitboard empty = ~occupancy;
+    const Bitboard diagonal = bishop_attacks(king, occupancy) & empty;
+    const Bitboard straight = rook_attacks(king, occupancy) & empty;
+
+    out = add_pawn_pushes(p, out, pawn_attacks[us ^ 1][king] & empty);
+    for (int type = KNIGHT; type <= QUEEN; ++type) {
+        const int piece = make_piece(us, type);
+        for (const u8* square = p.plist[piece].begin(); *square != NO_SQUARE; ++square) {
+            const int from = *square;
+            Bitboard reach = 0;
+            Bitboard checks = diagonal | straight;
+            if (type == KNIGHT) {
+                reach = knight_attacks[from];
+                checks = knight_attacks[king] & empty;
+            }
+            if (type == BISHOP || type == QUEEN) reach |= bishop_attacks(from, occupancy);
+            if (type == ROOK || type == QUEEN) reach |= rook_attacks(from, occupancy);
+            if (type == BISHOP) checks = diagonal;
+            if (type == ROOK) checks = straight;
+            Bitboard targets = reach & checks;
+            while (targets) out = add_quiet(out, from, pop_square(targets), piece);
+        }
+    }
+    return add_pawn_pushes(p, out, relative_rank_mask(us, 6) & empty);
+}
+
+// Captures best first; when they are used up and the level allows it, the quiet checks in order.
+struct QuiescencePicker {
+    ThreadData& t;
+    int ply;
+    bool checks_wanted;
+    MoveEntry* pick;
+    bool in_checks = false;
+
+    const MoveEntry* next() {
+        if (!in_checks) {
+            if (select_best(pick)) return pick++;
+            if (!checks_wanted) return nullptr;
+            in_checks = true;
+            pick = t.plies[ply].list_start;
+            finish_list(t, ply, gen_quiet_checks(t.position, pick));
+        }
+        return pick->move == LIST_END ? nullptr : pick++;
+    }
+};
+
+// Moves that are tried whatever they take: a pawn about to promote, and the capture that leaves the
+// opponent without pawns in an ending where that decides.
+bool exempt_from_delta(const Position& p, const MoveEntry& entry) {
+    const int us = p.side;
+    if (type_of(entry.piece) == PAWN && relative_rank(us, move_to(entry.move)) >= 6) return true;
+    if (entry.captured == 0) return false;
+    const int victim = type_of(entry.captured);
+    const int pawns_left = pawn_count(p, us ^ 1) - (victim == PAWN ? 1 : 0);
+    return pawns_left == 0 && p.npm[us ^ 1] - NPM_UNIT[victim] - p.npm[us] < 4;
+}
+
+}  // namespace
+
+int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type) {
+    Position& p = t.position;
+    PlyRecord& record = t.plies[ply];
+    const int eval = record.static_eval;
+    if (eval >= beta) return beta;
+    int best = std::max(eval, alpha);
+    const int margin = depth < 1 && node_type != 0 ? ZERO_WINDOW_MARGIN : DELTA_MARGIN;
+    const KingGuard guard = king_guard(p, false);
+
+    list_quiescence_captures(t, ply);
+    QuiescencePicker picker{t, ply, depth >= 0, record.list_start};
+    while (const MoveEntry* entry = picker.next()) {
+        record.next_pick = entry;
+        const int check = gives_check(p, *entry);
+        const bool hopeless = SEE_VALUE[type_of(entry->captured)] + eval <= best - margin;
+        if (check == 0 && hopeless && !exempt_from_delta(p, *entry)) continue;
+        if (depth < 1 && check != 2 && loses_material(p, *entry)) continue;
+        if (!is_legal(p, entry->move, guard)) continue;
+
+        make_move(p, entry->move);
+        const int score = -search_node(t, ply + 1, depth - 1, -beta, -best, -node_type);
+        unmake_move(p);
+        if (score <= best) continue;
+        auto& line = t.pv[ply];
+        line[ply] = entry->move;
+        line[ply + 1] = NO_MOVE;
+        if (score >= beta) return score;
+        extend_line(t, ply);
+        best = score;
+    }
+    return best;
+}
+
+}  // namespace quon

@@ -1,0 +1,52 @@
+#pragma once
+// What all threads share about the running search: its limits, its clock and its published result.
+
+#include <atomic>
+#include <mutex>
+
+#include "board/position.h"
+#include "platform/relaxed.h"
+
+namespace quon {
+
+constexpr int MAX_ITERATION = 68;
+
+// A principal variation: entry 1 is the best move, entry 2 the expected reply, 0 ends it.
+using Line = Table<Relaxed<Move>, MAX_PLY>;
+
+struct SearchRun {
+    // Set by time_setup before the threads start, constant during a search.
+    double start_time = 0;   // seconds on the monotonic clock
+    double target_time = 0;  // seconds allotted to this move
+    int root_side = WHITE;
+    int multipv = 1;
+    int depth_limit = 66;
+    int thread_count = 1;
+
+    Relaxed<double> elapsed = 0.0;  // seconds since start_time, as of the last time check
+
+    // The result board: written by the main search thread under result_mutex.
+    std::mutex result_mutex;
+    Relaxed<i16> shared_score = i16{0};
+    Relaxed<i8> shared_depth = i8{0};
+    Line shared_line{};
+    Table<Relaxed<i16>, MAX_PLY> score_by_depth{};
+    Table<Relaxed<Move>, MAX_PLY> move_by_depth{};
+    Relaxed<i8> change_depth = i8{0};  // iteration at which the best move last changed
+
+    Table<std::atomic<u64>, MAX_PLY> nodes_by_depth{};
+    Relaxed<u8> easy_state = u8{0};  // 1 single root move, 2 clearly best move
+    Relaxed<i8> current_depth = i8{0};    // the main search thread's iteration
+    Relaxed<i8> main_done_depth = i8{0};  // last iteration that it completed
+    int second_score = 0;                 // second-best root score of the iteration
+    int root_tb_result = -1;              // tablebase result of the root, -1 for none
+
+    std::mutex output_mutex;  // one info line, or one currmove block, at a time
+};
+
+extern SearchRun run;
+
+// The game on the board: what the front end sets up and every search starts from.
+extern Game game;
+
+}  // namespace quon

@@ -1,0 +1,34 @@
+#pragma once
+// The search's functions, from the root down. Scores are centipawns for the side to move.
+
+#include "search/thread_data.h"
+
+namespace quon {
+
+// Copies the game into the thread's record and resets what a search starts from. Called by the main
+// thread while the search thread is idle.
+void thread_prepare(ThreadData& t);
+
+// The main search thread's whole search: iterative deepening until the limit, a mate, or the stop flag.
+void iterate(ThreadData& t);
+// A worker's search: the same iterations without publishing.
+void iterate_worker(ThreadData& t);
+
+// One iteration over the root moves from list position pv_index on.
+void root_search(ThreadData& t, int depth, int pv_index);
+
+// Puts the thread's best line on the result board if it is better than what stands there.
+void publish_result(ThreadData& t);
+
+// A node below the root. `ply` counts from 1 at the root, `depth` in plies; node_type 0 is an open
+// window, anything else a zero window. Returns 0 at once when the stop flag is set.
+int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);
+// The node's move loop; fail-soft.
+int search_moves(ThreadData& t, int ply, int depth, int alpha, int beta, bool in_check, int node_type);
+// Captures, and on its first level quiet checks and pawns to the seventh rank.
+int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);
+
+// Copies the child's line behind the move at pv[ply][ply].
+void extend_line(ThreadData& t, int ply);
+
+}  // namespace quon

@@ -1,0 +1,105 @@
+// Strength limiting and the start-up calibration.
+
+#include "search/strength.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/make.h"
+#include "eval/eval_params.h"
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+#include "platform/clock.h"
+#include "search/control.h"
+#include "search/history.h"
+#include "search/picker.h"
+#include "search/search.h"
+#include "search/threads.h"
+
+namespace quon {
+
+namespace {
+
+constexpr int MIN_ELO = 1500;
+constexpr int WALK_DEPTH = 8;
+constexpr int WALK_MOVES = 6;
+constexpr double WALK_SECONDS = 0.4;
+
+void update_elapsed() { run.elapsed = monotonic_seconds() - run.start_time; }
+
+// Evaluates the first moves of every node to the given depth; false once time is up.
+bool walk(ThreadData& t, int ply, int depth, u64& nodes) {
+    ++nodes;
+    PlyRecord& record = t.plies[ply];
+    const bool checked = in_check(t.position);
+    evaluate_node(t, ply, checked);
+    if (depth == 0) return true;
+
+    record.stage = 0;
+    record.move_count = 0;
+    record.hash_move = NO_MOVE;
+    const KingGuard guard = king_guard(t.position, checked);
+    int searched = 0;
+    while (const MoveEntry* entry = next_move(t, ply, checked)) {
+        if (!is_legal(t.position, entry->move, guard)) continue;
+        make_move(t.position, entry->move);
+        const bool go_on = walk(t, ply + 1, depth - 1, nodes);
+        unmake_move(t.position);
+        if (!go_on) return false;
+        if (depth >= 4) {
+            update_elapsed();
+            if (run.elapsed > WALK_SECONDS) return false;
+        }
+        if (++searched == WALK_MOVES) break;
+    }
+    return true;
+}
+
+}  // namespace
+
+double elo_to_nps(double elo) { return std::exp((elo - 1337) / 111) + 20; }
+
+double nps_to_elo(double nps) { return std::log(nps - 20) * 111 + 1337; }
+
+void calibrate() {
+    position_from_fen(game.position, START_FEN);
+    run.start_time = monotonic_seconds();
+    run.elapsed = 0.0;
+    ThreadData& t = thread_data(0);
+    thread_prepare(t);
+    reset_ordering(t);
+    u64 nodes = 0;
+    walk(t, 1, WALK_DEPTH, nodes);
+    update_elapsed();
+    options.calibration_nps = double(nodes) * 0.51 / (run.elapsed + 0.001);
+    // A machine too slow for the formula still gets a finite scale.
+    options.elo_max = nps_to_elo(std::max(options.calibration_nps, 21.0));
+    engine_print(format("info string et= %.3f, nodes= %.0f, nps= %0.0f", run.elapsed.get(),
+                        double(nodes), options.calibration_nps));
+}
+
+void set_elo(int value) {
+    int elo = std::max(value, MIN_ELO);
+    if (elo < 0.99 * options.elo_max) {
+        options.target_nps = elo_to_nps(elo);
+    } else {
+        options.target_nps = NO_NPS_LIMIT;
+        elo = int(options.elo_max);
+    }
+    params.elo = i16(elo);
+    engine_print(format("info string UCI_Elo set to %d", elo));
+    engine_print(format("info string calibration nps = %.0f", options.calibration_nps));
+    engine_print(format("info string target nps = %.0f", options.target_nps.get()));
+}
+
+void throttle(const ThreadData& t) {
+    while (!stopped() && options.target_nps < NO_NPS_LIMIT && run.current_depth > 1) {
+        if (options.target_nps >= double(t.nodes) / run.elapsed) return;
+        sleep_ms(1);
+        update_elapsed();
+    }
+}
+
+}  // namespace quon

@@ -1,0 +1,192 @@
+// Time management.
+
+#include "search/time.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "board/fen.h"
+#include "eval/eval_params.h"
+#include "eval/eval_tables.h"
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+#include "platform/clock.h"
+#include "search/control.h"
+#include "search/hash.h"
+#include "search/run.h"
+#include "search/search_params.h"
+#include "search/threads.h"
+
+namespace quon {
+
+namespace {
+
+constexpr double LEAST_TARGET = 0.002;  // seconds
+constexpr double CHECK_AFTER = 0.02;    // seconds
+
+void reset_run() {
+    if (!params.limit_strength) options.target_nps = NO_NPS_LIMIT;
+    run.root_side = game.position.side;
+    run.multipv = options.multipv;
+    run.depth_limit = limits.depth_limit;
+    run.thread_count = thread_total();
+    run.shared_score = i16{-10000};
+    run.shared_depth = i8{0};
+    run.shared_line = {};
+    for (auto& score : run.score_by_depth) score = i16{-10000};
+    for (auto& move : run.move_by_depth) move = NO_MOVE;
+    for (auto& nodes : run.nodes_by_depth) nodes = 0;
+    run.change_depth = i8{0};
+    run.easy_state = u8{0};
+    run.current_depth = i8{0};
+    run.main_done_depth = i8{0};
+    run.root_tb_result = -1;
+    hash_start_search(game.game_ply + 1);
+    control.stop_flag = RUN;
+    control.search_mode = control.go_request;
+}
+
+// How the clock is shared out: the part of it for one move, and whether pondering may stretch that.
+struct Share {
+    int divisor;
+    bool stretch;
+};
+
+Share clock_share() {
+    const int ply = game.game_ply;
+    if (limits.time_mode == 0) {
+        limits.moves_to_go = i16(ply < 30 ? 38 - ply / 2 : 24);
+        return {limits.moves_to_go + 1, true};
+    }
+    if (!options.uci_mode) {
+        limits.moves_to_go = i16(limits.time_mode - ply / 2 % limits.time_mode);
+    }
+    return {limits.moves_to_go + 1, limits.moves_to_go > 2};
+}
+
+double target_from_clock() {
+    const Share share = clock_share();
+    const double clock = limits.clock[run.root_side];
+    const double overhead = limits.move_overhead;
+    double target = clock / share.divisor;
+    if (options.ponder_option && share.stretch) target *= 1.3;
+    if (limits.increment > 0 && clock > 4 * overhead) {
+        target += limits.increment * clock / (2 * limits.increment + clock);
+    }
+    target = std::min(target, clock * 0.65 - 4 * overhead);
+    return std::max(target, LEAST_TARGET);
+}
+
+void report_start() {
+    if (options.output_delay == NEVER) return;
+    const std::string fen = position_to_fen(game.position);
+    const int ply = game.game_ply;
+    if (options.uci_mode) {
+        log_line("info string fen " + fen);
+        log_line(format("info string ply= %d, trg_time= %0.3f sec", ply, run.target_time));
+    } else {
+        engine_print("fen " + fen);
+        engine_print(format("Ply= %d, Clock= %0.2fs  Target time= %0.2fs", ply,
+                            limits.clock[run.root_side], run.target_time));
+    }
+}
+
+}  // namespace
+
+void time_setup() {
+    run.start_time = monotonic_seconds();
+    run.elapsed = 0.0;
+    if (limits.depth_limit > 2) {
+        init_eval_tables();
+        apply_search_params();
+    }
+    reset_run();
+    if (limits.time_mode == 1) {
+        run.target_time = limits.fixed_time;
+        limits.clock[run.root_side] = limits.fixed_time;
+    } else {
+        run.target_time = target_from_clock();
+    }
+    report_start();
+}
+
+namespace {
+
+// How far a score must fall against the last iteration to count.
+struct DropThresholds {
+    int small;
+    int big;
+};
+
+DropThresholds drop_thresholds(int previous) {
+    if (std::abs(previous) >= 800) return {65, 260};
+    const int small = std::abs(previous) / 16 + 15;
+    return {small, 4 * small};
+}
+
+// What other threads think of the best move, in percent of the remaining time.
+int disagreement(int depth) {
+    int doubt = 0;
+    const Move best = run.shared_line[1];
+    const int shared = run.shared_score;
+    for (int i = 0; i < thread_total(); ++i) {
+        const ThreadData& t = thread_data(i);
+        if (t.iteration < depth) continue;
+        if (t.root_line[1] == best) {
+            if (t.root_score < shared && t.root_state == FAIL_LOW) doubt = 20;
+        } else if (t.root_score > shared) {
+            if (t.root_state == FAIL_HIGH) doubt = std::max(doubt, 2);
+            if (t.root_score > shared + 20) doubt = std::max(doubt, 12);
+        }
+    }
+    return doubt;
+}
+
+int instability(int depth) {
+    const int previous = run.score_by_depth[depth - 1];
+    const int shared = run.shared_score;
+    const DropThresholds drop = drop_thresholds(previous);
+    int doubt = disagreement(depth);
+    if (shared < previous - drop.big) {
+        doubt = 20;
+    } else if (shared < previous - 2 * drop.small) {
+        doubt = std::max(doubt, 8);
+    } else if (shared < previous - drop.small) {
+        doubt = std::max(doubt, 4);
+    }
+    if (depth > 6 && run.change_depth >= depth - 1) doubt = std::max(doubt, 1);
+    return doubt;
+}
+
+void time_is_up() {
+    if (run.shared_depth < 2) return;
+    control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT;
+}
+
+bool move_is_easy() {
+    return run.easy_state == 1 || (run.easy_state == 2 && run.elapsed >= run.target_time * 0.5);
+}
+
+}  // namespace
+
+void time_check() {
+    run.elapsed = monotonic_seconds() - run.start_time;
+    const int depth = run.current_depth;
+    if (control.stop_flag != RUN || control.search_mode == GO_PONDER || depth < 2 ||
+        run.elapsed < CHECK_AFTER) {
+        return;
+    }
+    const int doubt = instability(depth);
+    const double remaining = std::max(limits.clock[run.root_side] - run.elapsed, 0.0);
+    double limit = run.target_time + doubt * 0.01 * remaining;
+    if (limits.time_mode == 1) {
+        if (run.elapsed >= limit || move_is_easy()) time_is_up();
+        return;
+    }
+    if (doubt == 0 && depth > 7 && depth - 3 > run.change_depth) limit *= 0.85;
+    limit -= limits.move_overhead;
+    const bool clock_nearly_gone = remaining < 5 * limits.move_overhead;
+    if (run.elapsed >= limit || move_is_easy() || clock_nearly_gone) time_is_up();
+}
+
+}  // namespace quon

@@ -1,0 +1,14 @@
+#pragma once
+// Time management; main thread only.
+
+namespace quon {
+
+// At every search start: clock, generation, shared run state, and this move's target time from
+// `limits`.
+void time_setup();
+
+// Every few milliseconds during a search: updates the elapsed time and sets the stop flag when the
+// time allotted is spent, stretched while the best move is in doubt.
+void time_check();
+
+}  // namespace quon

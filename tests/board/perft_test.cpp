@@ -1,0 +1,75 @@
+// Published move path counts.
+
+#include "board/perft.h"
+
+#include <gtest/gtest.h>
+
+#include "support/board_support.h"
+
+namespace quon::test {
+namespace {
+
+// Checks those counts of a line "FEN ;D1 n ;D2 n ..." that are at most `bound`; returns their
+// number.
+int check_counts(const std::string& line, u64 bound) {
+    const std::vector<std::string> parts = split(line, ';');
+    const auto game = make_game(parts[0]);
+    int checked = 0;
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        int depth = 0;
+        unsigned long long count = 0;
+        if (std::sscanf(parts[i].c_str(), "D%d %llu", &depth, &count) != 2 || count > bound)
+            continue;
+        EXPECT_EQ(perft(game->position, depth), count) << parts[0] << "depth " << depth;
+        ++checked;
+    }
+    return checked;
+}
+
+TEST(Perft, KnownPositions) {
+    constexpr const char* LINES[] = {
+        "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - ;D1 20 ;D2 400 ;D3 8902 ;D4 197281 "
+        ";D5 4865609",
+        "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - ;D3 97862 ;D4 4085603",
+        "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - ;D3 2812 ;D4 43238 ;D5 674624",
+        "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - ;D3 9467 ;D4 422333",
+        "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - ;D3 62379 ;D4 2103487",
+        "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w - - ;D3 89890 ;D4 3894594",
+        "n1n5/PPPk4/8/8/8/8/4Kppp/5N1N b - - ;D3 9483 ;D4 182838 ;D5 3605103",
+        "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - ;D3 13744 ;D4 314346",
+        "r3k2r/8/3Q4/8/8/5q2/8/R3K2R b KQkq - ;D3 50509 ;D4 1720476",
+        "5k2/8/8/8/8/8/8/4K2R w K - ;D4 6399 ;D6 661072",
+        "3k4/3p4/8/K1P4r/8/8/8/8 b - - ;D4 10138 ;D6 1134888",
+    };
+    const u64 bound = u64(std::max(scaled(5000000), 100000));  // one count of each at least
+    for (const char* line : LINES) EXPECT_GT(check_counts(line, bound), 0);
+}
+
+TEST(Perft, SharedSuites) {
+    for (const char* name : {"/data/perft.epd", "/data/perft-special.epd"}) {
+        const std::vector<std::string> lines = shared_lines(name);
+        if (lines.empty()) GTEST_SKIP() << name << " is not there";
+        int checked = 0;
+        for (const std::string& line : lines) checked += check_counts(line, u64(scaled(1000000)));
+        EXPECT_GE(checked, int(lines.size()));
+    }
+}
+
+TEST(Perft, OtherSideAndMirroredFiles) {
+    visit_random_positions(scaled(1500), 41, [](Game& game) {
+        const u64 count = perft(game.position, 2);
+        ASSERT_EQ(perft(make_game(flip_colors(game.position))->position, 2), count);
+        if (game.position.castle == 0) {
+            ASSERT_EQ(perft(make_game(mirror_files(game.position))->position, 2), count);
+        }
+    });
+}
+
+TEST(Perft, NoDepthNoMoves) {
+    const auto game = make_game(START_FEN);
+    EXPECT_EQ(perft(game->position, 0), 0U);
+    EXPECT_EQ(perft(game->position, -3), 0U);
+}
+
+}  // namespace
+}  // namespace quon::test

@@ -1,0 +1,122 @@
+#include "frontend/position_command.h"
+
+#include <gtest/gtest.h>
+
+#include "board/fen.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "search/run.h"
+#include "support/board_support.h"
+
+namespace quon::test {
+namespace {
+
+struct PositionCommand : testing::Test {
+    void SetUp() override {
+        game.position.owner = &game;
+        position_from_fen(game.position, START_FEN);
+    }
+    static std::string fen() { return position_to_fen(game.position); }
+    static std::string output(const std::string& rest) {
+        return captured_output([&] { position_command(rest); });
+    }
+};
+
+TEST_F(PositionCommand, WhatIsSet) {
+    constexpr char AFTER_E4[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3";
+    constexpr char ENDING[] = "8/P7/8/8/8/8/k6K/8 w - -";
+    const struct {
+        std::string rest, fen;
+        int plies;
+    } cases[] = {
+        {"startpos", START_FEN, 0},
+        {"startpos moves e2e4", AFTER_E4, 1},
+        {"startpos moves", START_FEN, 0},
+        {"startpos moves ", START_FEN, 0},
+        {"startpos moves  e2e4  ", AFTER_E4, 1},
+        {std::string("fen ") + ENDING, ENDING, 0},
+        {std::string("fen ") + ENDING + " 0 1", ENDING, 0},
+        {std::string("fen ") + ENDING + " 0 1 moves a7a8n", "N7/8/8/8/8/8/k6K/8 b - -", 1},
+        {std::string("fen ") + ENDING + " moves a7a8r a2b3", "R7/8/8/8/8/1k6/7K/8 w - -", 2},
+        // "startpos" goes before a FEN.
+        {std::string("fen ") + ENDING + " startpos", START_FEN, 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(output(c.rest), "") << c.rest;
+        EXPECT_EQ(fen(), c.fen) << c.rest;
+        EXPECT_EQ(game.game_ply, c.plies) << c.rest;
+    }
+}
+
+TEST_F(PositionCommand, WithoutAPositionNothingChanges) {
+    position_command("startpos moves e2e4 e7e5");
+    const std::string before = fen();
+    for (const char* rest : {"", "moves g1f3", "START moves g1f3", "kiwipete"}) {
+        EXPECT_EQ(output(rest), "") << rest;
+        EXPECT_EQ(fen(), before) << rest;
+        EXPECT_EQ(game.game_ply, 2) << rest;
+    }
+}
+
+TEST_F(PositionCommand, TokensThatAreNoMovesEndTheList) {
+    for (const char* token :
+         {"e2", "e2e", "i2i4", "e9e4", "e2e0", "e3e4", "e7e5", "e2e5", "e1e2", "e1g1", "e2e4?", "x",
+          "0000", "\xff\xff\xff\xff", "e2-e4"}) {
+        const std::string text = token;
+        const std::string reply = output("startpos moves d2d4 d7d5 " + text + " g1f3");
+        if (text == "e2e4?") {  // an unknown fifth character is no promotion, and the move stands
+            EXPECT_EQ(reply, "");
+            EXPECT_EQ(game.game_ply, 3) << "g1f3 comes out of turn";
+            continue;
+        }
+        EXPECT_EQ(reply, "info string illegal move " + text + "\n");
+        EXPECT_EQ(game.game_ply, 2) << text;
+    }
+}
+
+TEST_F(PositionCommand, KingsAreNotTaken) {
+    EXPECT_EQ(output("fen 4k3/4Q3/8/8/8/8/8/4K3 w - - moves e7e8"),
+              "info string illegal move e7e8\n");
+    EXPECT_EQ(game.game_ply, 0);
+}
+
+TEST_F(PositionCommand, MovesThatLeaveTheKingInCheckAreMade) {
+    EXPECT_EQ(output("fen 4r2k/8/8/8/8/8/4B3/4K3 w - - moves e2d3"), "");
+    EXPECT_EQ(game.game_ply, 1);
+}
+
+TEST_F(PositionCommand, NothingIsLeftToReplay) {
+    position_command("startpos moves e2e4 e7e5 g1f3");
+    EXPECT_NE(game.undo[2].move, NO_MOVE);
+    position_command("startpos moves e2e4 e7e5");
+    EXPECT_EQ(game.undo[2].move, NO_MOVE);
+    EXPECT_EQ(game.undo[1].move, parse_coordinates(make_game("8/4p3/8/8/8/8/8/8 b - -")->position,
+                                                   "e7e5"));
+}
+
+TEST_F(PositionCommand, LongGames) {
+    std::string moves;
+    for (int i = 0; i < 1500; ++i) moves += "g1f3 g8f6 f3g1 f6g8 ";
+    EXPECT_EQ(output("startpos moves " + moves + "e2e4"), "");
+    EXPECT_EQ(fen(), "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3");
+    EXPECT_LE(game.game_ply, MAX_GAME_PLIES);
+    position_from_fen(game.position, START_FEN);
+}
+
+TEST_F(PositionCommand, TextsThatAreNoPositions) {
+    for (const char* text :
+         {"fen", "fen ", "fen x", "xfen", "fen 8/8/8/8/8/8/8/8 w - -",
+          "fen kkkkkkkk/kkkkkkkk/8/8/8/8/KKKKKKKK/KKKKKKKK w KQkq e3",
+          "fen pppppppp/pppppppp/pppppppp/pppppppp/pppppppp/pppppppp/pppppppp/pppppppp b - -",
+          "fen ////////////////////////// w - -", "fen 99999999999/99999999 b KQkq h9",
+          "fen rnbqkbnrrnbqkbnr/pppppppppppppppppp w - - moves e2e4",
+          "fen 4k3/8/8/8/8/8/8/4K3 w KQkq e8 moves e1e2 e8e7"}) {
+        output(text);  // survives, whatever it becomes
+        EXPECT_EQ(game.position.owner, &game) << text;
+    }
+    EXPECT_EQ(output("startpos"), "");
+    EXPECT_EQ(fen(), START_FEN);
+}
+
+}  // namespace
+}  // namespace quon::test

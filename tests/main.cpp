@@ -1,0 +1,27 @@
+// Runs the tests with the engine's tables built, as the program builds them at its start.
+
+#include <gtest/gtest.h>
+
+#include "board/bitboard.h"
+#include "board/keys.h"
+#include "eval/eval_tables.h"
+#include "eval/kpk.h"
+
+namespace {
+
+struct EngineTables : testing::Environment {
+    void SetUp() override {
+        quon::init_attack_tables();
+        quon::init_keys();
+        quon::build_kpk_bitbase();
+        quon::init_eval_tables();
+    }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    testing::AddGlobalTestEnvironment(new EngineTables);  // owned by the framework
+    return RUN_ALL_TESTS();
+}

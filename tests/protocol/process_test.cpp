@@ -1,0 +1,222 @@
+// The program as a process: switches, exit statuses, files, the ends of its input and output, the
+// benchmark, console mode.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "protocol/session.h"
+
+namespace quon::test {
+namespace {
+
+TEST(Program, SwitchesThatEndIt) {
+    const struct {
+        Lines words;
+        int status;
+        std::string output, error;
+    } cases[] = {
+        {{"--version"}, 0, "id name Quon 3.60", ""},
+        {{"-nps"}, 1, "", "quon: -nps needs an argument"},
+        {{"-bench", "-threads"}, 1, "", "quon: -threads needs an argument"},
+        {{"-nps", "21"}, 1, "", "quon: -nps needs a number above 21"},
+    };
+    for (const auto& c : cases) {
+        Process process(c.words);
+        const Ending ending = process.wait();
+        EXPECT_EQ(ending.status, c.status);
+        EXPECT_EQ(ending.lines, c.output.empty() ? Lines{} : Lines{c.output});
+        EXPECT_TRUE(ending.errors.starts_with(c.error)) << ending.errors;
+        EXPECT_EQ(ending.errors.empty(), c.error.empty());
+        EXPECT_TRUE(std::filesystem::is_empty(process.directory())) << "nothing is created";
+    }
+    const Ending help = run_to_end({"-c", "--help"}, "");
+    EXPECT_EQ(help.status, 0);
+    for (const char* word : {"-uci", "-c", "-nolog", "-numa", "-noise", "-quiet", "-uci_extra", "-d",
+                             "-t", "-n", "-nps", "-hash", "-threads", "-bench", "-bench2", "-pbench",
+                             "--help", "--version"}) {
+        EXPECT_EQ(lines_with(help.lines, std::string("  ") + word + " ").size(), 1U) << word;
+    }
+}
+
+TEST(Program, SwitchesThatLimitSearches) {
+    Process process({"-d", "4", "-noise", "0", "-uci_extra", "-hash", "2", "-nps", "1000000"});
+    EXPECT_EQ(process.read_line(), "Elo= 2870");
+    process.send({"go", "quit"});
+    const Ending ending = process.wait();
+    EXPECT_EQ(ending.status, 0);
+    // "go" turns to the clock, but the depth stays.
+    const Lines infos = lines_with(ending.lines, "info [00 ]depth 4 ");
+    EXPECT_FALSE(infos.empty());
+
+    const Ending quiet = run_to_end({"-quiet"}, "go depth 6\n");
+    EXPECT_EQ(quiet.status, 0);
+    EXPECT_EQ(lines_with(quiet.lines, "info depth"), Lines{});
+    EXPECT_EQ(lines_with(quiet.lines, "CMD"), Lines{});
+    ASSERT_FALSE(quiet.lines.empty());
+    EXPECT_TRUE(names_move(quiet.lines.back()));
+}
+
+TEST(Program, EndOfInput) {
+    const struct {
+        std::string input;
+        bool best_move;
+        std::string last_depth;  // that is surely reached
+    } cases[] = {
+        {"", false, ""},
+        {"isready", false, ""},  // the last line has no end
+        {"go depth 6\n", true, "info depth 6 "},
+        {"go depth 5\nposition startpos\nisready", true, "info depth 5 "},
+        {"go movetime 200", true, ""},
+        {"go nodes 30000\n", true, ""},
+        {"go wtime 400 btime 400\n", true, ""},
+        {"go infinite\n", true, ""},
+        {"go ponder wtime 100000 btime 100000\n", true, ""},
+        {"go ponder depth 2\n", true, ""},
+        {"go depth 2\nquit\nisready\n", false, ""},
+    };
+    for (const auto& c : cases) {
+        const Ending ending = run_to_end({"-nolog"}, c.input);
+        EXPECT_EQ(ending.status, 0) << c.input;
+        const Lines best = lines_with(ending.lines, "bestmove");
+        EXPECT_EQ(best.size(), c.best_move ? 1U : 0U) << c.input;
+        for (const std::string& line : best) EXPECT_TRUE(names_move(line)) << c.input << line;
+        if (!c.last_depth.empty()) {
+            EXPECT_FALSE(lines_with(ending.lines, c.last_depth).empty()) << c.input;
+        }
+        EXPECT_EQ(contains(ending.lines, "readyok"), c.input.ends_with("isready")) << c.input;
+    }
+}
+
+TEST(Program, EndOfInputDuringASearch) {
+    for (const char* go : {"go infinite", "go ponder", "go movetime 300"}) {
+        Session session({"-nolog", "-threads", "2"});
+        session.send({go});
+        session.read_to("info depth 3 ");
+        session.close_input();
+        const Ending ending = session.wait();
+        EXPECT_EQ(ending.status, 0) << go;
+        ASSERT_FALSE(ending.lines.empty()) << go;
+        EXPECT_TRUE(names_move(ending.lines.back())) << go;
+    }
+}
+
+TEST(Program, OutputClosedByItsReader) {
+    {
+        Session session({"-nolog", "-threads", "2"});
+        session.send({"go infinite"});
+        session.read_to("info depth 3 ");
+        session.close_output();
+        EXPECT_EQ(session.wait().status, 0) << "while searching";
+    }
+    Session session;
+    session.answers({});
+    session.close_output();
+    session.send({"isready"});
+    EXPECT_EQ(session.wait().status, 0) << "while idle";
+}
+
+// Runs the program in a shell, for redirections; its exit status.
+int run_in_shell(const std::string& directory, const std::string& redirections) {
+    const std::string command = "cd '" + directory + "' && timeout 120 " + QUON_BINARY + " " +
+                                redirections;
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(Program, OtherKindsOfInputAndOutput) {
+    const Process host({"--version"});
+    const std::string& directory = host.directory();
+    std::ofstream(directory + "/commands") << "position startpos\ngo depth 3\n";
+    EXPECT_EQ(run_in_shell(directory, "<commands >answers"), 0);
+    std::ifstream answers(directory + "/answers");
+    const std::string text((std::istreambuf_iterator<char>(answers)), {});
+    EXPECT_NE(text.find("\nbestmove "), std::string::npos) << text;
+    for (const char* redirections :
+         {"</dev/null >answers", "<&- >answers", "<commands >&-", "<commands >/dev/full",
+          "-bench -d 1 <&- >answers", "<. >answers"}) {
+        EXPECT_EQ(run_in_shell(directory, redirections), 0) << redirections;
+    }
+}
+
+TEST(Program, WithoutALog) {
+    // A place where no file can be made, whoever asks.
+    Process nowhere({}, "/proc");
+    nowhere.send({"uci", "go depth 3"});
+    EXPECT_TRUE(names_move(nowhere.read_to("bestmove").back()));
+    nowhere.send({"quit"});
+    EXPECT_EQ(nowhere.wait().status, 0);
+
+    const Process host({"--version"});
+    std::filesystem::create_directories(host.directory() + "/quon.log/full");
+    Process blocked({}, host.directory());
+    EXPECT_EQ(blocked.read_line(), "log file in use.");
+    blocked.send({"isready", "quit"});
+    const Ending ending = blocked.wait();
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_TRUE(contains(ending.lines, "readyok"));
+}
+
+TEST(Bench, Form) {
+    const struct {
+        Lines words;
+        std::size_t positions;
+        std::string threads;
+    } cases[] = {
+        {{"-bench", "-d", "3"}, 10, "1"},
+        {{"-bench2", "-d", "2", "-threads", "2"}, 20, "2"},
+        {{"-pbench", "-n", "2000", "-threads", "4"}, 10, "4"},
+    };
+    for (const auto& c : cases) {
+        const Ending ending = run_to_end(c.words, "");
+        EXPECT_EQ(ending.status, 0);
+        const Lines& lines = ending.lines;
+        ASSERT_EQ(lines.size(), c.positions + 2);
+        EXPECT_EQ(lines[0], "Quon 3.60 running benchmark using " + c.threads + " threads");
+        for (std::size_t i = 0; i < c.positions; ++i) {
+            const std::string number = (i < 10 ? " " : "") + std::to_string(i);
+            EXPECT_TRUE(matches(lines[i + 1], "pos " + number + R"(: [ \d]{3}\.\d\d seconds)"))
+                << lines[i + 1];
+        }
+        EXPECT_TRUE(matches(lines.back(), R"(total time= \d+\.\d\d seconds, nodes= \d+, nps= \d+)"))
+            << lines.back();
+    }
+}
+
+TEST(Bench, CommandsInBetween) {
+    // A stop ends one position early, a quit all that is left of one; every position is told.
+    Process process({"-bench", "-d", "30", "-nolog", "-n", "300000"});
+    process.send({"isready", "stop", "quit"});
+    const Ending ending = process.wait();
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_TRUE(contains(ending.lines, "readyok"));
+    EXPECT_EQ(lines_with(ending.lines, "pos ").size(), 10U);
+    EXPECT_EQ(lines_with(ending.lines, "bestmove"), Lines{});
+}
+
+TEST(Console, Session) {
+    Process process({"-c", "-nolog", "-hash", "1"});
+    EXPECT_TRUE(process.read_line().starts_with("info string et= "));
+    EXPECT_EQ(process.read_line(), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
+    process.read_to("white");
+    process.send({"perft 4", "perft 0", "perft", "swap", "frobnicate 3", "isready", "uci", "isready",
+                  "quit"});
+    const Ending ending = process.wait();
+    EXPECT_EQ(ending.status, 0);
+    const Lines visited = lines_with(ending.lines, "visited ");
+    ASSERT_EQ(visited.size(), 3U);
+    EXPECT_TRUE(matches(visited[0],
+                        R"(visited 197281 nodes in \d+\.\d{3} seconds, nps= \d+)"))
+        << visited[0];
+    EXPECT_TRUE(visited[1].starts_with("visited 0 nodes ")) << visited[1];
+    EXPECT_TRUE(contains(ending.lines, "unknown command: frobnicate"));
+    EXPECT_TRUE(contains(ending.lines, "unknown command: isready"));
+    EXPECT_TRUE(contains(ending.lines, "uciok"));
+    EXPECT_EQ(lines_with(ending.lines, "readyok").size(), 1U) << "only in UCI";
+    EXPECT_EQ(lines_with(ending.lines, "sq= "), Lines{});
+}
+
+}  // namespace
+}  // namespace quon::test

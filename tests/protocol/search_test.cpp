@@ -1,0 +1,337 @@
+// Searches as a front end asks for them: every form of "go", "stop", pondering, several threads.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <set>
+#include <thread>
+
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "protocol/session.h"
+#include "support/board_support.h"
+
+namespace quon::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double seconds_since(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Exactly one "bestmove" was printed: none is left.
+void expect_idle(Session& session) { EXPECT_EQ(session.answers({}), Lines{}); }
+
+TEST(Search, InfoLinesAndBestMove) {
+    Session session;
+    session.send({"position startpos moves e2e4", "go depth 8"});
+    const Lines lines = session.read_to("bestmove");
+    const Lines infos = lines_with(lines, "info depth");
+    ASSERT_GE(infos.size(), 7U);
+    for (const std::string& info : infos) EXPECT_TRUE(matches(info, INFO_LINE)) << info;
+    EXPECT_TRUE(infos.back().starts_with("info depth 8 ")) << infos.back();
+    EXPECT_TRUE(names_move(lines.back())) << lines.back();
+    // The best move and the expected reply begin the last line.
+    const std::string line = infos.back().substr(infos.back().find(" pv ") + 4) + " ";
+    const std::string best = lines.back().substr(9, 4);
+    EXPECT_TRUE(line.starts_with(best)) << line << lines.back();
+    EXPECT_TRUE(lines.back().ends_with("ponder " + line.substr(5, 4))) << line << lines.back();
+    expect_idle(session);
+}
+
+TEST(Search, FormsOfGo) {
+    Session session;
+    for (const char* go : {
+             "go depth 5",
+             "go nodes 20000",
+             "go movetime 50",
+             "go depth 66 movetime 50",
+             "go depth 100 movetime 50",
+             "go depth 300 nodes 5000",
+             "go infinite movetime 20",
+             "go depth 7",
+             "go wtime 300 btime 300",
+             "go wtime 300 btime 300 winc 10 binc 10",
+             "go wtime 500 btime 500 movestogo 5",
+             "go wtime -100 btime -100",
+             "go wtime 0 btime 0 winc 0 binc 0 movestogo 0",
+             "go movetime -1",
+             "go movetime 0",
+             "go wtime 200 btime 200 searchmoves e2e4",
+             "go depth 3 nonsense nodes",
+             "go",
+         }) {
+        if (std::string(go) == "go") {
+            // As the clocks stand.
+            session.send({"go wtime 100 btime 100"});
+            session.read_to("bestmove");
+        }
+        const std::string best = session.best_move({"position startpos", go});
+        EXPECT_TRUE(names_move(best)) << go << ": " << best;
+    }
+    expect_idle(session);
+}
+
+TEST(Search, DepthLimitStays) {
+    Session session;
+    session.send({"go depth 5"});
+    session.read_to("bestmove");
+    session.send({"go wtime 600000 btime 600000"});
+    const Lines infos = lines_with(session.read_to("bestmove"), "info depth");
+    ASSERT_FALSE(infos.empty());
+    EXPECT_TRUE(infos.back().starts_with("info depth 5 ")) << infos.back();
+}
+
+TEST(Search, MoveTimeIsKept) {
+    Session session;
+    session.answers({});
+    const auto start = Clock::now();
+    session.best_move({"go movetime 300"});
+    EXPECT_GE(seconds_since(start), 0.29);
+    EXPECT_LT(seconds_since(start), 20);
+}
+
+TEST(Search, IsReadyAndStopWhileSearching) {
+    Session session;
+    session.send({"go infinite"});
+    session.read_to("info depth 4");
+    for (int i = 0; i < 3; ++i) {
+        session.send({"isready"});
+        EXPECT_EQ(lines_with(session.read_to("readyok"), "bestmove"), Lines{});
+    }
+    const std::string best = session.best_move({"stop"});
+    EXPECT_TRUE(names_move(best)) << best;
+    expect_idle(session);
+    // The last result once more, its closing line with it.
+    EXPECT_EQ(session.best_move({"stop"}), best);
+    expect_idle(session);
+}
+
+TEST(Search, StopAtOnceStillGivesAMove) {
+    Session session;
+    for (int i = 0; i < 20; ++i) {
+        const std::string best = session.best_move({"position startpos", "go infinite", "stop"});
+        EXPECT_TRUE(names_move(best)) << best;
+    }
+    expect_idle(session);
+}
+
+TEST(Search, StopBeforeAnySearch) {
+    Session session;
+    EXPECT_EQ(session.best_move({"stop"}), "bestmove null");
+}
+
+TEST(Search, PonderIsHeldBack) {
+    Session session;
+    session.answers({});
+    // The search is over in no time; its report waits.
+    session.send({"go ponder depth 3"});
+    session.read_to("info depth 3");
+    EXPECT_EQ(lines_with(session.answers({}), "bestmove"), Lines{});
+    EXPECT_TRUE(session.silent_for(100));
+    EXPECT_TRUE(names_move(session.best_move({"ponderhit"})));
+    session.send({"go ponder depth 3"});
+    session.read_to("info depth 3");
+    EXPECT_TRUE(names_move(session.best_move({"stop"})));
+    // Time does not count before the hit, and all of it does after.
+    session.send({"go ponder movetime 100 depth 60"});
+    session.read_to("info depth 2 ");
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    EXPECT_EQ(lines_with(session.answers({}), "bestmove"), Lines{});
+    EXPECT_TRUE(names_move(session.best_move({"ponderhit"})));
+    expect_idle(session);
+    // Without a ponder search it means nothing.
+    EXPECT_EQ(session.answers({"ponderhit"}), Lines{});
+}
+
+// Commands that end a search: each search is reported once, and the engine goes on.
+TEST(Search, CommandsThatEndIt) {
+    Session session({"-nolog", "-hash", "8", "-threads", "2"});
+    const struct {
+        std::string command, reply;
+    } cases[] = {
+        {"go depth 3", ""},
+        {"ucinewgame", ""},
+        {"setoption name Hash value 4", "info string Hash size set to 4M bytes"},
+        {"setoption name Threads value 3", "info string Threads set to 3"},
+        {"setoption name Threads value 1", "info string Threads set to 1"},
+        {"setoption name Clear Hash", "info string Hash table cleared"},
+    };
+    for (const char* go : {"go infinite", "go ponder"}) {
+        for (const auto& c : cases) {
+            SCOPED_TRACE(std::string(go) + ", " + c.command);
+            session.send({"position startpos moves d2d4", go});
+            session.read_to("info depth 3 ");
+            session.send({c.command});
+            EXPECT_TRUE(names_move(session.read_to("bestmove").back()));
+            if (c.command.starts_with("go")) {
+                EXPECT_TRUE(names_move(session.read_to("bestmove").back()));
+            }
+            const Lines rest = session.answers({});
+            EXPECT_EQ(lines_with(rest, "bestmove"), Lines{});
+            EXPECT_TRUE(c.reply.empty() || contains(rest, c.reply));
+            EXPECT_TRUE(names_move(session.best_move({"go depth 4"})));
+        }
+    }
+}
+
+TEST(Search, CommandsThatDoNotEndIt) {
+    Session session;
+    session.send({"go infinite"});
+    session.read_to("info depth 3 ");
+    const Lines replies = session.answers({"position fen 8/8/8/8/8/8/k6K/8 w - -", "uci",
+                                           "setoption name MultiPV value 3", "gibberish",
+                                           "setoption name Contempt value 20", "ponderhit"});
+    EXPECT_EQ(lines_with(replies, "bestmove"), Lines{});
+    EXPECT_TRUE(contains(replies, "uciok"));
+    // The move is of the position that the search began with.
+    const std::string best = session.best_move({"stop"});
+    EXPECT_TRUE(matches(best, "bestmove ([a-h]2.*|[bg]1.*)")) << best;
+    session.send({"quit"});
+    EXPECT_EQ(session.wait().status, 0);
+}
+
+TEST(Search, QuitEndsIt) {
+    for (const char* go : {"go infinite", "go ponder", "go depth 60"}) {
+        Session session({"-nolog", "-threads", "2"});
+        session.send({go});
+        session.read_to("info depth 3 ");
+        session.send({"quit"});
+        const Ending ending = session.wait();
+        EXPECT_EQ(ending.status, 0);
+        EXPECT_EQ(lines_with(ending.lines, "bestmove"), Lines{});
+    }
+}
+
+TEST(Search, MultiPv) {
+    Session session;
+    session.answers({"setoption name MultiPV value 3"});
+    session.send({"go depth 6"});
+    const Lines lines = session.read_to("bestmove");
+    for (int depth = 1; depth <= 6; ++depth) {
+        std::set<std::string> first_moves;
+        for (int pv = 1; pv <= 3; ++pv) {
+            const Lines found = lines_with(lines, "info multipv " + std::to_string(pv) + " depth " +
+                                                      std::to_string(depth) + " ");
+            ASSERT_FALSE(found.empty()) << depth << ' ' << pv;
+            EXPECT_TRUE(matches(found[0], INFO_LINE)) << found[0];
+            first_moves.insert(found[0].substr(found[0].find(" pv ") + 4, 4));
+        }
+        EXPECT_EQ(first_moves.size(), 3U) << depth;
+    }
+    EXPECT_TRUE(names_move(lines.back()));
+    // More lines than moves.
+    session.answers({"setoption name MultiPV value 255"});
+    EXPECT_TRUE(names_move(session.best_move({"position fen 8/8/8/8/8/6k1/8/7K w - -", "go depth 4"})));
+}
+
+TEST(Search, LimitedStrengthIsSlow) {
+    Session session;
+    session.answers({"setoption name UCI_LimitStrength value true",
+                     "setoption name UCI_Elo value 1600"});
+    session.send({"go movetime 700"});
+    const Lines lines = session.read_to("bestmove");
+    EXPECT_TRUE(names_move(lines.back()));
+    const Lines infos = lines_with(lines, "info depth");
+    ASSERT_FALSE(infos.empty());
+    // About 31 nodes a second; the first iteration is not limited.
+    const std::string nodes = infos.back().substr(infos.back().find(" nodes ") + 7);
+    EXPECT_LT(std::stol(nodes), 500) << infos.back();
+    // A stop is heard while the thread waits.
+    session.send({"go infinite"});
+    EXPECT_TRUE(names_move(session.best_move({"stop"})));
+}
+
+// Plays a game of the engine against itself through the session; every move must be legal.
+void play_game(Session& session, int moves, const std::string& go) {
+    const auto board = make_game(START_FEN);
+    std::string played = "position startpos moves";
+    session.answers({"ucinewgame"});
+    for (int i = 0; i < moves && !legal_moves(board->position).empty(); ++i) {
+        const std::string best = session.best_move({played, go});
+        ASSERT_TRUE(names_move(best)) << best << " after " << played;
+        const std::string move = best.substr(9, best.find(' ', 9) - 9);
+        const Move code = parse_coordinates(board->position, move);
+        ASSERT_TRUE(code != NO_MOVE && is_legal(board->position, code)) << move << " in " << played;
+        make_move(board->position, code);
+        played += " " + move;
+    }
+}
+
+TEST(Search, TwoGamesOneThread) {
+    Session session;
+    play_game(session, 30, "go movetime 10");
+    play_game(session, 30, "go wtime 1000 btime 1000 winc 10 binc 10");
+}
+
+TEST(Search, TwoGamesTwoThreads) {
+    Session session({"-nolog", "-threads", "2"});
+    play_game(session, 20, "go movetime 10");
+    play_game(session, 20, "go depth 5");
+}
+
+TEST(Search, TwoGamesEightThreads) {
+    Session session({"-nolog", "-threads", "8", "-hash", "1"});
+    play_game(session, 12, "go movetime 20");
+    play_game(session, 12, "go nodes 3000");
+}
+
+TEST(Search, WithoutATable) {
+    Session session({"-nolog", "-hash", "0"});
+    EXPECT_EQ(session.answers({"setoption name Hash value 0"}),
+              Lines{"info string Hash size set to 0M bytes"});
+    play_game(session, 4, "go depth 4");
+    EXPECT_EQ(session.answers({"setoption name Hash value 4"}),
+              Lines{"info string Hash size set to 4M bytes"});
+    EXPECT_TRUE(names_move(session.best_move({"go depth 5"})));
+}
+
+TEST(Search, PositionsWithoutAMove) {
+    Session session;
+    const struct {
+        std::string position, problem;
+    } cases[] = {
+        {"fen R5k1/5ppp/8/8/8/8/8/6K1 b - -", ""},  // mated
+        {"fen k7/2Q5/8/8/8/8/8/6K1 b - -", ""},     // stalemate
+        {"fen 8/8/8/8/8/8/8/8 w - -", "White needs one king"},
+        {"fen k6k/8/8/8/8/8/8/6K1 b - -", "Black needs one king"},
+        {"fen P5k1/8/8/8/8/8/8/6K1 b - -", "pawn on an end rank"},
+        {"fen 4k3/4Q3/8/8/8/8/8/4K3 w - -", "king can be taken"},
+        {"fen qqqqqqqq/qqqq4/8/8/8/8/k7/6K1 w - -", "more than nine pieces of a kind"},
+        {"fen 4k3/8/8/8/8/8/8/4K3 w - e6", "en passant without a pawn that passed"},
+        {"fen", "White needs one king"},
+    };
+    for (const auto& c : cases) {
+        session.send({"position " + c.position, "go depth 5"});
+        const Lines lines = session.read_to("bestmove");
+        EXPECT_EQ(lines.back(), "bestmove null") << c.position;
+        EXPECT_EQ(contains(lines, "info string illegal position: " + c.problem), !c.problem.empty())
+            << c.position;
+    }
+    // A hundred quiet plies are a draw that is still searched, a hundred and one are not.
+    std::string game = "position fen 4k3/8/8/8/8/8/4R3/4K3 w - - moves";
+    const Lines cycle = {" e2e3", " e8f8", " e3e2", " f8e8"};
+    for (int ply = 0; ply < 101; ++ply) game += cycle[std::size_t(ply) % 4];
+    EXPECT_EQ(session.best_move({game, "go depth 3"}), "bestmove null");
+    game.resize(game.rfind(' '));
+    EXPECT_TRUE(names_move(session.best_move({game, "go depth 3"})));
+    // "go" behind a ponder on such a position is held back as well.
+    session.send({"position fen 8/8/8/8/8/8/8/8 w - -", "go ponder"});
+    EXPECT_EQ(lines_with(session.answers({}), "bestmove"), Lines{});
+    EXPECT_EQ(session.best_move({"stop"}), "bestmove null");
+    EXPECT_TRUE(names_move(session.best_move({"position startpos", "go depth 3"})));
+}
+
+TEST(Search, BadMovesInTheGame) {
+    Session session;
+    EXPECT_EQ(session.answers({"position startpos moves e2e4 e7e5 e1e3 g1f3"}),
+              Lines{"info string illegal move e1e3"});
+    // The moves before it stand: White moves next.
+    const std::string best = session.best_move({"go depth 4"});
+    EXPECT_TRUE(matches(best, "bestmove [a-h][1-4].*")) << best;
+}
+
+}  // namespace
+}  // namespace quon::test

@@ -1,0 +1,206 @@
+#include "support/board_support.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <fstream>
+
+#include "board/fen.h"
+#include "board/keys.h"
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/movegen.h"
+
+namespace quon::test {
+
+int pick(Random& random, int bound) { return int(random() % u64(bound)); }
+
+int scaled(double count) {
+    const char* const text = std::getenv("QUON_TEST_SCALE");
+    const double scale = text ? std::atof(text) : 1.0;
+    return std::max(1, int(count * scale));
+}
+
+std::unique_ptr<Game> make_game(std::string_view fen) {
+    auto game = std::make_unique<Game>();
+    game->position.owner = game.get();
+    position_from_fen(game->position, fen);
+    return game;
+}
+
+std::vector<Move> legal_moves(const Position& p) {
+    MoveEntry list[MAX_LIST];
+    std::vector<Move> moves;
+    for (const MoveEntry *entry = list, *end = gen_all(p, list); entry != end; ++entry) {
+        if (is_legal(p, entry->move)) moves.push_back(entry->move);
+    }
+    return moves;
+}
+
+int play_random(Game& game, Random& random, int plies) {
+    for (int made = 0; made < plies; ++made) {
+        const std::vector<Move> moves = legal_moves(game.position);
+        if (moves.empty()) return made;
+        make_move(game.position, moves[random() % moves.size()]);
+    }
+    return plies;
+}
+
+void visit_random_positions(int count, unsigned seed, const std::function<void(Game&)>& visit) {
+    constexpr const char* STARTS[] = {
+        START_FEN,
+        "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",
+        "r3k2r/1pp3p1/8/p2PpP1p/P2pPp1P/8/1PP3P1/R3K2R b KQkq e3",
+        "n1n5/PPPk4/8/8/8/8/4Kppp/5N1N b - -",
+        "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -",
+        "3qk3/8/1b1r1n2/8/8/1B1R1N2/8/3QK3 w - -",
+        "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -",
+    };
+    Random random(seed);
+    const auto game = std::make_unique<Game>();
+    game->position.owner = game.get();
+    // Short runs reach every start too.
+    constexpr int START_COUNT = int(std::size(STARTS));
+    const int length = std::clamp(count / START_COUNT, 1, 80);
+    for (int visited = 0, start = 0; visited < count; ++start) {
+        position_from_fen(game->position, STARTS[start % START_COUNT]);
+        for (int ply = 0; ply < length && visited < count; ++ply, ++visited) {
+            visit(*game);
+            if (play_random(*game, random, 1) == 0) break;
+        }
+    }
+}
+
+std::string flip_colors(const Position& p) {
+    const std::vector<std::string> fields = split(position_to_fen(p), ' ');
+    const auto swap_case = [](std::string text) {
+        for (char& c : text) {
+            const auto byte = static_cast<unsigned char>(c);
+            c = char(std::isupper(byte) ? std::tolower(byte) : std::toupper(byte));
+        }
+        return text;
+    };
+    std::string board;
+    for (const std::string& rank : split(fields[0], '/')) {
+        board.insert(0, board.empty() ? rank : rank + "/");
+    }
+    std::string ep = fields[3];
+    if (ep != "-") ep[1] = char('1' + '8' - ep[1]);
+    return swap_case(board) + (p.side == WHITE ? " b " : " w ") + swap_case(fields[2]) + " " + ep;
+}
+
+std::string mirror_files(const Position& p) {
+    const std::vector<std::string> fields = split(position_to_fen(p), ' ');
+    std::string board;
+    for (const std::string& rank : split(fields[0], '/')) {
+        if (!board.empty()) board += "/";
+        board.append(rank.rbegin(), rank.rend());
+    }
+    std::string ep = fields[3];
+    if (ep != "-") ep[0] = char('a' + 'h' - ep[0]);
+    return board + " " + fields[1] + " - " + ep;
+}
+
+Bitboard reach_by_steps(int type, int from, Bitboard occupancy) {
+    Bitboard reached = 0;
+    const int limit = type == KNIGHT || type == KING ? 1 : 7;
+    for (int step = 0; step < 25; ++step) {
+        const int files = step % 5 - 2;
+        const int ranks = step / 5 - 2;
+        const int size = files * files + ranks * ranks;
+        if (type == KNIGHT   ? size != 5
+            : type == BISHOP ? size != 2
+            : type == ROOK   ? size != 1
+                             : size != 1 && size != 2)
+            continue;
+        for (int n = 1; n <= limit; ++n) {
+            const int file = file_of(from) + n * files;
+            const int rank = rank_of(from) + n * ranks;
+            if (file < 0 || file > 7 || rank < 0 || rank > 7) break;
+            reached |= bit(make_square(file, rank));
+            if (has(occupancy, make_square(file, rank))) break;
+        }
+    }
+    return reached;
+}
+
+Bitboard attackers_by_steps(const Position& p, int square, int by_side) {
+    Bitboard attackers = 0;
+    for (int from = 0; from < 64; ++from) {
+        const int piece = p.board[from];
+        if (piece == 0 || color_of(piece) != by_side) continue;
+        const int ranks = rank_of(square) - rank_of(from);
+        const bool hits = type_of(piece) == PAWN
+                              ? std::abs(file_of(square) - file_of(from)) == 1 &&
+                                    ranks == (by_side == WHITE ? 1 : -1)
+                              : has(reach_by_steps(type_of(piece), from, occupied(p)), square);
+        if (hits) attackers |= bit(from);
+    }
+    return attackers;
+}
+
+std::string inconsistency(const Position& p) {
+    constexpr u32 SIG[] = {0, 0x1, 0x10, 0x100, 0x1000, 0x10000, 0};
+    constexpr int NPM[] = {0, 0, 3, 3, 5, 10, 0};
+    Position fresh{};
+    std::vector<int> lists[16];
+    for (int square = 0; square < 64; ++square) {
+        const int piece = p.board[square];
+        if (piece == 0) continue;
+        const int color = piece > 8 ? BLACK : WHITE;
+        const int type = piece - 8 * color;
+        if (type < PAWN || type > KING) return "piece code";
+        fresh.bb[color][0] |= bit(square);
+        fresh.bb[color][type] |= bit(square);
+        fresh.sig[color] += SIG[type];
+        fresh.npm[color] = u16(fresh.npm[color] + NPM[type]);
+        fresh.key ^= piece_sq_keys[piece][square];
+        if (type == PAWN) fresh.pawn_key ^= piece_sq_keys[piece][square];
+        lists[piece].push_back(square);
+    }
+    if (p.board[NO_SQUARE] != 0) return "board[NO_SQUARE]";
+    for (int piece = 0; piece < 16; ++piece) {
+        std::vector<int> list;
+        for (const u8* s = p.plist[piece].begin(); *s != NO_SQUARE; ++s) list.push_back(*s);
+        std::sort(list.begin(), list.end());
+        if (list != lists[piece]) return "plist " + std::to_string(piece);
+    }
+    for (const int color : {WHITE, BLACK}) {
+        if (!std::equal(p.bb[color].begin(), p.bb[color].end(), fresh.bb[color].begin()))
+            return "bb";
+        if (p.sig[color] != fresh.sig[color]) return "sig";
+        if (p.npm[color] != fresh.npm[color]) return "npm";
+    }
+    if (p.key != fresh.key) return "key";
+    return p.pawn_key == fresh.pawn_key ? "" : "pawn_key";
+}
+
+std::string captured_output(const std::function<void()>& call) {
+    testing::internal::CaptureStdout();
+    call();
+    return testing::internal::GetCapturedStdout();
+}
+
+std::vector<std::string> shared_lines(const std::string& name) {
+    std::ifstream file(QUON_SHARED_DIR + name);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    for (std::size_t start = 0;;) {
+        const std::size_t end = text.find(separator, start);
+        parts.emplace_back(text.substr(start, end - start));
+        if (end == std::string_view::npos) return parts;
+        start = end + 1;
+    }
+}
+
+}  // namespace quon::test

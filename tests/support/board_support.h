@@ -1,0 +1,56 @@
+#pragma once
+// What tests on positions share: games on the heap, random play, slow but obvious attack queries,
+// colour flip, files beside the checkout.
+
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "board/position.h"
+
+namespace quon::test {
+
+using Random = std::mt19937_64;
+
+// A number below `bound`.
+int pick(Random& random, int bound);
+
+// `count` times the environment variable QUON_TEST_SCALE (1 when unset), at least 1.
+int scaled(double count);
+
+std::unique_ptr<Game> make_game(std::string_view fen);
+
+std::vector<Move> legal_moves(const Position& p);
+
+// Up to `plies` random legal moves; returns how many were made.
+int play_random(Game& game, Random& random, int plies);
+
+// Calls `visit` on `count` positions of random games from starts with castling, en passant,
+// promotions and few men. The visitor may make moves if it takes them back.
+void visit_random_positions(int count, unsigned seed, const std::function<void(Game&)>& visit);
+
+// The position seen from the other side, and with files a to h reversed (castling rights are lost).
+std::string flip_colors(const Position& p);
+std::string mirror_files(const Position& p);
+
+// Squares that a piece (no pawn) reaches with one step after the other up to a blocker, and the
+// pieces of a side that attack a square in this way: slow but obvious.
+Bitboard reach_by_steps(int type, int from, Bitboard occupancy);
+Bitboard attackers_by_steps(const Position& p, int square, int by_side);
+
+// The first redundant field that does not follow from `board`, list order left aside; "" if none.
+std::string inconsistency(const Position& p);
+
+// What the call writes to standard output.
+std::string captured_output(const std::function<void()>& call);
+
+// Lines of a file below the shared directory, without line ends; empty when it is not there.
+std::vector<std::string> shared_lines(const std::string& name);
+
+// The parts of a text between the separators.
+std::vector<std::string> split(std::string_view text, char separator);
+
+}  // namespace quon::test

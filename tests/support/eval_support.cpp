@@ -1,0 +1,51 @@
+// Helpers of the evaluation tests.
+
+#include "support/eval_support.h"
+
+#include "board/fen.h"
+#include "support/board_support.h"
+
+namespace quon::test {
+
+std::unique_ptr<EvalState> make_eval_state() {
+    auto state = std::make_unique<EvalState>();
+    state->tables = eval_tables;
+    return state;
+}
+
+Evaluation evaluate_traced(EvalState& state, const Position& p) {
+    Evaluation result{};
+    reset_trace();
+    result.score = evaluate(state, p, result.notes,
+                            {.ply = 1, .in_check = in_check(p), .iterating = false, .main_thread = true});
+    result.trace = traced;
+    return result;
+}
+
+Evaluation evaluate_fresh(std::string_view fen) {
+    return evaluate_traced(*make_eval_state(), make_game(fen)->position);
+}
+
+int evaluate_node(EvalState& state, const Position& p, EvalNotes& notes) {
+    notes = {};
+    return evaluate(state, p, notes,
+                    {.ply = 2, .in_check = in_check(p), .iterating = true, .main_thread = true});
+}
+
+std::string square_list(Bitboard squares) {
+    std::string text;
+    while (squares) {
+        if (!text.empty()) text += ' ';
+        text += square_name[pop_square(squares)];
+    }
+    return text;
+}
+
+RestoreParams::RestoreParams() : record(params) {}
+
+RestoreParams::~RestoreParams() {
+    params = record;
+    init_eval_tables();
+}
+
+}  // namespace quon::test
