@@ -164,6 +164,16 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
     return count == 1;
 }
 
+namespace {
+
+// A position text may name an en-passant square that no pawn has passed.
+bool en_passant_without_pawn(const Position& p, int from, int to) {
+    const bool en_passant = to == p.ep && type_of(p.board[from]) == PAWN && file_of(from) != file_of(to);
+    return en_passant && p.board[to - forward(p.side)] != make_piece(p.side ^ 1, PAWN);
+}
+
+}  // namespace
+
 Move parse_coordinates(const Position& p, std::string_view text) {
     if (text.size() < 4) return NO_MOVE;
     for (const std::size_t i : {0U, 2U}) {
@@ -180,7 +190,8 @@ Move parse_coordinates(const Position& p, std::string_view text) {
         default: break;
     }
     const Move move = make_code(from, to, promotion);
-    if (!is_pseudo_legal(p, move) || type_of(p.board[to]) == KING) return NO_MOVE;
+    const bool phantom = en_passant_without_pawn(p, from, to);
+    if (!is_pseudo_legal(p, move) || type_of(p.board[to]) == KING || phantom) return NO_MOVE;
     return move;
 }
 

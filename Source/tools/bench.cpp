@@ -62,7 +62,6 @@ void search_with_all_threads() {
 }
 
 void search_in_main_thread() {
-    limits.depth_limit = BENCH_DEPTH;
     ThreadData& thread = thread_data(0);
     thread_prepare(thread);
     iterate(thread);
@@ -73,7 +72,7 @@ void search_in_main_thread() {
 void run_bench(int variant, bool single_thread) {
     limits.fixed_time = SECONDS_PER_POSITION;
     options.output_delay = NEVER;
-    if (limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;
+    if (single_thread || limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;
     engine_print(
         format("%s running benchmark using %d threads", ENGINE_NAME, options.threads));
     double total_time = 0.01;

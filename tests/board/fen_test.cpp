@@ -195,12 +195,10 @@ TEST(Epd, Operations) {
     for (const Case& row : cases) {
         EpdRecord record{"x", "x", "x", "x", "x", "x"};
         EXPECT_EQ(parse_epd_line(row.line, record), row.record) << row.line;
-        EXPECT_EQ(record.fen, row.expected.fen) << row.line;
-        EXPECT_EQ(record.bm, row.expected.bm) << row.line;
-        EXPECT_EQ(record.am, row.expected.am) << row.line;
-        EXPECT_EQ(record.id, row.expected.id) << row.line;
-        EXPECT_EQ(record.ce, row.expected.ce) << row.line;
-        EXPECT_EQ(record.c0, row.expected.c0) << row.line;
+        const auto fields = [](const EpdRecord& r) {
+            return std::vector<std::string>{r.fen, r.bm, r.am, r.id, r.ce, r.c0};
+        };
+        EXPECT_EQ(fields(record), fields(row.expected)) << row.line;
     }
     // A line is read up to its 511th character, in the middle of a word if need be.
     EpdRecord record;

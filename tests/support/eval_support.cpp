@@ -22,9 +22,13 @@ Evaluation evaluate_traced(EvalState& state, const Position& p) {
     return result;
 }
 
-Evaluation evaluate_fresh(std::string_view fen) {
-    return evaluate_traced(*make_eval_state(), make_game(fen)->position);
+Evaluation evaluate_fresh(std::string_view fen, const EvalTables& tables) {
+    const auto state = make_eval_state();
+    state->tables = tables;
+    return evaluate_traced(*state, make_game(fen)->position);
 }
+
+Evaluation evaluate_fresh(std::string_view fen) { return evaluate_fresh(fen, eval_tables); }
 
 int evaluate_node(EvalState& state, const Position& p, EvalNotes& notes) {
     notes = {};

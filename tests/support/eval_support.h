@@ -21,8 +21,9 @@ struct Evaluation {
 // A thread's record with the tables of the live parameters and empty caches.
 std::unique_ptr<EvalState> make_eval_state();
 
-// With fresh caches; the second form uses those of `state`.
+// With fresh caches, and with the given tables; the last form uses the caches of `state`.
 Evaluation evaluate_fresh(std::string_view fen);
+Evaluation evaluate_fresh(std::string_view fen, const EvalTables& tables);
 Evaluation evaluate_traced(EvalState& state, const Position& p);
 
 // One evaluation as the search makes it at an inner node.

@@ -1,0 +1,295 @@
+// The transposition table, with position keys set by hand: high half the lock, low half the slot.
+
+#include <gtest/gtest.h>
+
+#include "board/keys.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "frontend/engine_options.h"
+#include "search/hash.h"
+#include "search/score.h"
+#include "support/board_support.h"
+
+namespace quon::test {
+namespace {
+
+// What a probe's depth says when it found the lock but not the position.
+constexpr int FOREIGN = -98;
+constexpr int NOT_FOUND = -99;
+
+struct HashTest : testing::Test {
+    std::unique_ptr<Game> white = make_game("4k3/8/8/8/8/8/4R3/4K3 w - -");
+    std::unique_ptr<Game> black = make_game("4k3/4r3/8/8/8/8/8/4K3 b - -");
+    const EngineOptions saved = options;
+
+    HashTest() { allocate(1); }
+    ~HashTest() override {
+        hash_free();
+        options = saved;
+    }
+    static void allocate(int megabytes) {
+        options.hash_mb = i16(megabytes);
+        ASSERT_TRUE(hash_alloc());
+        hash_start_search(1);
+    }
+    Position& at(u32 lock, u32 low, int side = WHITE) {
+        Position& p = (side == WHITE ? white : black)->position;
+        p.key ^= full_key(p) ^ (u64{lock} << 32 | low);
+        return p;
+    }
+    void store(u32 lock, u32 low, int depth, int side = WHITE) {
+        hash_store(at(lock, low, side), 1, depth, 10, 0, 20, NO_MOVE);
+    }
+    bool holds(u32 lock, u32 low, int depth) {
+        const HashEntry entry = hash_probe(at(lock, low));
+        return entry.hit() && entry.depth == depth;
+    }
+};
+
+TEST_F(HashTest, BoundsAndMateDistances) {
+    const struct {
+        int score, alpha, beta;
+        Bound bound;
+        int stored_at, stored, read_at, read;
+    } cases[] = {
+        {100, 0, 100, LOWER_BOUND, 1, 100, 9, 100},
+        {101, 0, 100, LOWER_BOUND, 1, 101, 9, 101},
+        {99, 0, 100, EXACT_BOUND, 1, 99, 9, 99},
+        {1, 0, 100, EXACT_BOUND, 1, 1, 9, 1},
+        {0, 0, 100, UPPER_BOUND, 1, 0, 9, 0},
+        {-7, 0, 100, UPPER_BOUND, 1, -7, 9, -7},
+        {9990, 0, 100, LOWER_BOUND, 5, 9995, 3, 9992},
+        {9697, 0, 100, LOWER_BOUND, 5, 9702, 5, 9697},
+        {9696, 0, 100, LOWER_BOUND, 5, 9696, 5, 9696},
+        {-9990, 0, 100, UPPER_BOUND, 5, -9995, 3, -9992},
+        {-9698, 0, 100, UPPER_BOUND, 5, -9703, 5, -9698},
+        {-9697, 0, 100, UPPER_BOUND, 5, -9697, 5, -9697},
+    };
+    for (const auto& c : cases) {
+        hash_clear();
+        hash_store(at(7, 100), c.stored_at, 4, c.score, c.alpha, c.beta, make_code(12, 20));
+        const HashEntry entry = hash_probe(at(7, 100));
+        EXPECT_TRUE(entry.hit());
+        EXPECT_EQ(entry.move, make_code(12, 20));
+        EXPECT_EQ(entry.bound, c.bound) << c.score;
+        EXPECT_EQ(entry.depth, 4);
+        EXPECT_EQ(entry.score, c.stored) << c.score;
+        EXPECT_EQ(score_from_table(entry.score, c.read_at), c.read) << c.score;
+    }
+}
+
+TEST_F(HashTest, SamePositionKeepsMuchDeeperEntries) {
+    const struct {
+        int old_depth, depth;
+        bool replaced;
+    } cases[] = {{10, 7, false}, {10, 8, true}, {10, 12, true}, {1, 0, true}, {3, 0, false}};
+    for (const auto& c : cases) {
+        hash_clear();
+        store(7, 100, c.old_depth);
+        hash_start_search(9);  // the age does not matter here
+        hash_store(at(7, 100), 1, c.depth, -5, 0, 20, make_code(12, 20));
+        const HashEntry entry = hash_probe(at(7, 100));
+        EXPECT_EQ(entry.depth, c.replaced ? c.depth : c.old_depth) << c.old_depth << " " << c.depth;
+        EXPECT_EQ(entry.score, c.replaced ? -5 : 10);
+        EXPECT_EQ(entry.move, c.replaced ? make_code(12, 20) : NO_MOVE);
+    }
+    // Replacing writes the move even when there is none.
+    store(7, 100, 12);
+    EXPECT_EQ(hash_probe(at(7, 100)).move, NO_MOVE);
+}
+
+TEST_F(HashTest, VictimIsOldestAndShallowest) {
+    const struct {
+        int ages[4], depths[4], age, depth, victim;  // -1: nothing is replaced
+    } cases[] = {
+        {{5, 5, 5, 5}, {10, 8, 9, 11}, 5, 1, 1},
+        {{5, 5, 5, 5}, {10, 8, 9, 11}, 5, 0, -1},
+        {{5, 5, 5, 5}, {8, 6, 6, 7}, 5, 6, 1},
+        {{5, 5, 5, 5}, {6, 6, 6, 6}, 5, 0, 0},
+        {{5, 5, 4, 5}, {1, 1, 16, 1}, 5, 9, 2},
+        {{5, 5, 4, 5}, {1, 1, 16, 1}, 5, 8, -1},
+        {{5, 5, 4, 5}, {1, 1, 17, 1}, 5, 0, 0},
+        {{2, 3, 4, 1}, {9, 0, 0, 20}, 6, 13, 3},
+        {{2, 3, 4, 1}, {4, 0, 0, 21}, 6, 0, 0},
+    };
+    for (const auto& c : cases) {
+        hash_clear();
+        for (u32 i = 0; i < 4; ++i) {  // empty entries are taken from the first on
+            hash_start_search(c.ages[i]);
+            store(1 + i, 100, c.depths[i]);
+        }
+        hash_start_search(c.age);
+        store(9, 100, c.depth);
+        EXPECT_EQ(holds(9, 100, c.depth), c.victim >= 0);
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_EQ(holds(u32(1 + i), 100, c.depths[i]), i != c.victim)
+                << "case " << &c - cases << ", entry " << i;
+        }
+    }
+}
+
+TEST_F(HashTest, ImplausibleMovesAreMisses) {
+    const struct {
+        const char* fen;
+        bool hit;
+    } cases[] = {
+        {"4k3/8/8/8/8/8/4R3/4K3 w - -", true},
+        {"4k3/8/8/4r3/8/8/4R3/4K3 w - -", true},   // a capture
+        {"4k3/8/8/8/8/8/8/4K3 w - -", false},      // nothing stands there
+        {"4k3/8/8/8/8/8/4r3/4K3 w - -", false},    // not the mover's piece
+        {"4k3/8/8/4N3/8/8/4R3/4K3 w - -", false},  // takes an own piece
+    };
+    hash_store(at(7, 100), 1, 4, 10, 0, 20, make_code(12, 36));
+    for (const auto& c : cases) {
+        white = make_game(c.fen);
+        EXPECT_EQ(hash_probe(at(7, 100)).hit(), c.hit) << c.fen;
+    }
+}
+
+TEST_F(HashTest, CheckWordExposesForeignEntries) {
+    store(7, 100, 4);
+    // Same lock, another low half: in the same slot (the bits beyond the table) or a neighbour's.
+    for (const u32 low : {100U + 65536U, 100U + 0x80000000U, 99U, 98U, 97U}) {
+        EXPECT_EQ(hash_probe(at(7, low)).depth, FOREIGN) << low;
+    }
+    for (const u32 low : {96U, 101U}) EXPECT_EQ(hash_probe(at(7, low)).depth, NOT_FOUND) << low;
+    EXPECT_EQ(hash_probe(at(8, 100)).depth, NOT_FOUND);
+    EXPECT_TRUE(holds(7, 100, 4));
+    // The first equal lock decides, whether the entry is foreign or not.
+    store(7, 65636, 9);
+    EXPECT_TRUE(holds(7, 65636, 9));
+    EXPECT_EQ(hash_probe(at(7, 100)).depth, FOREIGN);
+}
+
+// White's slots count from the bottom, Black's from the top: entry i and entry `entries` - j. A
+// position of the other side with the same lock is seen as foreign exactly where they meet.
+TEST_F(HashTest, BothColoursCoverTheBlock) {
+    const struct {
+        int megabytes;
+        u32 entries, mask;
+    } sizes[] = {{1, 65536, 65535}, {3, 196608, 131071}, {100, 6553600, 4194303}};
+    for (const auto& size : sizes) {
+        allocate(size.megabytes);
+        for (const int side : {WHITE, BLACK}) {
+            for (const u32 low : {0U, 1U, size.mask - 1, size.mask}) store(5 + low % 2, low, 3, side);
+            for (const u32 low : {0U, 1U, size.mask - 1, size.mask}) {
+                EXPECT_EQ(hash_probe(at(5 + low % 2, low, side)).depth, 3) << size.megabytes << " " << low;
+            }
+        }
+        const u32 low = size.mask - 100;
+        store(77, low, 3);
+        const u32 meeting = size.entries - low;  // Black's slot with the same first entry
+        EXPECT_EQ(hash_probe(at(77, meeting - 1, BLACK)).depth, NOT_FOUND);
+        for (const u32 above : {0U, 1U, 2U, 3U}) {
+            EXPECT_EQ(hash_probe(at(77, meeting + above, BLACK)).depth, FOREIGN) << above;
+        }
+        EXPECT_EQ(hash_probe(at(77, meeting + 4, BLACK)).depth, NOT_FOUND);
+    }
+}
+
+TEST_F(HashTest, NoTableNoEntries) {
+    store(7, 100, 4);
+    options.hash_mode = 0;
+    hash_start_search(2);
+    EXPECT_EQ(hash_probe(at(7, 100)).depth, NOT_FOUND);
+    options.hash_mode = 1;
+    hash_start_search(2);
+    EXPECT_TRUE(holds(7, 100, 4));
+
+    allocate(0);
+    for (const u32 low : {0U, 0xFFFFFFFFU}) {
+        for (const int side : {WHITE, BLACK}) {
+            store(7, low, 4, side);
+            hash_prefetch(at(7, low, side));
+            EXPECT_EQ(hash_probe(at(7, low, side)).depth, NOT_FOUND);
+        }
+    }
+    hash_update_fill();
+    EXPECT_EQ(hash_fill(), 0);
+}
+
+TEST_F(HashTest, FillCountsTheCurrentGeneration) {
+    const u32 first = 65536 / 2 - 500;  // of a thousand entries in the middle
+    for (const u32 low : {first - 1, first, first + 1, first + 500, first + 999, first + 1000}) {
+        store(7, low, 4);
+    }
+    EXPECT_EQ(hash_fill(), 0);
+    hash_update_fill();
+    EXPECT_DOUBLE_EQ(hash_fill(), 0.004);
+    hash_start_search(2);
+    EXPECT_DOUBLE_EQ(hash_fill(), 0.004);
+    hash_update_fill();
+    EXPECT_DOUBLE_EQ(hash_fill(), 0);
+    EXPECT_TRUE(holds(7, first + 500, 4));  // a hit makes the entry current
+    hash_update_fill();
+    EXPECT_DOUBLE_EQ(hash_fill(), 0.001);
+
+    hash_clear();
+    EXPECT_EQ(hash_fill(), 0);
+    EXPECT_FALSE(holds(7, first + 500, 4));
+}
+
+// Stores the move for the position and makes it.
+void store_and_play(Game& game, std::string_view text, int depth = 1) {
+    const Move move = parse_coordinates(game.position, text);
+    ASSERT_NE(move, NO_MOVE) << text;
+    hash_store(game.position, 1, depth, 0, -50, 50, move);
+    make_move(game.position, move);
+}
+
+TEST_F(HashTest, LineFollowsTheTable) {
+    const struct {
+        const char* stored;    // with depth 1; a move after "0:" with depth 0
+        const char* given;     // what the line holds already
+        const char* expected;  // of the moves stored, the line's
+    } cases[] = {
+        {"e2e4 e7e5 g1f3", "", "e2e4 e7e5 g1f3"},
+        {"e2e4 0:e7e5 g1f3", "", "e2e4"},
+        {"0:e2e4 e7e5 g1f3", "e2e4", "e2e4 e7e5 g1f3"},
+        {"e2e4 e7e5", "d2d4", "d2d4"},
+        {"g1f3 g8f6 f3g1 f6g8 e2e4", "", "g1f3 g8f6 f3g1 f6g8"},  // a repetition ends it
+        {"e2e4 e7e5", "e2e5", ""},
+    };
+    for (const auto& c : cases) {
+        hash_clear();
+        const auto source = make_game(START_FEN);
+        for (std::string text : split(c.stored, ' ')) {
+            const bool shallow = text.starts_with("0:");
+            store_and_play(*source, shallow ? text.substr(2) : text, shallow ? 0 : 1);
+        }
+        const auto game = make_game(START_FEN);
+        Table<Move, MAX_PLY> line{};
+        if (*c.given) {  // a given move need not be a possible one
+            const std::string text = c.given;
+            line[1] = make_code((text[1] - '1') * 8 + text[0] - 'a', (text[3] - '1') * 8 + text[2] - 'a');
+        }
+        hash_line(game->position, 1, line);
+        std::string found;
+        for (int i = 1; line[i] != NO_MOVE; ++i) found += (i > 1 ? " " : "") + move_to_text(line[i]);
+        EXPECT_EQ(found, c.expected) << c.stored << " after " << c.given;
+        EXPECT_EQ(full_key(game->position), full_key(make_game(START_FEN)->position));
+        EXPECT_EQ(game->game_ply, 0);
+    }
+}
+
+TEST_F(HashTest, LineEndsAtItsLastEntry) {
+    // 36 pawn moves a side: no position comes twice.
+    const auto source = make_game("4k3/pppppp2/8/8/8/8/2PPPPPP/4K3 w - -");
+    Random random(4);
+    int plies = 0;
+    for (; plies < 80; ++plies) {
+        const std::vector<Move> moves = legal_moves(source->position);
+        if (moves.empty() || source->position.fifty > 3) break;
+        store_and_play(*source, move_to_text(moves[std::size_t(pick(random, int(moves.size())))]));
+    }
+    const auto game = make_game("4k3/pppppp2/8/8/8/8/2PPPPPP/4K3 w - -");
+    const int start = 66 - 10;
+    ASSERT_GT(plies, 12);
+    Table<Move, MAX_PLY> line{};
+    hash_line(game->position, start, line);
+    for (int ply = start; ply <= 66; ++ply) EXPECT_NE(line[ply], NO_MOVE) << ply;
+    EXPECT_EQ(line[67], NO_MOVE);
+}
+
+}  // namespace
+}  // namespace quon::test
