@@ -51,7 +51,7 @@ bool is_legal(const Position& p, Move move, const KingGuard& guard) {
     const int from = move_from(move);
     const int to = move_to(move);
     if (from == guard.king) {
-        if (to != from + 2 && to != from - 2) return safe_after(p, move, to);
+        if (!is_castling(KING, from, to)) return safe_after(p, move, to);
         const int by = p.side ^ 1;
         return !guard.in_check && !square_attacked(p, (from + to) / 2, by) &&
                !square_attacked(p, to, by);
@@ -151,7 +151,7 @@ bool is_pseudo_legal(const Position& p, Move move) {
         default:
             if (promotion != 0) return false;
             if (has(king_attacks[from], to)) return true;
-            return (to == from + 2 || to == from - 2) && castling_possible(p, move);
+            return is_castling(KING, from, to) && castling_possible(p, move);
     }
 }
 

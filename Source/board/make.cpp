@@ -31,9 +31,6 @@ RookMove castling_rook(int king_from, int king_to) {
     if (king_to > king_from) return {king_from + 3, king_from + 1};
     return {king_from - 4, king_from - 1};
 }
-bool is_castling(int type, int from, int to) {
-    return type == KING && (to == from + 2 || to == from - 2);
-}
 
 Move move_below_top(const GameRecord& record) {
     return record.game_ply > 0 ? record.undo[record.game_ply - 1].move : NO_MOVE;

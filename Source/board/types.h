@@ -104,6 +104,11 @@ constexpr int promotion_type(Move move) {
     return move & PROMOTE_ROOK ? ROOK : QUEEN;
 }
 
+// A king's move by two files castles.
+constexpr bool is_castling(int type, int from, int to) {
+    return type == KING && (to == from + 2 || to == from - 2);
+}
+
 struct MoveEntry {
     Move move;
     i16 order;    // ordering score, written by the picker

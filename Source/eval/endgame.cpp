@@ -145,8 +145,8 @@ double pawn_each(const Ending& e) {
 // Rook pawns, at most a bishop of the wrong colour, and the lone king in front of them.
 bool is_wrong_corner(const Ending& e) {
     const Bitboard pawns = e.p.bb[e.strong][PAWN];
-    const bool few_pieces = e.weak_npm == 0 && e.strong_npm < 4 &&
-                            e.strong_sig < 2 * BISHOP_SIG && (e.strong_sig & 0xF0) == 0;
+    const bool few_pieces = e.weak_npm == 0 && e.strong_npm < 4 && e.strong_sig < 2 * BISHOP_SIG &&
+                            (e.strong_sig & 0xF0) == 0;
     if (!few_pieces || ((pawns & ~FILE_A) && (pawns & ~FILE_H))) return false;
     const int file = pawns & FILE_A ? 0 : 7;
     const int corner = make_square(file, e.strong == WHITE ? 7 : 0);
@@ -209,9 +209,16 @@ double scale_factor(const EvalInfo& info, int score) {
     if (p.npm[strong] >= ENOUGH_MATERIAL) return 1.0;
 
     const int weak = strong ^ 1;
-    const Ending e = {info,           p,           strong,      weak,
-                      p.sig[strong],  p.sig[weak], p.npm[strong], p.npm[weak],
-                      pawn_count(p, strong), pawn_count(p, weak)};
+    const Ending e = {info,
+                      p,
+                      strong,
+                      weak,
+                      p.sig[strong],
+                      p.sig[weak],
+                      p.npm[strong],
+                      p.npm[weak],
+                      pawn_count(p, strong),
+                      pawn_count(p, weak)};
     if (e.strong_npm - e.weak_npm >= 4) return clear_advantage(e);
     if (e.strong_pawns == 0) return without_pawns(e);
     if (e.strong_sig == PAWN_SIG && e.weak_sig == PAWN_SIG) return pawn_each(e);

@@ -13,8 +13,8 @@ struct EvalInfo;
 // notes.eval_final says that it is a dead draw. Fills the trace record if `tracing`.
 bool material_shortcut(const Position& p, EvalNotes& notes, bool tracing, int& score);
 
-// The factor in [0.05, 1.0] that the score, from the side to move's view, is worth. Needs the attack
-// maps of `info`.
+// The factor in [0.05, 1.0] that the score, from the side to move's view, is worth. Needs the
+// attack maps of `info`.
 double scale_factor(const EvalInfo& info, int score);
 
 }  // namespace quon

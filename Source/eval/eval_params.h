@@ -3,8 +3,8 @@
 // strength limit's own parameters beside them.
 //
 // Values are centipawns unless noted; a pair holds a term's opening and ending half. The parameter
-// file (param_file.h), the console and the tuners write the record; init_eval_tables derives from it
-// what the evaluation reads.
+// file (param_file.h), the console and the tuners write the record; init_eval_tables derives from
+// it what the evaluation reads.
 
 #include "board/types.h"
 

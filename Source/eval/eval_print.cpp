@@ -39,17 +39,19 @@ std::string mobility_text(const EvalTables& t) {
         const Pair& bishop = t.bishop_mobility[n];
         const Pair& rook = t.rook_mobility[n];
         const Pair& queen = t.queen_mobility[n];
-        text += format("%3d  nmob= %3d/%3d  bmob=%3d/%3d  rmob=%3d/%3d  qmob= %3d/%3d\n", n,
-                       knight.op, knight.en, bishop.op, bishop.en, rook.op, rook.en, queen.op,
-                       queen.en);
+        text +=
+            format("%3d  nmob= %3d/%3d  bmob=%3d/%3d  rmob=%3d/%3d  qmob= %3d/%3d\n", n, knight.op,
+                   knight.en, bishop.op, bishop.en, rook.op, rook.en, queen.op, queen.en);
     }
-    return text + format("queen_mob[28] = %d/%d\n", t.queen_mobility[28].op, t.queen_mobility[28].en);
+    return text +
+           format("queen_mob[28] = %d/%d\n", t.queen_mobility[28].op, t.queen_mobility[28].en);
 }
 
 std::string terms_text(const EvalTables& t) {
     std::string text;
     for (int rank = 1; rank < 7; ++rank) {
-        text += format("rank=%d,  ppawn=%3d, ppawnx=%3d\n", rank + 1, t.ppawn[rank], t.ppawnx[rank]);
+        text +=
+            format("rank=%d,  ppawn=%3d, ppawnx=%3d\n", rank + 1, t.ppawn[rank], t.ppawnx[rank]);
     }
     text += format("pawn_shield= %d\n", t.pawn_shield);
     text += format("pawn_storm= %d\n", t.pawn_storm);

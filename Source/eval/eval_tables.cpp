@@ -13,7 +13,8 @@ FileMaskTables file_mask_tables;
 
 namespace {
 
-// The built-in square tables: files a to d within each rank, rank 1 first; files e to h mirror them.
+// The built-in square tables: files a to d within each rank, rank 1 first; files e to h mirror
+// them.
 using HalfBoard = Table<i8, 32>;
 
 // clang-format off
@@ -138,7 +139,8 @@ i16 rounded(double value) { return i16(std::lround(value)); }
 
 // Fills entries 0..most: the first squares of mobility are worth more than the last ones.
 template <int N>
-void build_mobility(Table<Pair, N>& table, Pair term, int most, double exponent, double zero_point) {
+void build_mobility(Table<Pair, N>& table, Pair term, int most, double exponent,
+                    double zero_point) {
     for (int n = 0; n <= most; ++n) {
         const double share = std::pow(double(n) / most, exponent) - zero_point;
         table[n] = {rounded(term.op * share), rounded(term.en * share)};
@@ -182,8 +184,13 @@ void init_eval_tables() {
     } else {
         build_default_psts(t.pst);
     }
-    t.piece_value = {{{0, 0}, params.pawn_value, params.knight_value, params.bishop_value,
-                      params.rook_value, params.queen_value, {0, 0}}};
+    t.piece_value = {{{0, 0},
+                      params.pawn_value,
+                      params.knight_value,
+                      params.bishop_value,
+                      params.rook_value,
+                      params.queen_value,
+                      {0, 0}}};
     t.bishop_pair = params.bishop_pair;
     build_mobility(t.knight_mobility, params.knight_mobility, 8, 0.7, 0.5);
     build_mobility(t.bishop_mobility, params.bishop_mobility, 14, 0.7, 0.4);

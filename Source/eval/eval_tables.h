@@ -25,8 +25,8 @@ struct EvalTables {
     Pair rook_open_file;
     Pair rook_half_open_file;
     Pair rook_rank7;
-    Table<i16, 8> ppawn;   // passed pawn by relative rank
-    Table<i16, 7> ppawnx;  // what a safe step forward adds
+    Table<i16, 8> ppawn;        // passed pawn by relative rank
+    Table<i16, 7> ppawnx;       // what a safe step forward adds
     Table<i16, 64> KingDanger;  // by attack units / 8
     Pair hung;
     Pair pinned;

@@ -26,8 +26,8 @@ constexpr TraceTerm trace_term(int type) { return TraceTerm(TRACE_POSITIONAL + t
 struct EvalTrace {
     Table<i16, 64> square;
     Table<Table<i16, 2>, TRACE_TERMS> total;  // [term][colour]
-    Bitboard hung;    // both colours
-    Bitboard pinned;  // both colours
+    Bitboard hung;                            // both colours
+    Bitboard pinned;                          // both colours
     int stage;
     double factor = 1.0;  // by which the score was scaled down
 };

@@ -20,7 +20,7 @@ namespace {
 
 constexpr Pair TEMPO = {14, 7};
 constexpr int LONE_QUEEN_EN = -50;
-constexpr int OBSTRUCTED_PAWN = -2;        // any piece in front
+constexpr int OBSTRUCTED_PAWN = -2;          // any piece in front
 constexpr int OBSTRUCTED_CENTRE_PAWN = -12;  // further, at home on the d- or e-file
 constexpr Bitboard CENTRE_FILES = file_mask(3) | file_mask(4);
 
@@ -122,9 +122,8 @@ void set_up_color(EvalInfo& info) {
     info.mobility_area[Color] = ~(pawn_set_attacks<ENEMY>(enemy[PAWN]) | own[PAWN] | own[KING]);
     info.outposts[Color] = OUTPOST_RANKS<Color> & ~info.pawns->span[ENEMY];
     info.blocked_pawns[Color] = own[PAWN] & shift_back<Color>(enemy[PAWN]);
-    info.back_rank[Color] =
-        ((enemy[PAWN] | enemy[KING]) &
-         (relative_rank_mask(Color, 6) | relative_rank_mask(Color, 7))) != 0;
+    info.back_rank[Color] = ((enemy[PAWN] | enemy[KING]) &
+                             (relative_rank_mask(Color, 6) | relative_rank_mask(Color, 7))) != 0;
 }
 
 void set_up_info(EvalInfo& info) {
@@ -139,8 +138,7 @@ void set_up_info(EvalInfo& info) {
 
 template <int Color>
 void evaluate_obstructed_pawns(EvalInfo& info) {
-    const Bitboard obstructed =
-        info.position.bb[Color][PAWN] & shift_back<Color>(info.occupancy);
+    const Bitboard obstructed = info.position.bb[Color][PAWN] & shift_back<Color>(info.occupancy);
     const Bitboard at_home = obstructed & CENTRE_FILES & relative_rank_mask(Color, 1);
     info.positional[Color] += OBSTRUCTED_PAWN * popcount64(obstructed);
     info.positional[Color] += OBSTRUCTED_CENTRE_PAWN * popcount64(at_home);
@@ -166,8 +164,7 @@ int contempt_score(const EvalState& state, const Position& p) {
     const int contempt = state.tables.contempt;
     if (contempt == 0 || !state.contempt_active) return 0;
     const int holder = contempt > 0 ? state.root_side : state.root_side ^ 1;
-    const int material =
-        std::min(2 * pawn_count(p, holder), 12) + std::max(p.npm[holder] - 3, 0);
+    const int material = std::min(2 * pawn_count(p, holder), 12) + std::max(p.npm[holder] - 3, 0);
     const int amount = contempt * material / 41;
     return state.root_side == WHITE ? amount : -amount;
 }
@@ -199,7 +196,7 @@ int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCa
         return cached.score;
     }
 
-    EvalInfo info{.position = p, .tables = state.tables, .notes = notes, .tracing = tracing};
+    EvalInfo info(p, state.tables, notes, tracing);
     info.occupancy = occupied(p);
     set_up_material(info);
     find_pawns(state, info, call.iterating);

@@ -2,8 +2,8 @@
 // The static evaluation.
 //
 // Every term has an opening and an ending value; what they add up to for each colour is blended by
-// the game stage (24 without pieces, 0 with all of them) and scaled down in endings that are hard to
-// win. A pawn is worth 90 in the opening and 110 in the ending. Tested in tests/eval/.
+// the game stage (24 without pieces, 0 with all of them) and scaled down in endings that are hard
+// to win. A pawn is worth 90 in the opening and 110 in the ending. Tested in tests/eval/.
 
 #include "board/position.h"
 #include "eval/eval_tables.h"
@@ -28,8 +28,8 @@ static_assert(sizeof(EvalHashEntry) == 16);
 constexpr int PAWN_HASH_SIZE = 8192;
 constexpr int EVAL_HASH_SIZE = 16384;
 
-// A thread's own part of the evaluation: large, to be allocated once and zeroed. The caches are never
-// cleared; outside an iteration they are written but not read.
+// A thread's own part of the evaluation: large, to be allocated once and zeroed. The caches are
+// never cleared; outside an iteration they are written but not read.
 struct EvalState {
     EvalTables tables;  // copy of the master, made when a search is prepared
     Table<PawnEntry, PAWN_HASH_SIZE> pawn_hash;

@@ -1,5 +1,5 @@
-// King safety counts attack units: attackers of the king zone, pressure on its squares, safe checks,
-// a torn pawn shield. Their sum indexes the KingDanger table.
+// King safety counts attack units: attackers of the king zone, pressure on its squares, safe
+// checks, a torn pawn shield. Their sum indexes the KingDanger table.
 
 #include "eval/king.h"
 
@@ -12,8 +12,8 @@ namespace quon {
 
 namespace {
 
-constexpr int SAFETY_PHASE = 4;    // enemy pieces below this endanger no king
-constexpr int ENDING_STAGE = 14;   // beyond it the king's own activity counts
+constexpr int SAFETY_PHASE = 4;   // enemy pieces below this endanger no king
+constexpr int ENDING_STAGE = 14;  // beyond it the king's own activity counts
 
 constexpr Table<int, 8> SHIELD_CENTRE = {{1, 1, 2, 3, 4, 5, 6, 6}};  // by king file
 constexpr int FULL_SHIELD = 9;

@@ -48,8 +48,8 @@ struct Builder {
             white_to_move[here] = ILLEGAL;
         } else if (rank_of(square) == 7) {
             white_to_move[here] = WIN;
-            const bool safe = !has(king_attacks[black_king], square) ||
-                              has(king_attacks[white_king], square);
+            const bool safe =
+                !has(king_attacks[black_king], square) || has(king_attacks[white_king], square);
             if (safe) black_to_move[here] = WIN;
         }
     }
@@ -142,8 +142,7 @@ int kpk_probe(const KpkPosition& squares) {
     const int pawn = squares.pawn ^ flip;
     const bool strong_moves = squares.side == squares.strong;
     const WinTable& table = KPKBitbase[strong_moves ? WHITE : BLACK];
-    const Bitboard wins =
-        table[file_of(pawn) + 4 * rank_of(pawn)][squares.strong_king ^ flip];
+    const Bitboard wins = table[file_of(pawn) + 4 * rank_of(pawn)][squares.strong_king ^ flip];
     if (!has(wins, squares.weak_king ^ flip)) return 0;
     return strong_moves ? WIN_SCORE : -WIN_SCORE;
 }

@@ -134,7 +134,9 @@ std::string_view take_token(std::string_view& rest, std::string_view delimiters)
 }
 
 // Leading digits with their sign; 0 when there are none.
-int to_int(std::string_view token) { return int(std::strtoll(std::string(token).c_str(), nullptr, 10)); }
+int to_int(std::string_view token) {
+    return int(std::strtoll(std::string(token).c_str(), nullptr, 10));
+}
 
 // True if the line belongs to one of the text keys. Without a value the setting stays.
 bool set_text(std::string_view line) {

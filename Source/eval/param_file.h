@@ -8,9 +8,9 @@
 
 namespace quon {
 
-// Reads the file into the record, and its book and tablebase settings into `options`. False when the
-// file cannot be opened (nothing is changed) or does not set all twelve square tables; everything
-// else it says holds even then.
+// Reads the file into the record, and its book and tablebase settings into `options`. False when
+// the file cannot be opened (nothing is changed) or does not set all twelve square tables;
+// everything else it says holds even then.
 bool load_params(const std::string& path, EvalParams& record);
 
 }  // namespace quon

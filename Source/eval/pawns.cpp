@@ -63,10 +63,9 @@ struct PawnSets {
 // Advancing, this pawn may win its race past the guards of its path.
 template <int Color>
 bool is_candidate(const PawnSets& sets, int square) {
-    const Bitboard helpers =
-        sets.own & (shift_east(bit(square)) | shift_west(bit(square)));
-    const Bitboard guards = sets.enemy & adjacent_files(square) &
-                            passed_span[Color][square + forward(Color)];
+    const Bitboard helpers = sets.own & (shift_east(bit(square)) | shift_west(bit(square)));
+    const Bitboard guards =
+        sets.enemy & adjacent_files(square) & passed_span[Color][square + forward(Color)];
     return popcount64(helpers) >= popcount64(guards);
 }
 
@@ -118,8 +117,8 @@ void fill_pawn_entry(const EvalInfo& info, PawnEntry& entry) {
     entry.key = p.pawn_key;
     entry.span[WHITE] = shift_east(white_front) | shift_west(white_front);
     entry.span[BLACK] = shift_east(black_front) | shift_west(black_front);
-    entry.passed = (white & ~(black_front | entry.span[BLACK])) |
-                   (black & ~(white_front | entry.span[WHITE]));
+    entry.passed =
+        (white & ~(black_front | entry.span[BLACK])) | (black & ~(white_front | entry.span[WHITE]));
     entry.candidates = 0;
     walk_pawns<WHITE>(info, entry,
                       {white, black, black_front, pawn_set_attacks<WHITE>(white),

@@ -13,16 +13,17 @@ struct EvalInfo;
 extern const Table<Table<Bitboard, 64>, 2> passed_span;
 
 struct PawnEntry {
-    u64 key;                 // pawn key of the position
+    u64 key;                  // pawn key of the position
     Table<Bitboard, 2> span;  // squares that the colour's pawns attack now or after advancing
-    Bitboard passed;         // both colours
-    Bitboard candidates;     // both colours
+    Bitboard passed;          // both colours
+    Bitboard candidates;      // both colours
     Table<i16, 2> op;
     Table<i16, 2> en;
     Table<u16, 2> files;  // files with a pawn of the colour, bit 0 = file a
 };
 
-// Computes the entry anew from the position of `info`; its tables, stage and trace mode must be set.
+// Computes the entry anew from the position of `info`; its tables, stage and trace mode must be
+// set.
 void fill_pawn_entry(const EvalInfo& info, PawnEntry& entry);
 
 }  // namespace quon

@@ -34,33 +34,45 @@ struct Piece {
     bool near_king;  // it attacks the enemy king zone
 };
 
-// Walks the pieces of a type: `attacks_from` gives a square's attacks, `add_terms` what the type has
-// beyond placement and mobility.
+// Walks the pieces of a type: `attacks_from` gives a square's attacks, `add_terms` what the type
+// has beyond placement and mobility.
 template <int Color, int Type, int N, typename Attacks, typename Terms>
 void walk_pieces(EvalInfo& info, const Table<Pair, N>& mobility, Attacks attacks_from,
                  Terms add_terms) {
     constexpr int ENEMY = Color ^ 1;
-    auto& maps = info.attacks[Color];
+    const auto& pst = info.tables.pst[Type];
+    const Bitboard area = info.mobility_area[Color];
+    const Bitboard zone = info.king_zone[ENEMY];
+    Bitboard all = info.attacks[Color][0];
+    Bitboard doubled = info.double_attacks[Color];
+    Bitboard of_type = 0;
+    int king_attackers = 0;
+    Score sum;
     for (Bitboard left = info.position.bb[Color][Type]; left;) {
         Piece piece{};
         piece.square = pop_square(left);
         piece.attacks = attacks_from(piece.square);
-        piece.mobility = popcount64(piece.attacks & info.mobility_area[Color]);
-        piece.near_king = (piece.attacks & info.king_zone[ENEMY]) != 0;
-        if (piece.near_king) info.king_attackers[ENEMY] += KING_ATTACKER_UNIT[Type];
-        info.double_attacks[Color] |= maps[0] & piece.attacks;
-        maps[0] |= piece.attacks;
-        maps[Type] |= piece.attacks;
+        piece.mobility = popcount64(piece.attacks & area);
+        piece.near_king = (piece.attacks & zone) != 0;
+        king_attackers += piece.near_king;
+        doubled |= all & piece.attacks;
+        all |= piece.attacks;
+        of_type |= piece.attacks;
 
         Score score;
-        score += info.tables.pst[Type][relative_square(Color, piece.square)];
+        score += pst[relative_square(Color, piece.square)];
         score += mobility[piece.mobility];
         add_terms(score, piece);
-        info.positional[Color] += score;
+        sum += score;
         if (info.tracing) {
             trace_piece(Color, trace_term(Type), piece.square, blend(score, info.stage));
         }
     }
+    info.attacks[Color][0] = all;
+    info.attacks[Color][Type] = of_type;
+    info.double_attacks[Color] = doubled;
+    info.king_attackers[ENEMY] += KING_ATTACKER_UNIT[Type] * king_attackers;
+    info.positional[Color] += sum;
 }
 
 template <int Color>

@@ -61,11 +61,10 @@ void evaluate_pins_of(EvalInfo& info) {
     const auto& own = info.position.bb[Color];
     const auto& enemy = info.position.bb[Color ^ 1];
     const int king = king_square(info.position, Color);
-    Bitboard blockers =
-        lone_blockers(king,
-                      (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
-                          (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN])),
-                      info.occupancy);
+    Bitboard blockers = lone_blockers(king,
+                                      (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
+                                          (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN])),
+                                      info.occupancy);
     if (own[QUEEN] && !more_than_one(own[QUEEN])) {
         const int queen = lsb_index(own[QUEEN]);
         blockers |= lone_blockers(

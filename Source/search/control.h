@@ -21,7 +21,6 @@ struct SearchControl {
     Relaxed<u8> search_mode = u8{NO_SEARCH};  // the request that started the running search
     Relaxed<u8> stop_flag = u8{RUN};
     bool quit_requested = false;
-    bool ready = true;
 };
 
 extern SearchControl control;

@@ -72,6 +72,8 @@ struct MainHash {
 };
 MainHash main_hash;
 
+bool usable() { return options.hash_mode != 0 && main_hash.entries > 0; }
+
 void empty_slots(Slot* slots, u64 count) {
     const Content empty{NO_MOVE, 0, 0, 0, EMPTY_DEPTH};
     for (u64 i = 0; i < count; ++i) slots[i].store(0, 0, empty);
@@ -137,7 +139,7 @@ void hash_clear() {
 
 void hash_start_search(int age) {
     main_hash.age = i16(age);
-    main_hash.used = options.hash_mode != 0 && main_hash.entries > 0;
+    main_hash.used = usable();
 }
 
 HashEntry hash_probe(const Position& p) {
@@ -197,23 +199,29 @@ void hash_update_fill() {
 
 double hash_fill() { return main_hash.fill; }
 
-void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line) {
+namespace {
+
+void extend_from_table(Position& p, int ply, Table<Move, MAX_PLY>& line) {
     constexpr int last_ply = 66;
-    if (line[ply] == NO_MOVE) {
+    Move move = line[ply];
+    if (move == NO_MOVE) {
         const HashEntry entry = hash_probe(p);
-        if (entry.depth >= 1) line[ply] = entry.move;
+        if (entry.depth >= 1) move = entry.move;
         line[ply + 1] = NO_MOVE;
     }
-    const Move move = line[ply];
-    if (move == NO_MOVE) return;
-    if (is_draw(p, 2) || !is_pseudo_legal(p, move) || !is_legal(p, move)) {
-        line[ply] = NO_MOVE;
-        return;
-    }
+    if (move == NO_MOVE || is_draw(p, 2) || !is_pseudo_legal(p, move) || !is_legal(p, move)) return;
+    line[ply] = move;
     if (ply + 1 > last_ply) return;
     make_move(p, move);
-    hash_line(p, ply + 1, line);
+    extend_from_table(p, ply + 1, line);
     unmake_move(p);
+}
+
+}  // namespace
+
+void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line) {
+    main_hash.used = usable();
+    extend_from_table(p, ply, line);
 }
 
 }  // namespace quon

@@ -36,7 +36,7 @@ void hash_start_search(int age);
 
 // Scores in the table count mates from the node: see score_from_table.
 HashEntry hash_probe(const Position& p);
-// `score` and the bounds as the search knows them; `ply` is the node's distance from the root.
+// `score` and the bounds as the search knows them; `ply` is the node's, 1 at the root.
 void hash_store(const Position& p, int ply, int depth, int score, int alpha, int beta, Move best_move);
 void hash_prefetch(const Position& p);
 
@@ -44,7 +44,8 @@ void hash_prefetch(const Position& p);
 void hash_update_fill();
 double hash_fill();
 
-// Fills line[ply..] with table moves from the position on while they are legal and no draw.
+// Extends line[ply..] with table moves from the position on while they are legal and no draw; moves
+// that the line already has are followed. No search may be running.
 void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line);
 
 }  // namespace quon

@@ -17,7 +17,7 @@ void update_history(ThreadData& t, const MoveEntry& entry, bool beat_alpha, int 
 // After a quiet move caused a cut-off.
 void update_killers(ThreadData& t, int ply, Move move, bool in_check);
 
-// The place in a table of replies to the opponent's last move, or NO_MOVE's when there is none.
+// The reply to the opponent's last move in a table of replies; NO_MOVE when there was no last move.
 Move reply_to_last(const ThreadData& t, const Table<Table<Move, 64>, 16>& replies);
 
 // The side's own previous move, two plies back; a record with NO_MOVE at the first two plies and two

@@ -33,8 +33,7 @@ int move_flags(const Position& p, const MoveEntry& entry) {
 }
 
 bool is_castling_move(const MoveEntry& entry) {
-    const int distance = move_to(entry.move) - move_from(entry.move);
-    return type_of(entry.piece) == KING && (distance == 2 || distance == -2);
+    return is_castling(type_of(entry.piece), move_from(entry.move), move_to(entry.move));
 }
 
 namespace {

@@ -71,14 +71,21 @@ int evasion_order(const PlyRecord& record, const QuietHints& hints, Move move) {
     return move == hints.counter2 ? 60 : 0;
 }
 
+// Ends the ply's list and gives each of its entries an order.
+template <typename Order>
+void finish_scored_list(ThreadData& t, int ply, MoveEntry* end, Order order) {
+    finish_list(t, ply, end);
+    for (MoveEntry* entry = t.plies[ply].list_start; entry != end; ++entry) {
+        entry->order = i16(order(*entry));
+    }
+}
+
 void list_all_captures(ThreadData& t, int ply) {
     const Position& p = t.position;
-    MoveEntry* start = t.plies[ply].list_start;
-    MoveEntry* end = gen_promotions(p, true, gen_captures(p, start));
-    finish_list(t, ply, end);
-    for (MoveEntry* entry = start; entry != end; ++entry) {
-        entry->order = i16(good_or_losing_capture_order(p, *entry));
-    }
+    MoveEntry* end = gen_promotions(p, true, gen_captures(p, t.plies[ply].list_start));
+    finish_scored_list(t, ply, end, [&](const MoveEntry& entry) {
+        return good_or_losing_capture_order(p, entry);
+    });
 }
 
 // Quiet moves behind what is left of the captures.
@@ -122,19 +129,16 @@ bool select_best(MoveEntry* from) {
 }
 
 void list_captures(ThreadData& t, int ply) {
-    MoveEntry* start = t.plies[ply].list_start;
-    MoveEntry* end = gen_captures(t.position, start);
-    finish_list(t, ply, end);
-    for (MoveEntry* entry = start; entry != end; ++entry) {
-        entry->order = i16(good_or_losing_capture_order(t.position, *entry));
-    }
+    const Position& p = t.position;
+    finish_scored_list(t, ply, gen_captures(p, t.plies[ply].list_start), [&](const MoveEntry& entry) {
+        return good_or_losing_capture_order(p, entry);
+    });
 }
 
 void list_quiescence_captures(ThreadData& t, int ply) {
-    MoveEntry* start = t.plies[ply].list_start;
-    MoveEntry* end = gen_promotions(t.position, false, gen_captures(t.position, start));
-    finish_list(t, ply, end);
-    for (MoveEntry* entry = start; entry != end; ++entry) entry->order = i16(capture_order(*entry));
+    const Position& p = t.position;
+    MoveEntry* end = gen_promotions(p, false, gen_captures(p, t.plies[ply].list_start));
+    finish_scored_list(t, ply, end, capture_order);
 }
 
 const MoveEntry* next_move(ThreadData& t, int ply, bool in_check) {
@@ -142,36 +146,36 @@ const MoveEntry* next_move(ThreadData& t, int ply, bool in_check) {
     switch (record.stage) {
         case STAGE_START:
             record.stage = STAGE_CAPTURES;
-            record.pick = record.list_start;
+            record.rest = record.list_start;
             if (record.hash_move != NO_MOVE && is_pseudo_legal(t.position, record.hash_move)) {
                 const Table<u8, 65>& board = t.position.board;
-                *record.pick = {record.hash_move, HASH_MOVE_ORDER, board[move_from(record.hash_move)],
+                *record.rest = {record.hash_move, HASH_MOVE_ORDER, board[move_from(record.hash_move)],
                                 board[move_to(record.hash_move)]};
-                finish_list(t, ply, record.pick + 1);
-                return record.next_pick = record.pick;
+                finish_list(t, ply, record.rest + 1);
+                return record.next_pick = record.rest;
             }
             [[fallthrough]];
         case STAGE_CAPTURES:
             list_all_captures(t, ply);
             record.stage = STAGE_PICK_CAPTURES;
-            record.pick = record.list_start;
+            record.rest = record.list_start;
             [[fallthrough]];
         case STAGE_PICK_CAPTURES:
-            if (select_best(record.pick) && record.pick->order > GOOD_CAPTURE_ORDER) {
-                return record.next_pick = record.pick++;
+            if (select_best(record.rest) && record.rest->order > GOOD_CAPTURE_ORDER) {
+                return record.next_pick = record.rest++;
             }
-            add_quiets(t, ply, in_check, record.pick);
+            add_quiets(t, ply, in_check, record.rest);
             record.stage = STAGE_PICK_ALL;
             [[fallthrough]];
         case STAGE_PICK_ALL:
-            if (!select_best(record.pick)) return nullptr;
-            if (record.pick->order <= UNSORTED_ORDER || record.move_count >= SORTED_MOVES) {
+            if (!select_best(record.rest)) return nullptr;
+            if (record.rest->order <= UNSORTED_ORDER || record.move_count >= SORTED_MOVES) {
                 record.stage = STAGE_REST;
             }
-            return record.next_pick = record.pick++;
+            return record.next_pick = record.rest++;
         default:
-            if (record.pick->move == LIST_END) return nullptr;
-            return record.next_pick = record.pick++;
+            if (record.rest->move == LIST_END) return nullptr;
+            return record.next_pick = record.rest++;
     }
 }
 

@@ -27,9 +27,10 @@ MoveEntry* add_quiet(MoveEntry* out, int from, int to, int piece) {
 MoveEntry* add_pawn_pushes(const Position& p, MoveEntry* out, Bitboard destinations) {
     const int step = forward(p.side);
     const Bitboard pawns = p.bb[p.side][PAWN];
+    destinations &= p.side == WHITE ? shift_forward<WHITE>(pawns) : shift_forward<BLACK>(pawns);
     while (destinations) {
         const int to = pop_square(destinations);
-        if (has(pawns, to - step)) out = add_quiet(out, to - step, to, make_piece(p.side, PAWN));
+        out = add_quiet(out, to - step, to, make_piece(p.side, PAWN));
     }
     return out;
 }

@@ -128,7 +128,7 @@ void print_currmove(int depth, Move move, int number) {
 }
 
 void final_report(int score) {
-    const bool due = stopped() || run.elapsed >= options.output_delay;
+    const bool due = !run.finished || run.elapsed >= options.output_delay;
     if (!due || run.shared_depth == 0 || options.output_delay == NEVER) return;
     if (run.shared_line[1] == NO_MOVE) return;
     print_info(0, 0, run.shared_depth, score, run.shared_line);

@@ -1,183 +1,27 @@
-// The top of the search: preparation, iterative deepening, the root's move loop and the result board.
+// One iteration over the root moves: aspiration windows, and a principal variation that is resolved
+// step by step when a move fails high or low.
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
-#include "board/legality.h"
 #include "board/make.h"
-#include "board/movegen.h"
 #include "frontend/engine_options.h"
-#include "frontend/output.h"
-#include "platform/clock.h"
 #include "search/control.h"
-#include "search/history.h"
 #include "search/move_flags.h"
 #include "search/picker.h"
 #include "search/report.h"
+#include "search/result.h"
 #include "search/score.h"
 #include "search/search.h"
-#include "search/strength.h"
-#include "search/threads.h"
 
 namespace quon {
 
 namespace {
 
-constexpr u64 NO_NODE_LIMIT = u64{1} << 62;
-constexpr double CONTEMPT_TIME = 6000;     // seconds; contempt acts in games, not in analysis
-constexpr double CURRMOVE_AFTER = 3.5;     // seconds
-constexpr double ABANDON_AFTER = 0.025;    // seconds, for a worker behind the main thread
-constexpr int SLOW_NPS = 15000;            // at or below: no full windows for later moves at depth 1
+constexpr double CURRMOVE_AFTER = 3.5;   // seconds
+constexpr double ABANDON_AFTER = 0.025;  // seconds, for a worker behind the main thread
+constexpr int SLOW_NPS = 15000;          // at or below: no full windows for later moves at depth 1
 constexpr int INTERRUPTED_MARGIN = 25;
-
-}  // namespace
-
-void thread_prepare(ThreadData& t) {
-    copy_game(t, game);
-    t.ply = 1;
-    t.eval.tables = eval_tables;
-    t.eval.contempt_active = run.target_time < CONTEMPT_TIME;
-    t.eval.root_side = t.position.side;
-    t.node_limit = limits.max_nodes > 0 ? u64(limits.max_nodes) : NO_NODE_LIMIT;
-    t.plies[1].list_start = t.move_buffer.begin();
-    t.iteration = u8{0};
-    t.root_state = u8{ROOT_NORMAL};
-    t.root_score = i16{0};
-    t.root_line = {};
-    t.sel_depth = u8{0};
-    t.best_depth = 0;
-    t.ext_acc = 0;
-    for (Relaxed<u64>* counter : {&t.nodes, &t.tb_hits, &t.hash_probes, &t.hash_hits, &t.eval.evaluations,
-                                  &t.eval.eval_hits, &t.eval.pawn_probes, &t.eval.pawn_hits}) {
-        *counter = u64{0};
-    }
-}
-
-namespace {
-
-bool is_main(const ThreadData& t) { return t.index == 0; }
-
-MoveEntry* list_legal_moves(ThreadData& t) {
-    MoveEntry* start = t.plies[1].list_start;
-    MoveEntry* kept = start;
-    const KingGuard guard = king_guard(t.position);
-    for (MoveEntry* entry = start, *end = gen_all(t.position, start); entry != end; ++entry) {
-        if (is_legal(t.position, entry->move, guard)) *kept++ = *entry;
-    }
-    finish_list(t, 1, kept);
-    return kept;
-}
-
-// Tables, root evaluation and root moves; false when there is nothing to iterate on.
-bool prepare_root(ThreadData& t) {
-    reset_ordering(t);
-    const bool checked = in_check(t.position);
-    t.root_eval = evaluate_node(t, 1, checked);
-    t.root_score = i16(t.root_eval);
-    t.plies[1].static_eval = t.root_eval;
-    t.plies[0].static_eval = -t.root_eval;
-    t.plies[1].hash_move = NO_MOVE;
-    t.plies[1].move_count = 0;
-
-    if (!has_legal_move(t.position)) {
-        t.root_score = i16(checked ? mated_in(1) : DRAW_SCORE);
-        t.iteration = u8{1};
-        t.sel_depth = u8{1};
-        t.best_depth = 1;
-        if (is_main(t)) publish_result(t);
-        control.stop_flag = NO_LEGAL_MOVE;
-        return false;
-    }
-    if (run.depth_limit < 1) {
-        if (is_main(t) && !checked) {
-            t.root_score = i16(qsearch(t, 1, 0, -MATE, MATE, 0));
-            run.shared_score = t.root_score;
-        }
-        return false;
-    }
-    list_legal_moves(t);
-    score_moves(t, t.plies[1].list_start);
-    return true;
-}
-
-bool root_move_at(const ThreadData& t, int position) {
-    const MoveEntry* entry = t.plies[1].list_start;
-    for (int i = 0; i < position; ++i, ++entry) {
-        if (entry->move == LIST_END) return false;
-    }
-    return entry->move != LIST_END;
-}
-
-// A mate within the depth is found, or the limit is reached.
-bool iterations_done(int depth) {
-    return run.shared_score >= MATE - 1 - depth || run.shared_score < depth - (MATE - 1) ||
-           depth >= run.depth_limit;
-}
-
-}  // namespace
-
-void iterate(ThreadData& t) {
-    if (!prepare_root(t)) return;
-    for (int depth = 1; depth <= MAX_ITERATION; ++depth) {
-        t.iteration = u8(depth);
-        run.current_depth = i8(depth);
-        run.second_score = NO_SCORE;
-        const int lines = depth == 1 || run.multipv > 1 ? run.multipv : 1;
-        for (int i = 0; i < lines && root_move_at(t, i); ++i) {
-            root_search(t, depth, i);
-            if (stopped()) break;
-            const bool wanted = depth == 1 || run.multipv > 1;
-            if (wanted && output_due() && t.root_line[1] != NO_MOVE) {
-                print_info(t.index, i, depth, t.root_score, t.root_line);
-            }
-        }
-        if (run.multipv >= 2 && !options.uci_mode) engine_print("");
-        run.nodes_by_depth[depth].fetch_add(t.nodes, std::memory_order_relaxed);
-        if (stopped()) return;
-        run.main_done_depth = i8(depth);
-        if (iterations_done(depth)) break;
-    }
-    if (!stopped()) control.stop_flag = STOP;
-}
-
-namespace {
-
-// With most threads at this depth or beyond, another one helps more a ply deeper.
-bool depth_is_crowded(int depth) {
-    if (depth <= 6 || depth >= run.depth_limit || run.multipv != 1) return false;
-    int there = 0;
-    for (int i = 0; i < run.thread_count; ++i) there += thread_data(i).iteration >= depth;
-    return there >= int(std::round(0.65 * run.thread_count + 1));
-}
-
-// Worker threads see the root moves in slightly different orders.
-void jitter_root_order(ThreadData& t) {
-    MoveEntry* entry = t.plies[1].list_start;
-    for (++entry; entry->move != LIST_END; ++entry) {
-        t.seed = t.seed * 63 + 0x3ADE68B1;
-        entry->order = i16(entry->order - int(t.seed % t.jitter_range));
-    }
-}
-
-}  // namespace
-
-void iterate_worker(ThreadData& t) {
-    if (!prepare_root(t)) return;
-    while (run.current_depth <= 1 && !stopped()) sleep_ms(1);
-    for (int depth = 1; depth <= MAX_ITERATION && !stopped(); ++depth) {
-        if (depth_is_crowded(depth)) ++depth;
-        t.iteration = u8(depth);
-        jitter_root_order(t);
-        for (int i = 0; i < run.multipv && root_move_at(t, i) && !stopped(); ++i) {
-            root_search(t, depth, i);
-        }
-        run.nodes_by_depth[depth].fetch_add(t.nodes, std::memory_order_relaxed);
-        if (t.root_state != ABANDONED && iterations_done(depth)) return;
-    }
-}
-
-namespace {
 
 // One iteration over the root moves.
 struct RootSearch {
@@ -356,7 +200,7 @@ void judge_easy_move(const RootSearch& s) {
 
 void report_currmove(const RootSearch& s, Move move) {
     if (is_main(s.t) && s.pv_index == 0 && options.uci_mode && run.elapsed > CURRMOVE_AFTER &&
-        run.elapsed > options.output_delay) {
+        output_due()) {
         print_currmove(s.depth, move, s.t.plies[1].move_count + 1);
     }
 }
@@ -388,30 +232,6 @@ void root_search(ThreadData& t, int depth, int pv_index) {
         }
     }
     judge_easy_move(s);
-}
-
-void publish_result(ThreadData& t) {
-    const int score = t.root_score;
-    const int depth = t.best_depth;
-    {
-        const std::lock_guard lock(run.result_mutex);
-        const int shown = run.shared_score;
-        const bool better = (score >= 9900 && score >= shown) ||
-                            (depth > run.shared_depth && shown <= 9898) ||
-                            (depth == run.shared_depth && score > shown);
-        if (better) {
-            if (t.root_line[1] != run.shared_line[1]) run.change_depth = i8(depth);
-            run.shared_score = i16(score);
-            run.shared_depth = i8(depth);
-            run.shared_line = t.root_line;
-            run.score_by_depth[depth] = i16(score);
-            run.move_by_depth[depth] = t.root_line[1].get();
-        }
-    }
-    const bool due = stopped() ? options.output_delay != NEVER : output_due();
-    if (depth > 1 && run.multipv == 1 && due && run.shared_line[1] != NO_MOVE) {
-        print_info(t.index, -1, run.shared_depth, run.shared_score, run.shared_line);
-    }
 }
 
 }  // namespace quon

@@ -21,11 +21,12 @@ struct SearchRun {
     int root_side = WHITE;
     int multipv = 1;
     int depth_limit = 66;
-    int thread_count = 1;
+    Relaxed<bool> finished = false;  // the search ended by itself: depth limit or mate
 
     Relaxed<double> elapsed = 0.0;  // seconds since start_time, as of the last time check
 
-    // The result board: written by the main search thread under result_mutex.
+    // The result board: the main search thread writes it, and holds result_mutex while its fields
+    // do not yet fit together.
     std::mutex result_mutex;
     Relaxed<i16> shared_score = i16{0};
     Relaxed<i8> shared_depth = i8{0};
@@ -38,8 +39,8 @@ struct SearchRun {
     Relaxed<u8> easy_state = u8{0};  // 1 single root move, 2 clearly best move
     Relaxed<i8> current_depth = i8{0};    // the main search thread's iteration
     Relaxed<i8> main_done_depth = i8{0};  // last iteration that it completed
-    int second_score = 0;                 // second-best root score of the iteration
-    int root_tb_result = -1;              // tablebase result of the root, -1 for none
+    int second_score = 0;  // second-best root score of the iteration; the main search thread's own
+    Relaxed<int> root_tb_result = -1;  // tablebase result of the root, -1 for none
 
     std::mutex output_mutex;  // one info line, or one currmove block, at a time
 };

@@ -17,9 +17,6 @@ void iterate_worker(ThreadData& t);
 // One iteration over the root moves from list position pv_index on.
 void root_search(ThreadData& t, int depth, int pv_index);
 
-// Puts the thread's best line on the result board if it is better than what stands there.
-void publish_result(ThreadData& t);
-
 // A node below the root. `ply` counts from 1 at the root, `depth` in plies; node_type 0 is an open
 // window, anything else a zero window. Returns 0 at once when the stop flag is set.
 int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);

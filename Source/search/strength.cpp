@@ -17,6 +17,7 @@
 #include "search/picker.h"
 #include "search/search.h"
 #include "search/threads.h"
+#include "search/time.h"
 
 namespace quon {
 
@@ -26,8 +27,6 @@ constexpr int MIN_ELO = 1500;
 constexpr int WALK_DEPTH = 8;
 constexpr int WALK_MOVES = 6;
 constexpr double WALK_SECONDS = 0.4;
-
-void update_elapsed() { run.elapsed = monotonic_seconds() - run.start_time; }
 
 // Evaluates the first moves of every node to the given depth; false once time is up.
 bool walk(ThreadData& t, int ply, int depth, u64& nodes) {

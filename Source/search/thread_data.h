@@ -28,7 +28,7 @@ struct PlyRecord : EvalNotes {
     Move killer_evasion;  // killer of nodes in check
     int stage;            // of the move picker
     MoveEntry* list_start;
-    MoveEntry* pick;             // where the picker goes on
+    MoveEntry* rest;             // first entry that the picker has not handed out
     const MoveEntry* next_pick;  // the move being searched
 };
 
@@ -68,12 +68,14 @@ struct ThreadData : Game {
     u32 jitter_range;
 };
 
+inline bool is_main(const ThreadData& t) { return t.index == 0; }
+
 // Static evaluation of the thread's position, centipawns for the side to move; clears and refills the
 // threats of the ply's record.
 inline int evaluate_node(ThreadData& t, int ply, bool in_check) {
     PlyRecord& record = t.plies[ply];
     record.threat = {};
-    return evaluate(t.eval, t.position, record, {ply, in_check, t.iteration != 0, t.index == 0});
+    return evaluate(t.eval, t.position, record, {ply, in_check, t.iteration != 0, is_main(t)});
 }
 
 }  // namespace quon

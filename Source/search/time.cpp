@@ -29,7 +29,7 @@ void reset_run() {
     run.root_side = game.position.side;
     run.multipv = options.multipv;
     run.depth_limit = limits.depth_limit;
-    run.thread_count = thread_total();
+    run.finished = false;
     run.shared_score = i16{-10000};
     run.shared_depth = i8{0};
     run.shared_line = {};
@@ -169,8 +169,10 @@ bool move_is_easy() {
 
 }  // namespace
 
+void update_elapsed() { run.elapsed = monotonic_seconds() - run.start_time; }
+
 void time_check() {
-    run.elapsed = monotonic_seconds() - run.start_time;
+    update_elapsed();
     const int depth = run.current_depth;
     if (control.stop_flag != RUN || control.search_mode == GO_PONDER || depth < 2 ||
         run.elapsed < CHECK_AFTER) {

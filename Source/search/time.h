@@ -1,11 +1,14 @@
 #pragma once
-// Time management; main thread only.
+// Time management. The main thread calls, where nothing else is said.
 
 namespace quon {
 
 // At every search start: clock, generation, shared run state, and this move's target time from
 // `limits`.
 void time_setup();
+
+// Reads the clock into run.elapsed; any thread.
+void update_elapsed();
 
 // Every few milliseconds during a search: updates the elapsed time and sets the stop flag when the
 // time allotted is spent, stretched while the best move is in doubt.

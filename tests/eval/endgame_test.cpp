@@ -108,7 +108,8 @@ TEST(Endgame, ScoresUpTo14AreNotScaled) {
     const struct {
         i16 contempt;
         int score;
-    } cases[] = {{0, 9}, {103, 14}, {123, 2}, {-471, -13}, {-492, -2}};  // 2.25, -2.25 without fraction
+    } cases[] = {
+        {0, 9}, {103, 14}, {123, 2}, {-471, -13}, {-492, -2}};  // 2.25, -2.25 without fraction
     for (const auto& row : cases) {
         const auto state = make_eval_state();
         state->contempt_active = true;

@@ -27,8 +27,8 @@ TEST(EvalTables, MobilityOfTheDefaults) {
     const auto rook_op = [&](int n) { return t.rook_mobility[n].op; };
     EXPECT_EQ(first(knight_op, 10), (std::vector<int>{-23, -12, -6, 0, 5, 10, 15, 19, 23, 0}));
     EXPECT_EQ(first(knight_en, 10), (std::vector<int>{-27, -14, -7, 0, 6, 12, 17, 22, 27, 0}));
-    EXPECT_EQ(first(bishop_op, 16), (std::vector<int>{-18, -11, -7, -3, 1, 4, 7, 10, 13, 15, 18, 20,
-                                                      23, 25, 28, 0}));
+    EXPECT_EQ(first(bishop_op, 16),
+              (std::vector<int>{-18, -11, -7, -3, 1, 4, 7, 10, 13, 15, 18, 20, 23, 25, 28, 0}));
     EXPECT_EQ(first(rook_op, 16),
               (std::vector<int>{-14, -8, -5, -2, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 20, 0}));
     EXPECT_EQ(t.queen_mobility[0].en, -36);
@@ -44,7 +44,7 @@ TEST(EvalTables, PassedPawnsAndKingDangerOfTheDefaults) {
     EXPECT_EQ(first([&](int k) { return t.ppawnx[k]; }, 7),
               (std::vector<int>{4, 0, 7, 12, 24, 36, 82}));
     EXPECT_EQ(first([&](int i) { return t.KingDanger[i]; }, 26),
-              (std::vector<int>{0,  1,  2,  5,   8,   13,  18,  25,  32,  41,  50,  61,  72,
+              (std::vector<int>{0,  1,  2,   5,   8,   13,  18,  25,  32,  41,  50,  61,  72,
                                 85, 98, 113, 128, 145, 162, 181, 200, 221, 242, 262, 282, 301}));
     EXPECT_EQ(t.KingDanger[61], 714);
     EXPECT_EQ(t.KingDanger[62], 722);
@@ -58,12 +58,12 @@ TEST(EvalTables, SquareTablesOfTheDefaults) {
         const char* name;  // of the square
         int op, en;
     } cases[] = {
-        {PAWN, "a2", -7, 0},    {PAWN, "d4", 8, 4},      {PAWN, "e4", 8, 4},
-        {PAWN, "h7", 0, 8},     {KNIGHT, "b1", -24, -24}, {KNIGHT, "f3", 0, 0},
-        {KNIGHT, "e5", 7, 7},   {BISHOP, "b2", 0, 0},    {BISHOP, "h8", -12, -12},
-        {ROOK, "a5", -8, 0},    {ROOK, "e1", 2, 0},      {QUEEN, "a1", -12, -25},
-        {QUEEN, "d4", 2, 4},    {QUEEN, "d5", -2, 4},    {QUEEN, "h8", -16, -25},
-        {KING, "g1", 7, -35},   {KING, "e4", -29, 10},   {KING, "h6", -21, -25},
+        {PAWN, "a2", -7, 0},  {PAWN, "d4", 8, 4},       {PAWN, "e4", 8, 4},
+        {PAWN, "h7", 0, 8},   {KNIGHT, "b1", -24, -24}, {KNIGHT, "f3", 0, 0},
+        {KNIGHT, "e5", 7, 7}, {BISHOP, "b2", 0, 0},     {BISHOP, "h8", -12, -12},
+        {ROOK, "a5", -8, 0},  {ROOK, "e1", 2, 0},       {QUEEN, "a1", -12, -25},
+        {QUEEN, "d4", 2, 4},  {QUEEN, "d5", -2, 4},     {QUEEN, "h8", -16, -25},
+        {KING, "g1", 7, -35}, {KING, "e4", -29, 10},    {KING, "h6", -21, -25},
     };
     for (const auto& row : cases) {
         const Pair entry = pst[row.type][make_square(row.name[0] - 'a', row.name[1] - '1')];

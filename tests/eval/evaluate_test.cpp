@@ -33,10 +33,12 @@ TEST(Evaluate, Material) {
     };
     const Case cases[] = {
         // A lone queen loses 50 from its ending value.
-        {"4k2r/p7/8/8/8/8/P7/3QK3 w - -", 18, (1270 * 6 + 1240 * 18) / 24, (620 * 6 + 740 * 18) / 24},
+        {"4k2r/p7/8/8/8/8/P7/3QK3 w - -", 18, (1270 * 6 + 1240 * 18) / 24,
+         (620 * 6 + 740 * 18) / 24},
         {"4k1nr/p7/8/8/8/8/P7/1N1QK3 w - -", 16, (1650 * 8 + 1640 * 16) / 24,
          (1000 * 8 + 1090 * 16) / 24},
-        {"4k3/p7/8/8/8/8/P7/2QQK3 w - -", 16, (2450 * 8 + 2470 * 16) / 24, (90 * 8 + 110 * 16) / 24},
+        {"4k3/p7/8/8/8/8/P7/2QQK3 w - -", 16, (2450 * 8 + 2470 * 16) / 24,
+         (90 * 8 + 110 * 16) / 24},
         // The bishop pair; a colour's pieces count for at most half of the stage.
         {"4k3/p7/8/8/8/8/P7/2B1KB2 w - -", 22, (900 * 2 + 880 * 22) / 24, (90 * 2 + 110 * 22) / 24},
         {"4k3/p7/8/8/8/8/PQQQQQ2/4K3 w - -", 12, (5990 * 12 + 6010 * 12) / 24, 100},
@@ -57,7 +59,7 @@ TEST(Evaluate, Contempt) {
         int score;  // of the start position, where the material makes c * 41 / 41
     };
     const Case cases[] = {
-        {true, 100, WHITE, 116}, {true, 100, BLACK, -84},  {true, -100, WHITE, -84},
+        {true, 100, WHITE, 116},  {true, 100, BLACK, -84}, {true, -100, WHITE, -84},
         {true, -100, BLACK, 116}, {false, 100, WHITE, 16}, {true, 0, BLACK, 16},
     };
     const auto game = make_game(START_FEN);
@@ -68,8 +70,8 @@ TEST(Evaluate, Contempt) {
         state->tables.contempt = row.contempt;
         EXPECT_EQ(evaluate_traced(*state, game->position).score, row.score) << row.contempt;
     }
-    // Whose material counts: White has a rook and a pawn, 2 + 2, Black two knights, 3.
-    const auto uneven = make_game("1n2k1n1/8/8/8/8/8/P7/R3K3 w - -");
+    // Whose material counts: White has a rook and three pawns, 2 + 6, Black two knights, 3.
+    const auto uneven = make_game("1n2k1n1/8/8/8/8/8/PPP5/R3K3 w - -");
     const auto change = [&](i16 contempt, int root_side) {
         const auto state = make_eval_state();
         const int before = evaluate_traced(*state, uneven->position).score;
@@ -80,14 +82,15 @@ TEST(Evaluate, Contempt) {
         EXPECT_EQ(after.trace.factor, 1.0);
         return after.score - before;
     };
-    EXPECT_EQ(change(410, WHITE), 40);
+    EXPECT_EQ(change(410, WHITE), 80);
     EXPECT_EQ(change(410, BLACK), -30);
     EXPECT_EQ(change(-410, WHITE), -30);
-    EXPECT_EQ(change(-410, BLACK), 40);
+    EXPECT_EQ(change(-410, BLACK), 80);
 }
 
 TEST(Evaluate, CachesInAnIterationOnly) {
-    const auto game = make_game("r1bqk2r/ppp2ppp/2n2n2/3pp3/1b2P3/2NP1N2/PPPB1PPP/R2QKB1R w KQkq -");
+    const auto game =
+        make_game("r1bqk2r/ppp2pp1/2n2n2/3pp3/1b2P3/2NP1N2/PPPB1PPP/R2QKB1R w KQkq -");
     const Position& p = game->position;
     const auto state = make_eval_state();
     EvalNotes notes{};
@@ -108,11 +111,15 @@ TEST(Evaluate, CachesInAnIterationOnly) {
     EXPECT_EQ(state->eval_hits, 1U);
     EXPECT_EQ(state->pawn_hits, 1U);
 
-    // Outside an iteration nothing is read, and new tables act at once.
+    // Outside an iteration nothing is read: new tables act at once.
     state->tables.piece_value[PAWN] = {500, 500};
-    state->tables.pawn_doubled = {-50, -50};
+    state->tables.pawn_weak = {-50, -50};
+    const auto fresh = make_eval_state();
+    fresh->tables = state->tables;
     notes = {};
-    EXPECT_EQ(evaluate(*state, p, notes, {2, false, false, true}), score);  // even material
+    const int changed = evaluate(*state, p, notes, {2, false, false, true});
+    EXPECT_NE(changed, score);
+    EXPECT_EQ(changed, evaluate_traced(*fresh, p).score);
     EXPECT_EQ(state->eval_hits, 1U);
     EXPECT_EQ(state->pawn_hits, 1U);
     EXPECT_EQ(state->evaluations, 4U);
@@ -144,15 +151,15 @@ TEST(Evaluate, CachedEqualsComputed) {
 // The exchange evaluator takes with the lowest square of equal attackers, and what stands behind it
 // can decide: a mirror image then differs now and then.
 struct Symmetry {
+    std::unique_ptr<EvalState> state = make_eval_state();
     int positions = 0;
     int broken = 0;
     std::string first;
 
     void compare(const Position& p, const std::string& image) {
-        const auto state = make_eval_state();
         const auto other = make_game(image);
-        const bool same = evaluate_traced(*state, p).score ==
-                          evaluate_traced(*state, other->position).score;
+        const bool same =
+            evaluate_traced(*state, p).score == evaluate_traced(*state, other->position).score;
         ++positions;
         if (!same && broken++ == 0) first = position_to_fen(p) + " and " + image;
     }
@@ -189,7 +196,8 @@ TEST(Evaluate, SymmetryInGamePositions) {
 TEST(Evaluate, TraceOnlyOutsideIterationsAtTheMainThreadsRoot) {
     const auto game = make_game("r3k3/8/8/8/8/8/P7/R3K3 w - -");
     const auto state = make_eval_state();
-    const EvalCall silent[] = {{1, false, true, true}, {2, false, false, true}, {1, false, false, false}};
+    const EvalCall silent[] = {
+        {1, false, true, true}, {2, false, false, true}, {1, false, false, false}};
     for (const EvalCall& call : silent) {
         reset_trace();
         EvalNotes notes{};

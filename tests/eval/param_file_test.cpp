@@ -20,7 +20,8 @@ class ParamFile : public testing::Test {
 protected:
     void SetUp() override {
         const testing::TestInfo& info = *testing::UnitTest::GetInstance()->current_test_info();
-        directory = std::filesystem::path(testing::TempDir()) / (std::string("quon-") + info.name());
+        directory =
+            std::filesystem::path(testing::TempDir()) / (std::string("quon-") + info.name());
         std::filesystem::create_directories(directory);
         path = (directory / "test.rc").string();
         saved = {options.book_file, options.syzygy_path};
@@ -113,9 +114,10 @@ TEST_F(ParamFile, Values) {
 }
 
 TEST_F(ParamFile, EveryKindOfKey) {
-    load("contempt=7\nNMP_depth 4\nLMR_strength=101,5\npassed_pawn_rank2=11\npassed_pawn_rank7=77\n"
-         "rook_trapped=-30,-9\ntune=300\nBookVariety=12\nBookDepth=300\nSyzygyProbeDepth5=3\n"
-         "SyzygyProbeDepth6=4\npassed_pawn_rank8=9\n");
+    load(
+        "contempt=7\nNMP_depth 4\nLMR_strength=101,5\npassed_pawn_rank2=11\npassed_pawn_rank7=77\n"
+        "rook_trapped=-30,-9\ntune=300\nBookVariety=12\nBookDepth=300\nSyzygyProbeDepth5=3\n"
+        "SyzygyProbeDepth6=4\npassed_pawn_rank8=9\n");
     EXPECT_EQ(record.contempt, 7);
     EXPECT_EQ(record.NMP_depth, 4);
     EXPECT_EQ(record.LMR_strength, 101);

@@ -33,9 +33,10 @@ std::map<std::string, std::string> columns_of(const Position& p, const Evaluatio
     const struct {
         const char* name;
         TraceTerm term;
-    } totals[] = {{"mtl", TRACE_MATERIAL},  {"pos", TRACE_POSITIONAL}, {"pawns", TRACE_PAWNS},
-                  {"knights", TRACE_KNIGHTS}, {"bishops", TRACE_BISHOPS}, {"rooks", TRACE_ROOKS},
-                  {"queens", TRACE_QUEENS}, {"kings", TRACE_KINGS},    {"passers", TRACE_PASSERS}};
+    } totals[] = {
+        {"mtl", TRACE_MATERIAL},    {"pos", TRACE_POSITIONAL},  {"pawns", TRACE_PAWNS},
+        {"knights", TRACE_KNIGHTS}, {"bishops", TRACE_BISHOPS}, {"rooks", TRACE_ROOKS},
+        {"queens", TRACE_QUEENS},   {"kings", TRACE_KINGS},     {"passers", TRACE_PASSERS}};
     for (const auto& total : totals) {
         const auto& sides = e.trace.total[total.term];
         columns[total.name] = format("%d,%d", sides[WHITE], sides[BLACK]);

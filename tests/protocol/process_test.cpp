@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "frontend/output.h"
 #include "protocol/session.h"
 
 namespace quon::test {
@@ -44,12 +45,13 @@ TEST(Program, SwitchesThatEndIt) {
 TEST(Program, SwitchesThatLimitSearches) {
     Process process({"-d", "4", "-noise", "0", "-uci_extra", "-hash", "2", "-nps", "1000000"});
     EXPECT_EQ(process.read_line(), "Elo= 2870");
-    process.send({"go", "quit"});
-    const Ending ending = process.wait();
-    EXPECT_EQ(ending.status, 0);
     // "go" turns to the clock, but the depth stays.
-    const Lines infos = lines_with(ending.lines, "info [00 ]depth 4 ");
-    EXPECT_FALSE(infos.empty());
+    process.send({"go"});
+    const Lines lines = process.read_to("bestmove");
+    EXPECT_FALSE(lines_with(lines, "info [00 ] depth 4 ").empty());
+    EXPECT_EQ(lines_with(lines, "info [00 ] depth 5 "), Lines{});
+    process.send({"quit"});
+    EXPECT_EQ(process.wait().status, 0);
 
     const Ending quiet = run_to_end({"-quiet"}, "go depth 6\n");
     EXPECT_EQ(quiet.status, 0);
@@ -75,7 +77,7 @@ TEST(Program, EndOfInput) {
         {"go infinite\n", true, ""},
         {"go ponder wtime 100000 btime 100000\n", true, ""},
         {"go ponder depth 2\n", true, ""},
-        {"go depth 2\nquit\nisready\n", false, ""},
+        {"go infinite\nquit\nisready\n", false, ""},
     };
     for (const auto& c : cases) {
         const Ending ending = run_to_end({"-nolog"}, c.input);
@@ -176,8 +178,8 @@ TEST(Bench, Form) {
         ASSERT_EQ(lines.size(), c.positions + 2);
         EXPECT_EQ(lines[0], "Quon 3.60 running benchmark using " + c.threads + " threads");
         for (std::size_t i = 0; i < c.positions; ++i) {
-            const std::string number = (i < 10 ? " " : "") + std::to_string(i);
-            EXPECT_TRUE(matches(lines[i + 1], "pos " + number + R"(: [ \d]{3}\.\d\d seconds)"))
+            const std::string number = format("pos %2d: ", int(i));
+            EXPECT_TRUE(matches(lines[i + 1], number + R"([ \d]{3}\.\d\d seconds)"))
                 << lines[i + 1];
         }
         EXPECT_TRUE(matches(lines.back(), R"(total time= \d+\.\d\d seconds, nodes= \d+, nps= \d+)"))

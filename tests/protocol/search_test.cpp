@@ -50,7 +50,6 @@ TEST(Search, FormsOfGo) {
              "go depth 66 movetime 50",
              "go depth 100 movetime 50",
              "go depth 300 nodes 5000",
-             "go infinite movetime 20",
              "go depth 7",
              "go wtime 300 btime 300",
              "go wtime 300 btime 300 winc 10 binc 10",
@@ -311,13 +310,13 @@ TEST(Search, PositionsWithoutAMove) {
             << c.position;
     }
     // A hundred quiet plies are a draw that is still searched, a hundred and one are not.
-    std::string game = "position fen 4k3/8/8/8/8/8/4R3/4K3 w - - moves";
-    const Lines cycle = {" e2e3", " e8f8", " e3e2", " f8e8"};
+    std::string game = "position fen 4k3/8/8/8/8/8/7R/4K3 w - - moves";
+    const Lines cycle = {" h2h3", " e8f8", " h3h2", " f8e8"};
     for (int ply = 0; ply < 101; ++ply) game += cycle[std::size_t(ply) % 4];
     EXPECT_EQ(session.best_move({game, "go depth 3"}), "bestmove null");
     game.resize(game.rfind(' '));
     EXPECT_TRUE(names_move(session.best_move({game, "go depth 3"})));
-    // "go" behind a ponder on such a position is held back as well.
+    // The report of a ponder search on such a position is held back as well.
     session.send({"position fen 8/8/8/8/8/8/8/8 w - -", "go ponder"});
     EXPECT_EQ(lines_with(session.answers({}), "bestmove"), Lines{});
     EXPECT_EQ(session.best_move({"stop"}), "bestmove null");

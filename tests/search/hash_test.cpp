@@ -102,14 +102,10 @@ TEST_F(HashTest, VictimIsOldestAndShallowest) {
     const struct {
         int ages[4], depths[4], age, depth, victim;  // -1: nothing is replaced
     } cases[] = {
-        {{5, 5, 5, 5}, {10, 8, 9, 11}, 5, 1, 1},
-        {{5, 5, 5, 5}, {10, 8, 9, 11}, 5, 0, -1},
-        {{5, 5, 5, 5}, {8, 6, 6, 7}, 5, 6, 1},
-        {{5, 5, 5, 5}, {6, 6, 6, 6}, 5, 0, 0},
-        {{5, 5, 4, 5}, {1, 1, 16, 1}, 5, 9, 2},
-        {{5, 5, 4, 5}, {1, 1, 16, 1}, 5, 8, -1},
-        {{5, 5, 4, 5}, {1, 1, 17, 1}, 5, 0, 0},
-        {{2, 3, 4, 1}, {9, 0, 0, 20}, 6, 13, 3},
+        {{5, 5, 5, 5}, {10, 8, 9, 11}, 5, 1, 1}, {{5, 5, 5, 5}, {10, 8, 9, 11}, 5, 0, -1},
+        {{5, 5, 5, 5}, {8, 6, 6, 7}, 5, 6, 1},   {{5, 5, 5, 5}, {6, 6, 6, 6}, 5, 0, 0},
+        {{5, 5, 4, 5}, {1, 1, 16, 1}, 5, 9, 2},  {{5, 5, 4, 5}, {1, 1, 16, 1}, 5, 8, -1},
+        {{5, 5, 4, 5}, {1, 1, 17, 1}, 5, 0, 0},  {{2, 3, 4, 1}, {9, 0, 0, 20}, 6, 13, 3},
         {{2, 3, 4, 1}, {4, 0, 0, 21}, 6, 0, 0},
     };
     for (const auto& c : cases) {
@@ -171,9 +167,11 @@ TEST_F(HashTest, BothColoursCoverTheBlock) {
     for (const auto& size : sizes) {
         allocate(size.megabytes);
         for (const int side : {WHITE, BLACK}) {
-            for (const u32 low : {0U, 1U, size.mask - 1, size.mask}) store(5 + low % 2, low, 3, side);
+            for (const u32 low : {0U, 1U, size.mask - 1, size.mask})
+                store(5 + low % 2, low, 3, side);
             for (const u32 low : {0U, 1U, size.mask - 1, size.mask}) {
-                EXPECT_EQ(hash_probe(at(5 + low % 2, low, side)).depth, 3) << size.megabytes << " " << low;
+                EXPECT_EQ(hash_probe(at(5 + low % 2, low, side)).depth, 3)
+                    << size.megabytes << " " << low;
             }
         }
         const u32 low = size.mask - 100;
@@ -247,8 +245,8 @@ TEST_F(HashTest, LineFollowsTheTable) {
         {"e2e4 0:e7e5 g1f3", "", "e2e4"},
         {"0:e2e4 e7e5 g1f3", "e2e4", "e2e4 e7e5 g1f3"},
         {"e2e4 e7e5", "d2d4", "d2d4"},
-        {"g1f3 g8f6 f3g1 f6g8 e2e4", "", "g1f3 g8f6 f3g1 f6g8"},  // a repetition ends it
-        {"e2e4 e7e5", "e2e5", ""},
+        {"g1f3 g8f6 f3g1 f6g8", "", "g1f3 g8f6 f3g1 f6g8"},  // the repetition ends it
+        {"e2e4 e7e5", "e2e5", "e2e5"},                       // an impossible one ends it
     };
     for (const auto& c : cases) {
         hash_clear();
@@ -261,11 +259,13 @@ TEST_F(HashTest, LineFollowsTheTable) {
         Table<Move, MAX_PLY> line{};
         if (*c.given) {  // a given move need not be a possible one
             const std::string text = c.given;
-            line[1] = make_code((text[1] - '1') * 8 + text[0] - 'a', (text[3] - '1') * 8 + text[2] - 'a');
+            line[1] =
+                make_code((text[1] - '1') * 8 + text[0] - 'a', (text[3] - '1') * 8 + text[2] - 'a');
         }
         hash_line(game->position, 1, line);
         std::string found;
-        for (int i = 1; line[i] != NO_MOVE; ++i) found += (i > 1 ? " " : "") + move_to_text(line[i]);
+        for (int i = 1; line[i] != NO_MOVE; ++i)
+            found += (i > 1 ? " " : "") + move_to_text(line[i]);
         EXPECT_EQ(found, c.expected) << c.stored << " after " << c.given;
         EXPECT_EQ(full_key(game->position), full_key(make_game(START_FEN)->position));
         EXPECT_EQ(game->game_ply, 0);

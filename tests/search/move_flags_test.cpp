@@ -88,7 +88,9 @@ struct SlowThreat {
     int us, from, to, type;
 
     int type_at(int square) const { return type_of(p.board[square]); }
-    bool enemy_at(int square) const { return p.board[square] != 0 && color_of(p.board[square]) != us; }
+    bool enemy_at(int square) const {
+        return p.board[square] != 0 && color_of(p.board[square]) != us;
+    }
     bool gained(bool diagonal, int square) const {
         return square != from && on_line(diagonal, to, square) && !on_line(diagonal, from, square);
     }
@@ -126,7 +128,8 @@ struct SlowThreat {
         for (int square = 0; square < 64; ++square) {
             if (!has(attacked, square)) continue;
             if (king_distance[square][king_square(p, us ^ 1)] == 1) return true;
-            if (enemy_at(square) && type_at(square) >= least_type && type_at(square) <= QUEEN) return true;
+            if (enemy_at(square) && type_at(square) >= least_type && type_at(square) <= QUEEN)
+                return true;
         }
         return false;
     }
@@ -150,9 +153,11 @@ TEST(Threat, AgreesWithTheSlowTest) {
         MoveEntry list[MAX_LIST];
         for (const MoveEntry *entry = list, *end = gen_quiets(p, list); entry != end; ++entry) {
             const int from = move_from(entry->move);
-            const bool slow = SlowThreat{p, p.side, from, move_to(entry->move), type_of(entry->piece)}();
+            const bool slow =
+                SlowThreat{p, p.side, from, move_to(entry->move), type_of(entry->piece)}();
             threats += slow;
-            ASSERT_EQ(is_threat(p, *entry), slow) << position_to_fen(p) << " " << move_to_text(entry->move);
+            ASSERT_EQ(is_threat(p, *entry), slow)
+                << position_to_fen(p) << " " << move_to_text(entry->move);
         }
     });
     EXPECT_GT(threats, 0);
@@ -160,11 +165,14 @@ TEST(Threat, AgreesWithTheSlowTest) {
 
 TEST(Threat, Castling) {
     const auto game = make_game("4k3/8/8/8/8/8/8/R3K2R w KQ -");
-    for (const auto& [move, castling] : {std::pair{"e1g1", true}, {"e1c1", true}, {"e1f1", false},
-                                         {"e1d2", false}, {"h1g1", false}}) {
+    for (const auto& [move, castling] : {std::pair{"e1g1", true},
+                                         {"e1c1", true},
+                                         {"e1f1", false},
+                                         {"e1d2", false},
+                                         {"h1g1", false}}) {
         const MoveEntry entry = entry_of(game->position, parse_coordinates(game->position, move));
         EXPECT_EQ(is_castling_move(entry), castling) << move;
-        if (castling) EXPECT_FALSE(is_threat(game->position, entry)) << move;
+        EXPECT_FALSE(castling && is_threat(game->position, entry)) << move;
     }
 }
 

@@ -32,7 +32,8 @@ std::vector<ReferenceSearch> read_searches() {
     const std::vector<std::string> lines = shared_lines("/reference/search.csv");
     for (std::size_t i = 1; i < lines.size(); ++i) {
         const std::vector<std::string> cells = split(lines[i], ';');
-        if (searches.empty() || searches.back().fen != cells[0]) searches.push_back({cells[0], {}, ""});
+        if (searches.empty() || searches.back().fen != cells[0])
+            searches.push_back({cells[0], {}, ""});
         ReferenceSearch& search = searches.back();
         if (cells[1] == "end") {
             search.end = cells[2];
@@ -65,37 +66,49 @@ std::string recorded_row(const Iteration& r) {
 }
 
 std::string end_row(const SearchResult& r) {
-    const std::string ponder =
-        r.line.size() > 1 ? " ponder " + move_to_text(r.line[1]) : std::string();
-    return format("bestmove %s%s score %d nodes %llu", move_to_text(r.line.at(0)).c_str(),
-                  ponder.c_str(), r.score, static_cast<unsigned long long>(r.nodes));
+    return format("bestmove %s ponder %s score %d nodes %llu", move_to_text(r.line.at(0)).c_str(),
+                  move_to_text(r.line.size() > 1 ? r.line[1] : NO_MOVE).c_str(), r.score,
+                  static_cast<unsigned long long>(r.nodes));
 }
 
-class SearchReference : public testing::TestWithParam<int> {};
+class SearchReference : public testing::TestWithParam<int> {
+protected:
+    // Calls `compare` on this shard's searches.
+    void for_each(void (*compare)(const ReferenceSearch&)) {
+        const std::vector<ReferenceSearch> searches = read_searches();
+        if (searches.empty()) GTEST_SKIP() << "search.csv is not there";
+        ASSERT_GE(searches.size(), 100U);
+        const int count = scaled(double(searches.size()) / SHARDS);
+        for (int i = 0; i < count && !HasFailure(); ++i) {
+            const ReferenceSearch& search = searches[std::size_t(i * SHARDS + GetParam())];
+            SCOPED_TRACE(search.fen);
+            compare(search);
+        }
+    }
+};
 
-TEST_P(SearchReference, NoDifference) {
-    const std::vector<ReferenceSearch> searches = read_searches();
-    if (searches.empty()) GTEST_SKIP() << "search.csv is not there";
-    ASSERT_GE(searches.size(), 100U);
-    const SearchRig rig(16);
-    const int count = scaled(double(searches.size()) / SHARDS);
-    for (int i = 0; i < count; ++i) {
-        const ReferenceSearch& reference = searches[std::size_t(i * SHARDS + GetParam())];
-        SCOPED_TRACE(reference.fen);
-        const auto& [last_depth, last] = *reference.iterations.rbegin();
+TEST_P(SearchReference, FreshSearchForEachDepth) {
+    const SearchRig rig(4);
+    for_each([](const ReferenceSearch& reference) {
         for (const auto& [depth, iteration] : reference.iterations) {
-            if (depth > FRESH_DEPTH || depth == last_depth) continue;
+            if (depth > FRESH_DEPTH) break;
             ASSERT_EQ(full_row(SearchRig::search(reference.fen, depth)), full_row(iteration))
                 << "depth " << depth;
         }
+    });
+}
+
+TEST_P(SearchReference, DeepSearch) {
+    const SearchRig rig(64);  // the figures depend on it
+    for_each([](const ReferenceSearch& reference) {
         const SearchResult result = SearchRig::search(reference.fen, 10);
-        EXPECT_EQ(run.main_done_depth, last_depth);
+        EXPECT_EQ(run.main_done_depth, reference.iterations.rbegin()->first);
         for (const auto& [depth, iteration] : reference.iterations) {
             ASSERT_EQ(recorded_row(depth), recorded_row(iteration)) << "depth " << depth;
         }
-        ASSERT_EQ(full_row(result), full_row(last));
+        ASSERT_EQ(full_row(result), full_row(reference.iterations.rbegin()->second));
         ASSERT_EQ(end_row(result), reference.end);
-    }
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Shards, SearchReference, testing::Range(0, SHARDS));

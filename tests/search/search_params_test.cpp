@@ -22,7 +22,8 @@ struct SearchParamsTest : testing::Test {
     }
     static int highest(const ReductionTable& table) {
         int most = 0;
-        for (const auto& row : table) most = std::max<int>(most, *std::max_element(row.begin(), row.end()));
+        for (const auto& row : table)
+            most = std::max<int>(most, *std::max_element(row.begin(), row.end()));
         return most;
     }
 };
@@ -44,7 +45,8 @@ TEST_F(SearchParamsTest, ReductionRows) {
         for (int i = 0; i < 9; ++i) {
             EXPECT_EQ(zero_window_reductions[row.depth][MOVES[i]], row.zero_window[i])
                 << row.depth << " " << MOVES[i];
-            EXPECT_EQ(pv_reductions[row.depth][MOVES[i]], row.pv[i]) << row.depth << " " << MOVES[i];
+            EXPECT_EQ(pv_reductions[row.depth][MOVES[i]], row.pv[i])
+                << row.depth << " " << MOVES[i];
         }
     }
 }
@@ -59,7 +61,8 @@ TEST_F(SearchParamsTest, StrengthAtItsExtremes) {
         EXPECT_EQ(highest(zero_window_reductions), c.zero_window) << c.strength;
         EXPECT_EQ(highest(pv_reductions), c.pv) << c.strength;
         for (const ReductionTable* table : {&zero_window_reductions, &pv_reductions}) {
-            for (int n = 0; n < 32; ++n) EXPECT_EQ((*table)[0][n] + (*table)[1][n] + (*table)[2][n], 0);
+            for (int n = 0; n < 32; ++n)
+                EXPECT_EQ((*table)[0][n] + (*table)[1][n] + (*table)[2][n], 0);
             for (const auto& row : *table) EXPECT_EQ(row[0] + row[1], 0);
         }
     }

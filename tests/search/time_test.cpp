@@ -89,7 +89,7 @@ TEST(TimeTarget, StartsAFreshRun) {
     const SearchRig rig;
     options.target_nps = 500.0;
     SearchRig::search("6k1/5ppp/8/8/8/8/8/R5K1 w - -", 4);  // a mate in one
-    EXPECT_EQ(options.target_nps, NO_NPS_LIMIT);             // the cap is off
+    EXPECT_EQ(options.target_nps, NO_NPS_LIMIT);            // the cap is off
     params.limit_strength = 1;
     options.target_nps = 500.0;
     control.go_request = GO_ANALYSE;
@@ -105,37 +105,55 @@ TEST(TimeTarget, StartsAFreshRun) {
     EXPECT_EQ(run.nodes_by_depth[1], 0U);
 }
 
-// A search as the check sees it, frozen at iteration 10: 100 seconds allotted of 1000, the result
-// stable in score, the best move found at iteration 8.
+constexpr Move BEST = make_code(12, 28);
+constexpr Move OTHER = make_code(11, 27);
+
+// What a thread thinks of its best move, at which iteration.
+struct Opinion {
+    int iteration = 0;
+    Move move = BEST;
+    int score = 0;
+    RootState state = ROOT_NORMAL;
+};
+
+// A search as the check sees it, frozen: 100 seconds allotted, the score stable, the best move
+// found two iterations ago.
+struct Scene {
+    int depth = 10, change = 8, result = 10;
+    int score = 50, before = 50;
+    Opinion first = {}, second = {};
+    int easy = 0;
+    double clock = 1000;
+    Mode mode = WHOLE_GAME;
+    GoRequest search = GO_PLAY;
+};
+
 struct TimeCheck : testing::Test {
-    static constexpr Move BEST = make_code(12, 28);
-    static constexpr Move OTHER = make_code(11, 27);
     const SearchRig rig{1, 2};
 
-    TimeCheck() { reset(); }
-
-    static void reset() {
-        limits.time_mode = WHOLE_GAME;
-        limits.clock = {{1000, 1000}};
-        limits.increment = 0;
+    static void set(const Scene& scene) {
+        limits.time_mode = scene.mode;
+        limits.clock = {{scene.clock, 5000}};
         limits.move_overhead = 2;
-        control.go_request = GO_PLAY;
-        time_setup();
+        control.search_mode = scene.search;
+        run.root_side = WHITE;
         run.target_time = 100;
-        run.current_depth = i8{10};
-        run.shared_depth = i8{10};
-        run.change_depth = i8{8};
-        run.shared_score = i16{50};
+        run.current_depth = i8(scene.depth);
+        run.change_depth = i8(scene.change);
+        run.shared_depth = i8(scene.result);
+        run.shared_score = i16(scene.score);
         run.shared_line[1] = BEST;
-        for (auto& score : run.score_by_depth) score = i16{50};
-        for (int i = 0; i < 2; ++i) set_thread(i, 0, BEST, 0, ROOT_NORMAL);
+        run.score_by_depth[scene.depth - 1] = i16(scene.before);
+        run.easy_state = u8(scene.easy);
+        set_thread(0, scene.first);
+        set_thread(1, scene.second);
     }
-    static void set_thread(int index, int iteration, Move best, int score, RootState state) {
+    static void set_thread(int index, const Opinion& opinion) {
         ThreadData& t = thread_data(index);
-        t.iteration = u8(iteration);
-        t.root_line[1] = best;
-        t.root_score = i16(score);
-        t.root_state = u8(state);
+        t.iteration = u8(opinion.iteration);
+        t.root_line[1] = opinion.move;
+        t.root_score = i16(opinion.score);
+        t.root_state = u8(opinion.state);
     }
     static u8 flag_at(double seconds) {
         control.stop_flag = RUN;
@@ -143,102 +161,95 @@ struct TimeCheck : testing::Test {
         time_check();
         return control.stop_flag;
     }
-    // Seconds after which the search is stopped; 100000 if never.
+    // Seconds after which the search is stopped.
     static double stop_time() {
         double low = 0;
-        double high = 100000;
+        double high = NEVER;
+        if (flag_at(high) == RUN) return NEVER;
         while (high - low > 0.1) {
-            const double middle = high > 2000 ? low + 100 : (low + high) / 2;
-            if (flag_at(middle) != RUN) {
-                high = middle;
-            } else {
-                low = middle;
-                if (low > 2000) return high;
-            }
+            const double middle = (low + high) / 2;
+            (flag_at(middle) == RUN ? low : high) = middle;
         }
         return high;
     }
-    // With a share of the rest of the clock on top: e = 100 + f * (1000 - e) - 2.
-    static double stretched(int percent) { return (98 + percent * 10.0) / (1 + percent / 100.0); }
 };
+
+// With a share of the rest of the clock on top: e = 100 + f * (1000 - e) - 2.
+constexpr double stretched(int percent) { return (98 + percent * 10.0) / (1 + percent / 100.0); }
 
 TEST_F(TimeCheck, DoubtStretchesTheTarget) {
     const struct {
         const char* name;
-        void (*change)();
         double expected;
+        Scene scene;
     } cases[] = {
-        {"no doubt", [] {}, 98},
-        {"stable", [] { run.change_depth = i8{6}; }, 83},
-        {"stable for three only", [] { run.change_depth = i8{7}; }, 98},
-        {"stable, early", [] { run.change_depth = i8{0}; run.current_depth = i8{7}; }, 98},
-        {"stable, less early", [] { run.change_depth = i8{4}; run.current_depth = i8{8}; }, 83},
-        {"new move", [] { run.change_depth = i8{9}; }, stretched(1)},
-        {"new move in this iteration", [] { run.change_depth = i8{10}; }, stretched(1)},
-        {"new move, early", [] { run.change_depth = i8{5}; run.current_depth = i8{6}; }, 98},
-        {"new move, less early", [] { run.change_depth = i8{6}; run.current_depth = i8{7}; }, stretched(1)},
+        {"no doubt", 98, {}},
+        {"stable", 83, {.change = 6}},
+        {"stable for three only", 98, {.change = 7}},
+        {"stable at 7", 98, {.depth = 7, .change = 0}},
+        {"stable at 8", 83, {.depth = 8, .change = 4}},
+        {"new move", stretched(1), {.change = 9}},
+        {"new move just now", stretched(1), {.change = 10}},
+        {"new move at 6", 98, {.depth = 6, .change = 5}},
+        {"new move at 7", stretched(1), {.depth = 7, .change = 6}},
         // Against 50 the thresholds are 18 and 72.
-        {"small drop, not quite", [] { run.shared_score = i16{50 - 18}; }, 98},
-        {"small drop", [] { run.shared_score = i16{50 - 19}; }, stretched(4)},
-        {"double drop, not quite", [] { run.shared_score = i16{50 - 36}; }, stretched(4)},
-        {"double drop", [] { run.shared_score = i16{50 - 37}; }, stretched(8)},
-        {"big drop, not quite", [] { run.shared_score = i16{50 - 72}; }, stretched(8)},
-        {"big drop", [] { run.shared_score = i16{50 - 73}; }, stretched(20)},
-        {"drop from -799", [] { run.score_by_depth[9] = i16{-799}; run.shared_score = i16{-799 - 65}; }, stretched(4)},
-        {"drop from -800", [] { run.score_by_depth[9] = i16{-800}; run.shared_score = i16{-800 - 65}; }, 98},
-        {"more from -800", [] { run.score_by_depth[9] = i16{-800}; run.shared_score = i16{-800 - 66}; }, stretched(4)},
-        {"big from 800", [] { run.score_by_depth[9] = i16{800}; run.shared_score = i16{800 - 261}; }, stretched(20)},
-        {"a drop hides stability", [] { run.change_depth = i8{2}; run.shared_score = i16{50 - 19}; }, stretched(4)},
+        {"no drop", 98, {.score = 50 - 18}},
+        {"small drop", stretched(4), {.score = 50 - 19}},
+        {"not yet double", stretched(4), {.score = 50 - 36}},
+        {"double drop", stretched(8), {.score = 50 - 37}},
+        {"not yet big", stretched(8), {.score = 50 - 72}},
+        {"big drop", stretched(20), {.score = 50 - 73}},
+        {"drop from -799", stretched(4), {.score = -799 - 65, .before = -799}},
+        {"no drop from -800", 98, {.score = -800 - 65, .before = -800}},
+        {"drop from -800", stretched(4), {.score = -800 - 66, .before = -800}},
+        {"big drop from 800", stretched(20), {.score = 800 - 261, .before = 800}},
+        {"stable but for a drop", stretched(4), {.change = 2, .score = 50 - 19}},
         // What the threads think.
-        {"same move fails low", [] { set_thread(0, 10, BEST, 49, FAIL_LOW); }, stretched(20)},
-        {"same move, not lower", [] { set_thread(0, 10, BEST, 50, FAIL_LOW); }, 98},
-        {"same move, lower, at rest", [] { set_thread(1, 11, BEST, -900, ROOT_NORMAL); }, 98},
-        {"same move fails high", [] { set_thread(1, 10, BEST, 900, FAIL_HIGH); }, 98},
-        {"thread behind", [] { set_thread(0, 9, BEST, -900, FAIL_LOW); }, 98},
-        {"other move fails high", [] { set_thread(1, 10, OTHER, 51, FAIL_HIGH); }, stretched(2)},
-        {"other move, not higher", [] { set_thread(1, 10, OTHER, 50, FAIL_HIGH); }, 98},
-        {"other move, higher, at rest", [] { set_thread(1, 10, OTHER, 70, ROOT_NORMAL); }, 98},
-        {"other move, much higher", [] { set_thread(1, 10, OTHER, 71, ROOT_NORMAL); }, stretched(12)},
-        {"other move fails low", [] { set_thread(1, 10, OTHER, 10, FAIL_LOW); }, 98},
-        {"the most doubtful thread counts",
-         [] { set_thread(0, 10, BEST, 40, FAIL_LOW); set_thread(1, 10, OTHER, 71, FAIL_HIGH); }, stretched(20)},
-        {"threads beyond a drop", [] { run.shared_score = i16{50 - 37}; set_thread(1, 10, OTHER, 34, ROOT_NORMAL); }, stretched(12)},
-        {"a drop beyond threads", [] { run.shared_score = i16{50 - 37}; set_thread(1, 10, OTHER, 14, FAIL_HIGH); }, stretched(8)},
+        {"same, fails low", stretched(20), {.first = {10, BEST, 49, FAIL_LOW}}},
+        {"same, not lower", 98, {.first = {10, BEST, 50, FAIL_LOW}}},
+        {"same, lower, at rest", 98, {.second = {11, BEST, -900}}},
+        {"same, fails high", 98, {.second = {10, BEST, 900, FAIL_HIGH}}},
+        {"same, behind", 98, {.first = {9, BEST, -900, FAIL_LOW}}},
+        {"other, fails high", stretched(2), {.second = {10, OTHER, 51, FAIL_HIGH}}},
+        {"other, not higher", 98, {.second = {10, OTHER, 50, FAIL_HIGH}}},
+        {"other, higher, at rest", 98, {.second = {10, OTHER, 70}}},
+        {"other, much higher", stretched(12), {.second = {10, OTHER, 71}}},
+        {"other, fails low", 98, {.second = {10, OTHER, 10, FAIL_LOW}}},
+        {"both", stretched(20), {.first = {10, BEST, 4, FAIL_LOW}, .second = {10, OTHER, 71}}},
+        {"more than a drop", stretched(12), {.score = 13, .second = {10, OTHER, 34}}},
+        {"less than a drop", stretched(8), {.score = 13, .second = {10, OTHER, 14, FAIL_HIGH}}},
         // Easy moves.
-        {"single move", [] { run.easy_state = u8{1}; }, 0},
-        {"clearly best", [] { run.easy_state = u8{2}; }, 50},
-        {"clearly best, in doubt", [] { run.easy_state = u8{2}; run.change_depth = i8{9}; }, 50},
-        // The clock is nearly gone: less than five overheads left.
-        {"short clock", [] { limits.clock = {{60, 5000}}; }, 50},
-        {"no clock", [] { limits.clock = {{0, 5000}}; }, 0},
-        // Fixed time: no overhead, no reserve, and no doubt counts when the clock is the target.
-        {"fixed", [] { limits.time_mode = FIXED; limits.clock = {{100, 100}}; }, 100},
-        {"fixed, stable", [] { limits.time_mode = FIXED; run.change_depth = i8{2}; limits.clock = {{100, 100}}; }, 100},
-        {"fixed, in doubt", [] { limits.time_mode = FIXED; run.shared_score = i16{-900}; limits.clock = {{100, 100}}; }, 100},
-        {"fixed, single move", [] { limits.time_mode = FIXED; run.easy_state = u8{1}; }, 0},
-        {"fixed, clearly best", [] { limits.time_mode = FIXED; run.easy_state = u8{2}; }, 50},
-        // Never.
-        {"pondering", [] { control.search_mode = GO_PONDER; run.easy_state = u8{1}; }, 100000},
-        {"first iteration", [] { run.current_depth = i8{1}; run.easy_state = u8{1}; }, 100000},
-        {"no result of two plies", [] { run.shared_depth = i8{1}; run.easy_state = u8{1}; }, 100000},
+        {"single move", 0, {.easy = 1}},
+        {"clearly best", 50, {.easy = 2}},
+        {"clearly best, in doubt", 50, {.change = 9, .easy = 2}},
+        // Less than five overheads left.
+        {"short clock", 50, {.clock = 60}},
+        {"no clock", 0, {.clock = 0}},
+        // Fixed time: no overhead and no reserve; the clock is the target, so doubt has no effect.
+        {"fixed", 100, {.clock = 100, .mode = FIXED}},
+        {"fixed, stable", 100, {.change = 2, .clock = 100, .mode = FIXED}},
+        {"fixed, in doubt", 100, {.score = -900, .clock = 100, .mode = FIXED}},
+        {"fixed, single move", 0, {.easy = 1, .mode = FIXED}},
+        {"fixed, clearly best", 50, {.easy = 2, .mode = FIXED}},
+        {"pondering", NEVER, {.easy = 1, .search = GO_PONDER}},
+        {"first iteration", NEVER, {.depth = 1, .easy = 1}},
+        {"no result of two plies", NEVER, {.result = 1, .easy = 1}},
     };
     for (const auto& c : cases) {
-        reset();
-        c.change();
+        set(c.scene);
         EXPECT_NEAR(stop_time(), c.expected, 0.5) << c.name;
     }
 }
 
 TEST_F(TimeCheck, FlagAndElapsedTime) {
-    run.easy_state = u8{1};
+    set({.easy = 1});
     EXPECT_EQ(flag_at(-5), RUN);  // less than 0.02 seconds
     EXPECT_EQ(flag_at(5), STOP);
     EXPECT_NEAR(run.elapsed, 5, 0.5);
     control.search_mode = GO_ANALYSE;
     EXPECT_EQ(flag_at(5), ABORT);
     // Pondering counts once the opponent has played the expected move.
-    reset();
-    control.search_mode = GO_PONDER;
+    set({.search = GO_PONDER});
     EXPECT_EQ(flag_at(500), RUN);
     EXPECT_NEAR(run.elapsed, 500, 0.5);
     control.search_mode = GO_PLAY;

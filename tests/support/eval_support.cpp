@@ -16,8 +16,9 @@ std::unique_ptr<EvalState> make_eval_state() {
 Evaluation evaluate_traced(EvalState& state, const Position& p) {
     Evaluation result{};
     reset_trace();
-    result.score = evaluate(state, p, result.notes,
-                            {.ply = 1, .in_check = in_check(p), .iterating = false, .main_thread = true});
+    result.score =
+        evaluate(state, p, result.notes,
+                 {.ply = 1, .in_check = in_check(p), .iterating = false, .main_thread = true});
     result.trace = traced;
     return result;
 }

@@ -87,6 +87,7 @@ SearchResult SearchRig::result() {
 
 void set_game(std::string_view fen, std::string_view moves) {
     position_from_fen(game.position, fen);
+    ASSERT_EQ(position_problem(game.position), nullptr) << fen;
     if (moves.empty()) return;
     for (const std::string& text : split(moves, ' ')) {
         const Move move = parse_coordinates(game.position, text);

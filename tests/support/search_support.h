@@ -1,6 +1,6 @@
 #pragma once
-// What tests of the search share: a table and threads for the life of a test, one-line searches, and
-// slow but obvious judges of their results.
+// What tests of the search share: a table and threads for the life of a test, one-line searches,
+// and slow but obvious judges of their results.
 
 #include <string>
 #include <string_view>
@@ -55,11 +55,12 @@ std::string line_text(const std::vector<Move>& line);
 // not. With `mate` given, the last move must give checkmate.
 std::string line_problem(std::string_view fen, const std::vector<Move>& line, bool mate = false);
 
-// Plies to the quickest forced checkmate of the opponent, at most `limit` (odd), by trying all moves;
-// 0 when there is none.
+// Plies to the quickest forced checkmate of the opponent, at most `limit` (odd), by trying all
+// moves; 0 when there is none.
 int plies_to_mate(std::string_view fen, int limit);
 
-// The first difference between the game on the board and a thread's copy of it, "" if there is none.
+// The first difference between the game on the board and a thread's copy of it, "" if there is
+// none.
 std::string copy_problem(const ThreadData& t);
 
 }  // namespace quon::test
