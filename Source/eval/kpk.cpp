@@ -1,11 +1,11 @@
 // Retrograde analysis of king and pawn against king.
 //
-// White has the pawn, on files a to d. Every position starts unknown; passes over the board settle
-// those whose moves are settled, until nothing changes. What is still unknown then is a draw.
+// White has the pawn, on files a to d. For a pawn and a white king the black king's squares form a
+// bitboard, so a pass settles 64 positions at once: White wins with a move to a won position, and a
+// move of Black's is lost when every legal one leads to a win. Promotion ends the analysis, so pawns
+// are solved from the seventh rank down. What no pass proves a win is a draw.
 
 #include "eval/kpk.h"
-
-#include <vector>
 
 #include "board/bitboard.h"
 
@@ -13,116 +13,78 @@ namespace quon {
 
 namespace {
 
-constexpr int WIN_SCORE = 800;
+constexpr int KPK_WIN = 800;
 constexpr int PAWN_SQUARES = 32;  // file + 4 * rank
+constexpr int NEXT_RANK = 4;      // to the same file one rank ahead
 
-// The finished table: a bit for each black king square where White wins.
+// Black king squares where White wins.
 using WinTable = Table<Table<Bitboard, 64>, PAWN_SQUARES>;  // [pawn][white king]
 Table<WinTable, 2> KPKBitbase;                              // [side to move]
 
-// Values of a position under construction; a bit each, so that moves can be gathered with OR.
-constexpr u8 ILLEGAL = 0;
-constexpr u8 DRAW = 1;
-constexpr u8 WIN = 2;
-constexpr u8 UNKNOWN = 4;
-
 constexpr int pawn_square(int index) { return make_square(index & 3, index >> 2); }
 
-struct Builder {
-    // [pawn][white king][black king] as one index
-    std::vector<u8> white_to_move = std::vector<u8>(PAWN_SQUARES * 64 * 64);
-    std::vector<u8> black_to_move = std::vector<u8>(PAWN_SQUARES * 64 * 64);
+// Black king squares of possible positions with Black to move.
+Bitboard possible(int pawn, int white_king) {
+    const int square = pawn_square(pawn);
+    if (white_king == square) return 0;
+    return ~(bit(square) | bit(white_king) | king_attacks[white_king]);
+}
 
-    static std::size_t at(int pawn, int white_king, int black_king) {
-        return std::size_t((pawn * 64 + white_king) * 64 + black_king);
+// And with White to move: the pawn does not attack the king.
+Bitboard possible_for_white(int pawn, int white_king) {
+    return possible(pawn, white_king) & ~pawn_attacks[WHITE][pawn_square(pawn)];
+}
+
+// Squares a king's move away from the set.
+Bitboard king_reach(Bitboard b) {
+    const Bitboard beside = shift_east(b) | shift_west(b);
+    const Bitboard row = b | beside;
+    return beside | row << 8 | row >> 8;
+}
+
+// A pawn that has just promoted wins unless the black king takes it.
+void set_promoted(int pawn, int white_king) {
+    const int square = pawn_square(pawn);
+    const bool guarded = has(king_attacks[white_king], square);
+    KPKBitbase[WHITE][pawn][white_king] = possible_for_white(pawn, white_king);
+    KPKBitbase[BLACK][pawn][white_king] =
+        possible(pawn, white_king) & (guarded ? ~Bitboard{0} : ~king_attacks[square]);
+}
+
+Bitboard won_for_white(int pawn, int white_king) {
+    const WinTable& after = KPKBitbase[BLACK];
+    const int pushed = pawn + NEXT_RANK;
+    Bitboard won = after[pushed][white_king];
+    if (pawn_square(pawn) < make_square(0, 2)) {
+        won |= after[pushed + NEXT_RANK][white_king] & possible(pushed, white_king);
     }
+    for (Bitboard moves = king_attacks[white_king]; moves;) won |= after[pawn][pop_square(moves)];
+    return won & possible_for_white(pawn, white_king);
+}
 
-    void set_start(int pawn, int white_king, int black_king) {
-        const std::size_t here = at(pawn, white_king, black_king);
-        const int square = pawn_square(pawn);
-        const bool impossible = white_king == black_king || white_king == square ||
-                                black_king == square || has(king_attacks[white_king], black_king);
-        white_to_move[here] = black_to_move[here] = impossible ? ILLEGAL : UNKNOWN;
-        if (impossible) return;
-        if (has(pawn_attacks[WHITE][square], black_king)) {
-            white_to_move[here] = ILLEGAL;
-        } else if (rank_of(square) == 7) {
-            white_to_move[here] = WIN;
-            const bool safe =
-                !has(king_attacks[black_king], square) || has(king_attacks[white_king], square);
-            if (safe) black_to_move[here] = WIN;
-        }
-    }
+Bitboard lost_for_black(int pawn, int white_king) {
+    const int square = pawn_square(pawn);
+    const Bitboard won = KPKBitbase[WHITE][pawn][white_king];
+    Bitboard escapes = possible_for_white(pawn, white_king) & ~won;
+    if (!has(king_attacks[white_king], square)) escapes |= bit(square);  // the pawn hangs
+    // Without a move it is stalemate.
+    return possible(pawn, white_king) & king_reach(won) & ~king_reach(escapes);
+}
 
-    [[nodiscard]] u8 after_white(int pawn, int white_king, int black_king) const {
-        u8 reached = black_to_move[at(pawn + 4, white_king, black_king)];
-        if (pawn < 8 && reached != ILLEGAL) {
-            reached |= black_to_move[at(pawn + 8, white_king, black_king)];
-        }
-        for (Bitboard moves = king_attacks[white_king]; moves;) {
-            reached |= black_to_move[at(pawn, pop_square(moves), black_king)];
-        }
-        if (reached & WIN) return WIN;
-        return reached & UNKNOWN ? UNKNOWN : DRAW;
-    }
+bool settle(Bitboard& known, Bitboard proven) {
+    const bool changed = known != proven;
+    known = proven;
+    return changed;
+}
 
-    [[nodiscard]] u8 after_black(int pawn, int white_king, int black_king) const {
-        const int square = pawn_square(pawn);
-        u8 reached = 0;
-        for (Bitboard moves = king_attacks[black_king]; moves;) {
-            const int to = pop_square(moves);
-            const bool takes = to == square && !has(king_attacks[white_king], square);
-            reached |= takes ? DRAW : white_to_move[at(pawn, white_king, to)];
+void solve(int pawn) {
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int king = 0; king < 64; ++king) {
+            changed |= settle(KPKBitbase[WHITE][pawn][king], won_for_white(pawn, king));
         }
-        if (reached & DRAW) return DRAW;
-        if (reached & UNKNOWN) return UNKNOWN;
-        return reached & WIN ? WIN : DRAW;
-    }
-
-    // Settles what can be settled of one side's positions; true if anything was.
-    template <typename After>
-    bool pass(std::vector<u8>& values, After after) {
-        bool changed = false;
-        for (int pawn = 4; pawn < 28; ++pawn) {
-            for (int white_king = 0; white_king < 64; ++white_king) {
-                for (int black_king = 0; black_king < 64; ++black_king) {
-                    u8& value = values[at(pawn, white_king, black_king)];
-                    if (value != UNKNOWN) continue;
-                    value = after(pawn, white_king, black_king);
-                    changed |= value != UNKNOWN;
-                }
-            }
-        }
-        return changed;
-    }
-
-    void solve() {
-        for (int pawn = 0; pawn < PAWN_SQUARES; ++pawn) {
-            for (int white_king = 0; white_king < 64; ++white_king) {
-                for (int black_king = 0; black_king < 64; ++black_king) {
-                    set_start(pawn, white_king, black_king);
-                }
-            }
-        }
-        const auto white = [this](int p, int w, int b) { return after_white(p, w, b); };
-        const auto black = [this](int p, int w, int b) { return after_black(p, w, b); };
-        bool changed = true;
-        while (changed) {
-            changed = pass(white_to_move, white);
-            changed |= pass(black_to_move, black);
-        }
-    }
-};
-
-void keep_wins(WinTable& table, const std::vector<u8>& values) {
-    for (int pawn = 0; pawn < PAWN_SQUARES; ++pawn) {
-        for (int white_king = 0; white_king < 64; ++white_king) {
-            Bitboard wins = 0;
-            for (int black_king = 0; black_king < 64; ++black_king) {
-                const bool win = values[Builder::at(pawn, white_king, black_king)] == WIN;
-                wins |= u64{win} << black_king;
-            }
-            table[pawn][white_king] = wins;
+        for (int king = 0; king < 64; ++king) {
+            changed |= settle(KPKBitbase[BLACK][pawn][king], lost_for_black(pawn, king));
         }
     }
 }
@@ -130,10 +92,12 @@ void keep_wins(WinTable& table, const std::vector<u8>& values) {
 }  // namespace
 
 void build_kpk_bitbase() {
-    Builder builder;
-    builder.solve();
-    keep_wins(KPKBitbase[WHITE], builder.white_to_move);
-    keep_wins(KPKBitbase[BLACK], builder.black_to_move);
+    constexpr int promoted = 7 * NEXT_RANK;
+    KPKBitbase = {};
+    for (int pawn = promoted; pawn < PAWN_SQUARES; ++pawn) {
+        for (int king = 0; king < 64; ++king) set_promoted(pawn, king);
+    }
+    for (int pawn = promoted - 1; pawn >= NEXT_RANK; --pawn) solve(pawn);
 }
 
 int kpk_probe(const KpkPosition& squares) {
@@ -144,7 +108,7 @@ int kpk_probe(const KpkPosition& squares) {
     const WinTable& table = KPKBitbase[strong_moves ? WHITE : BLACK];
     const Bitboard wins = table[file_of(pawn) + 4 * rank_of(pawn)][squares.strong_king ^ flip];
     if (!has(wins, squares.weak_king ^ flip)) return 0;
-    return strong_moves ? WIN_SCORE : -WIN_SCORE;
+    return strong_moves ? KPK_WIN : -KPK_WIN;
 }
 
 int kpk_probe(const Position& p, int side) {

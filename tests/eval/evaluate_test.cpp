@@ -18,6 +18,12 @@ TEST(Evaluate, StartPositionIsWorthTheTempo) {
     EXPECT_EQ(evaluate_fresh("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq -").score, 16);
 }
 
+// Pawns 8 - 16 and -20, passed pawns 192 and 12, kings -35 each, the tempo 7: 156 against -43,
+// which counts 154/128.
+TEST(Evaluate, PositionalSumsCountMoreThanMaterial) {
+    EXPECT_EQ(evaluate_fresh("6k1/7p/P7/8/8/8/8/6K1 w - -").score, 239);
+}
+
 TEST(Evaluate, InCheckThereIsNoScore) {
     const auto state = make_eval_state();
     const auto game = make_game("4k3/8/8/8/8/8/4r3/4K3 w - -");

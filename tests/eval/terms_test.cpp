@@ -80,6 +80,10 @@ TEST(PieceTerms, Rooks) {
             {"6k1/p7/8/8/8/8/7P/4K2R w - -", "h1", 0, 0},
             {"6k1/p7/8/8/8/8/6P1/6RK w - -", "g1", 0, 0},
             {"6k1/8/p7/8/8/RP6/P7/6K1 w - -", "a3", 6 - 240, 6},
+            {"6k1/7p/8/P7/8/8/8/R1K5 w - -", "a1", 3 - 240, 3},  // four squares
+            {"6k1/7p/P7/8/8/8/8/R1K5 w - -", "a1", 6, 6},        // five
+                                                                 // Through the queen.
+            {"6k1/7p/8/8/3Q4/8/8/3RK3 w - -", "d1", 24 + 12, 48 + 12},
         },
         tables);
 }
@@ -107,6 +111,18 @@ TEST(KingTerms, ShieldOfTheCastledKing) {
             {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P3/2N2N1B/PPPP1PPP/R1BQ1RK1 w - -", "g8", 6, 0},
             {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P3/2N2NPB/PPPP1P1P/R1BQ1RK1 w - -", "g1", 0, 0},
             {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P1P1/2N2N1B/PPPP1P1P/R1BQ1RK1 w - -", "g1", -6, 0},
+        },
+        tables);
+}
+
+TEST(KingTerms, StormOfPawnsAgainstTheOtherWing) {
+    EvalTables tables{};
+    tables.pawn_storm = -240;
+    expect_squares(
+        {
+            // Black's f- and g-pawns have come across; all pieces are on the board.
+            {"rnkqbbnr/ppppp2p/8/8/5pp1/8/PPPPPPPP/RNBQRBKN w - -", "g1", -480, 0},
+            {"rnbqrbkn/ppppp2p/8/8/5pp1/8/PPPPPPPP/RNBQRBKN w - -", "g1", 0, 0},
         },
         tables);
 }
@@ -170,6 +186,10 @@ TEST(PassedPawns, Values) {
         {"1K6/P6p/2k5/8/8/8/8/8 b - -", 260 + 14, 11 + 8 + 2, 64, 1024},
         // Side by side: each a quarter of 82 more.
         {"6k1/p7/8/3PP3/8/8/8/6K1 w - -", 95 + 87, 11 + 6, 64, 4 * 128},
+        // One defends the other: an eighth of 82 for d5.
+        {"6k1/7p/8/3P4/2P5/8/8/6K1 w - -", (82 + 10 - 7) + (42 + 4), 12, 32, 2 * 128 + 2 * 64},
+        // Its king sees it through.
+        {"8/p5k1/3K4/4P3/8/8/8/8 w - -", 82 + 10 + 20, 11 - 3, 64, 256},
     };
     for (const Case& row : cases) {
         const Evaluation e = evaluate_fresh(row.fen);
@@ -230,6 +250,34 @@ TEST(Threats, HungAndPinnedPieces) {
         EXPECT_EQ(square_list(e.trace.pinned), row.pinned) << row.fen;
         EXPECT_EQ(e.notes.threat[WHITE], row.threat_white) << row.fen;
         EXPECT_EQ(e.notes.threat[BLACK], row.threat_black) << row.fen;
+    }
+}
+
+// What the terms without a place on the board add to White's sum, with tables that hold nothing
+// else.
+TEST(PositionalSum, TermsOfWholeSides) {
+    EvalTables tables{};
+    tables.hung = {-240, -240};
+    struct Case {
+        const char* fen;
+        int stage, op, en;  // the tempo is 14 and 7
+    };
+    const Case cases[] = {
+        // Three hung rooks, the second costs 15 more and the third 30; their files give 12, 12
+        // and 9.
+        {"4k3/1R6/8/2n5/R7/3R4/8/4K3 w - -", 17, 33 - 3 * 240 - 45 + 14, 33 - 3 * 240 - 45 + 7},
+        // A pawn attacked and defended by pieces only. The king stands 10 beside it, on a rank
+        // worth 4.
+        {"4k3/8/2n5/8/3P4/4K3/8/8 w - -", 23, 14 - 3, 7 - 12 - 10 + 4},
+        // d2 cannot move; the kings' distance from d4 is worth 3 and 6.
+        {"4k3/7p/8/8/8/3N4/3P4/4K3 b - -", 23, -2 - 12 + 3, -2 - 12 + 6},
+    };
+    for (const Case& row : cases) {
+        const EvalTrace trace = evaluate_fresh(row.fen, tables).trace;
+        ASSERT_EQ(trace.stage, row.stage) << row.fen;
+        EXPECT_EQ(trace.total[TRACE_POSITIONAL][WHITE],
+                  (row.op * (24 - row.stage) + row.en * row.stage) / 24)
+            << row.fen;
     }
 }
 

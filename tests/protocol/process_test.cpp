@@ -161,7 +161,7 @@ TEST(Program, WithoutALog) {
     EXPECT_TRUE(contains(ending.lines, "readyok"));
 }
 
-TEST(Bench, Form) {
+TEST(BenchProgram, Form) {
     const struct {
         Lines words;
         std::size_t positions;
@@ -187,7 +187,7 @@ TEST(Bench, Form) {
     }
 }
 
-TEST(Bench, CommandsInBetween) {
+TEST(BenchProgram, CommandsInBetween) {
     // A stop ends one position early, a quit all that is left of one; every position is told.
     Process process({"-bench", "-d", "30", "-nolog", "-n", "300000"});
     process.send({"isready", "stop", "quit"});

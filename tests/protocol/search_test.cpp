@@ -24,7 +24,7 @@ double seconds_since(Clock::time_point start) {
 // Exactly one "bestmove" was printed: none is left.
 void expect_idle(Session& session) { EXPECT_EQ(session.answers({}), Lines{}); }
 
-TEST(Search, InfoLinesAndBestMove) {
+TEST(SearchSession, InfoLinesAndBestMove) {
     Session session;
     session.send({"position startpos moves e2e4", "go depth 8"});
     const Lines lines = session.read_to("bestmove");
@@ -41,7 +41,7 @@ TEST(Search, InfoLinesAndBestMove) {
     expect_idle(session);
 }
 
-TEST(Search, FormsOfGo) {
+TEST(SearchSession, FormsOfGo) {
     Session session;
     for (const char* go : {
              "go depth 5",
@@ -73,7 +73,7 @@ TEST(Search, FormsOfGo) {
     expect_idle(session);
 }
 
-TEST(Search, DepthLimitStays) {
+TEST(SearchSession, DepthLimitStays) {
     Session session;
     session.send({"go depth 5"});
     session.read_to("bestmove");
@@ -83,7 +83,7 @@ TEST(Search, DepthLimitStays) {
     EXPECT_TRUE(infos.back().starts_with("info depth 5 ")) << infos.back();
 }
 
-TEST(Search, MoveTimeIsKept) {
+TEST(SearchSession, MoveTimeIsKept) {
     Session session;
     session.answers({});
     const auto start = Clock::now();
@@ -92,7 +92,7 @@ TEST(Search, MoveTimeIsKept) {
     EXPECT_LT(seconds_since(start), 20);
 }
 
-TEST(Search, IsReadyAndStopWhileSearching) {
+TEST(SearchSession, IsReadyAndStopWhileSearching) {
     Session session;
     session.send({"go infinite"});
     session.read_to("info depth 4");
@@ -108,7 +108,7 @@ TEST(Search, IsReadyAndStopWhileSearching) {
     expect_idle(session);
 }
 
-TEST(Search, StopAtOnceStillGivesAMove) {
+TEST(SearchSession, StopAtOnceStillGivesAMove) {
     Session session;
     for (int i = 0; i < 20; ++i) {
         const std::string best = session.best_move({"position startpos", "go infinite", "stop"});
@@ -117,12 +117,12 @@ TEST(Search, StopAtOnceStillGivesAMove) {
     expect_idle(session);
 }
 
-TEST(Search, StopBeforeAnySearch) {
+TEST(SearchSession, StopBeforeAnySearch) {
     Session session;
     EXPECT_EQ(session.best_move({"stop"}), "bestmove null");
 }
 
-TEST(Search, PonderIsHeldBack) {
+TEST(SearchSession, PonderIsHeldBack) {
     Session session;
     session.answers({});
     // The search is over in no time; its report waits.
@@ -146,7 +146,7 @@ TEST(Search, PonderIsHeldBack) {
 }
 
 // Commands that end a search: each search is reported once, and the engine goes on.
-TEST(Search, CommandsThatEndIt) {
+TEST(SearchSession, CommandsThatEndIt) {
     Session session({"-nolog", "-hash", "8", "-threads", "2"});
     const struct {
         std::string command, reply;
@@ -176,7 +176,7 @@ TEST(Search, CommandsThatEndIt) {
     }
 }
 
-TEST(Search, CommandsThatDoNotEndIt) {
+TEST(SearchSession, CommandsThatDoNotEndIt) {
     Session session;
     session.send({"go infinite"});
     session.read_to("info depth 3 ");
@@ -192,7 +192,7 @@ TEST(Search, CommandsThatDoNotEndIt) {
     EXPECT_EQ(session.wait().status, 0);
 }
 
-TEST(Search, QuitEndsIt) {
+TEST(SearchSession, QuitEndsIt) {
     for (const char* go : {"go infinite", "go ponder", "go depth 60"}) {
         Session session({"-nolog", "-threads", "2"});
         session.send({go});
@@ -204,7 +204,7 @@ TEST(Search, QuitEndsIt) {
     }
 }
 
-TEST(Search, MultiPv) {
+TEST(SearchSession, MultiPv) {
     Session session;
     session.answers({"setoption name MultiPV value 3"});
     session.send({"go depth 6"});
@@ -226,7 +226,7 @@ TEST(Search, MultiPv) {
     EXPECT_TRUE(names_move(session.best_move({"position fen 8/8/8/8/8/6k1/8/7K w - -", "go depth 4"})));
 }
 
-TEST(Search, LimitedStrengthIsSlow) {
+TEST(SearchSession, LimitedStrengthIsSlow) {
     Session session;
     session.answers({"setoption name UCI_LimitStrength value true",
                      "setoption name UCI_Elo value 1600"});
@@ -259,25 +259,25 @@ void play_game(Session& session, int moves, const std::string& go) {
     }
 }
 
-TEST(Search, TwoGamesOneThread) {
+TEST(SearchSession, TwoGamesOneThread) {
     Session session;
     play_game(session, 30, "go movetime 10");
     play_game(session, 30, "go wtime 1000 btime 1000 winc 10 binc 10");
 }
 
-TEST(Search, TwoGamesTwoThreads) {
+TEST(SearchSession, TwoGamesTwoThreads) {
     Session session({"-nolog", "-threads", "2"});
     play_game(session, 20, "go movetime 10");
     play_game(session, 20, "go depth 5");
 }
 
-TEST(Search, TwoGamesEightThreads) {
+TEST(SearchSession, TwoGamesEightThreads) {
     Session session({"-nolog", "-threads", "8", "-hash", "1"});
     play_game(session, 12, "go movetime 20");
     play_game(session, 12, "go nodes 3000");
 }
 
-TEST(Search, WithoutATable) {
+TEST(SearchSession, WithoutATable) {
     Session session({"-nolog", "-hash", "0"});
     EXPECT_EQ(session.answers({"setoption name Hash value 0"}),
               Lines{"info string Hash size set to 0M bytes"});
@@ -287,7 +287,7 @@ TEST(Search, WithoutATable) {
     EXPECT_TRUE(names_move(session.best_move({"go depth 5"})));
 }
 
-TEST(Search, PositionsWithoutAMove) {
+TEST(SearchSession, PositionsWithoutAMove) {
     Session session;
     const struct {
         std::string position, problem;
@@ -323,7 +323,41 @@ TEST(Search, PositionsWithoutAMove) {
     EXPECT_TRUE(names_move(session.best_move({"position startpos", "go depth 3"})));
 }
 
-TEST(Search, BadMovesInTheGame) {
+// Lines thrown together from words of the protocol and bytes that are none.
+TEST(SearchSession, Garbage) {
+    Session session({"-nolog", "-hash", "1"});
+    const Lines commands = {"position startpos", "position fen", "position", "go", "go", "go depth",
+                            "setoption name", "stop", "ponderhit", "ucinewgame", "uci", ""};
+    const Lines words = {
+        "startpos", "fen", "moves", "e2e4", "e7e5", "e1e8", "a7a8q", "depth", "3", "nodes", "500",
+        "wtime", "100", "btime", "movetime", "ponder", "infinite", "@", "@stop@", "MultiPV",
+        "Contempt", "value", "Clear Hash", "-1", "", "\x80\xff", "8/8/8/8/8/8/8/8", "\t", "w", "KQkq",
+        "k7/8/8/8/8/8/8/K7", "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", "99999999999999999999",
+    };
+    Random random(20260101);
+    const int blocks = scaled(100);
+    int moves = 0;
+    for (int block = 0; block < blocks; ++block) {
+        Lines lines;
+        for (int i = 0; i < 20; ++i) {
+            std::string line = commands[std::size_t(pick(random, int(commands.size())))] + " ";
+            for (int words_left = pick(random, 8); words_left >= 0; --words_left) {
+                line += words[std::size_t(pick(random, int(words.size())))] + " ";
+            }
+            lines.push_back(line);
+        }
+        for (const std::string& reply : session.answers(lines)) moves += names_move(reply);
+        ASSERT_FALSE(HasFailure()) << testing::PrintToString(lines);
+    }
+    EXPECT_GT(moves, 0*blocks) << moves; EXPECT_GT(moves, 100000*blocks) << "most of the garbage should be searched";
+    session.best_move({"stop"});
+    session.answers({"setoption name MultiPV value 1"});
+    session.send({"position startpos", "go infinite"});
+    EXPECT_TRUE(names_move(session.best_move({"stop"})));
+    EXPECT_TRUE(names_move(session.best_move({"go depth 4"})));
+}
+
+TEST(SearchSession, BadMovesInTheGame) {
     Session session;
     EXPECT_EQ(session.answers({"position startpos moves e2e4 e7e5 e1e3 g1f3"}),
               Lines{"info string illegal move e1e3"});

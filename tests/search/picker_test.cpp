@@ -22,13 +22,18 @@ constexpr int PLY = 3;  // the first with an own previous move
 constexpr int COARSE[] = {0, 1, 3, 3, 5, 10, 0};
 constexpr int VICTIM[] = {200, 210, 220, 220, 230, 240, 250};
 
+// Makes the game the thread's, at a node three plies deep with nothing learned.
+void set_thread(ThreadData& t, const Game& game) {
+    copy_game(t, game);
+    reset_ordering(t);
+    t.plies[PLY].list_start = t.move_buffer.begin();
+    t.plies[1].list_start = t.move_buffer.begin();
+    t.plies[PLY - 2].next_pick = &NULL_ENTRY;
+}
+
 std::unique_ptr<ThreadData> make_thread(const Game& game) {
     auto t = std::make_unique<ThreadData>();
-    copy_game(*t, game);
-    reset_ordering(*t);
-    t->plies[PLY].list_start = t->move_buffer.begin();
-    t->plies[1].list_start = t->move_buffer.begin();
-    t->plies[PLY - 2].next_pick = &NULL_ENTRY;
+    set_thread(*t, game);
     return t;
 }
 
@@ -151,8 +156,9 @@ void randomize(ThreadData& t, Random& random, MoveEntry& previous) {
 TEST(Picker, EveryMoveOnceInOrder) {
     Random random(5);
     int in_checks = 0;
+    const auto t = std::make_unique<ThreadData>();
     visit_random_positions(scaled(4000), 8, [&](Game& game) {
-        const auto t = make_thread(game);
+        set_thread(*t, game);
         MoveEntry previous{};
         randomize(*t, random, previous);
         const bool checked = in_check(t->position);
@@ -206,8 +212,9 @@ TEST(Picker, Orders) {
 
 TEST(Picker, RootScores) {
     Random random(6);
+    const auto t = std::make_unique<ThreadData>();
     visit_random_positions(scaled(1000), 9, [&](Game& game) {
-        const auto t = make_thread(game);
+        set_thread(*t, game);
         MoveEntry list[MAX_LIST];
         MoveEntry* const end = gen_all(t->position, list);
         if (end == list) return;

@@ -107,8 +107,8 @@ TEST(Search, Draws) {
     constexpr const char* SHUFFLE = "a1a2 h8g8 a2a1 g8h8";
     constexpr const char* TWICE = "a1a2 h8g8 a2a1 g8h8 a1a2 h8g8 a2a1 g8h8";
     constexpr const char* WON = "k7/8/1K6/8/8/8/8/7R w - -";
-    constexpr const char* WON_LATER = "8/8/8/3k4/8/8/8/K6Q w - -";
-    constexpr const char* PAWN = "8/8/8/3k4/8/8/P7/K6Q w - -";
+    constexpr const char* WON_LATER = "8/8/8/3k4/8/8/8/K5Q1 w - -";
+    constexpr const char* PAWN = "8/8/8/3k4/8/8/P7/K5Q1 w - -";
     const struct {
         const char* fen;
         const char* moves;
@@ -239,19 +239,19 @@ TEST(Search, SelectivityParameters) {
     const SearchRig rig;
     const EvalParams standard = params;
     limits.max_nodes = 30000;
-    for (int i = 0; i < std::max(scaled(std::size(POSITIONS)), 3); ++i) {
+    for (const char* const fen : POSITIONS) {
         params = standard;
-        const SearchResult before = SearchRig::search(POSITIONS[i], 9);
+        const SearchResult before = SearchRig::search(fen, 9);
         for (Case& c : cases) {
             params = standard;
             c.set(params);
-            const SearchResult result = SearchRig::search(POSITIONS[i], 9);
+            const SearchResult result = SearchRig::search(fen, 9);
             c.changed |=
                 before.nodes != result.nodes || line_text(before.line) != line_text(result.line);
-            EXPECT_GE(result.depth, 2) << c.name << " " << POSITIONS[i];
+            EXPECT_GE(result.depth, 2) << c.name << " " << fen;
             EXPECT_FALSE(result.line.empty());
-            EXPECT_EQ(line_problem(POSITIONS[i], result.line), "") << c.name << " " << POSITIONS[i];
-            EXPECT_EQ(copy_problem(thread_data(0)), "") << c.name << " " << POSITIONS[i];
+            EXPECT_EQ(line_problem(fen, result.line), "") << c.name << " " << fen;
+            EXPECT_EQ(copy_problem(thread_data(0)), "") << c.name << " " << fen;
         }
     }
     for (const Case& c : cases) EXPECT_TRUE(c.changed) << c.name;

@@ -84,6 +84,7 @@ Process::~Process() {
     if (child_ > 0) {
         kill(child_, SIGKILL);
         waitpid(child_, nullptr, 0);
+        take_errors();
     }
     close_end(input_);
     close_end(output_);
@@ -157,6 +158,14 @@ std::vector<std::string> Process::read_to(const std::string& beginning) {
 
 bool Process::silent_for(int ms) { return buffer_.empty() && !fill(ms); }
 
+std::string Process::take_errors() {
+    char bytes[65536];
+    const ssize_t count = read(errors_, bytes, sizeof bytes);
+    const std::string text(bytes, count > 0 ? std::size_t(count) : 0);
+    EXPECT_EQ(text.find("Sanitizer"), std::string::npos) << text;
+    return text;
+}
+
 Ending Process::wait() {
     Ending ending;
     const auto start = std::chrono::steady_clock::now();
@@ -172,10 +181,7 @@ Ending Process::wait() {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     child_ = -1;
-    char bytes[65536];
-    const ssize_t count = read(errors_, bytes, sizeof bytes);
-    if (count > 0) ending.errors.assign(bytes, std::size_t(count));
-    EXPECT_EQ(ending.errors.find("Sanitizer"), std::string::npos) << ending.errors;
+    ending.errors = take_errors();
     if (WIFEXITED(status)) ending.status = WEXITSTATUS(status);
     return ending;
 }

@@ -48,6 +48,8 @@ public:
 private:
     bool fill(int timeout_ms);  // false on the end of the output or the deadline
     bool take_line(std::string& line);
+    // Standard error of the ended process; fails the test if a sanitizer speaks there.
+    std::string take_errors();
 
     pid_t child_ = -1;
     int input_ = -1;
