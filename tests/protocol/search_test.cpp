@@ -326,8 +326,9 @@ TEST(SearchSession, PositionsWithoutAMove) {
 // Lines thrown together from words of the protocol and bytes that are none.
 TEST(SearchSession, Garbage) {
     Session session({"-nolog", "-hash", "1"});
-    const Lines commands = {"position startpos", "position fen", "position", "go", "go", "go depth",
-                            "setoption name", "stop", "ponderhit", "ucinewgame", "uci", ""};
+    const Lines commands = {"position startpos", "position startpos moves", "position fen",
+                            "go", "go infinite", "go movetime 5", "go depth", "setoption name", "stop",
+                            "ponderhit", "ucinewgame", "uci", ""};
     const Lines words = {
         "startpos", "fen", "moves", "e2e4", "e7e5", "e1e8", "a7a8q", "depth", "3", "nodes", "500",
         "wtime", "100", "btime", "movetime", "ponder", "infinite", "@", "@stop@", "MultiPV",
@@ -349,7 +350,7 @@ TEST(SearchSession, Garbage) {
         for (const std::string& reply : session.answers(lines)) moves += names_move(reply);
         ASSERT_FALSE(HasFailure()) << testing::PrintToString(lines);
     }
-    EXPECT_GT(moves, 0*blocks) << moves; EXPECT_GT(moves, 100000*blocks) << "most of the garbage should be searched";
+    EXPECT_GT(moves, blocks) << "the garbage should lead to searches";
     session.best_move({"stop"});
     session.answers({"setoption name MultiPV value 1"});
     session.send({"position startpos", "go infinite"});

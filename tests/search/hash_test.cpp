@@ -9,6 +9,7 @@
 #include "search/hash.h"
 #include "search/score.h"
 #include "support/board_support.h"
+#include "support/search_support.h"
 
 namespace quon::test {
 namespace {
@@ -263,10 +264,9 @@ TEST_F(HashTest, LineFollowsTheTable) {
                 make_code((text[1] - '1') * 8 + text[0] - 'a', (text[3] - '1') * 8 + text[2] - 'a');
         }
         hash_line(game->position, 1, line);
-        std::string found;
-        for (int i = 1; line[i] != NO_MOVE; ++i)
-            found += (i > 1 ? " " : "") + move_to_text(line[i]);
-        EXPECT_EQ(found, c.expected) << c.stored << " after " << c.given;
+        std::vector<Move> found;
+        for (int i = 1; line[i] != NO_MOVE; ++i) found.push_back(line[i]);
+        EXPECT_EQ(line_text(found), c.expected) << c.stored << " after " << c.given;
         EXPECT_EQ(full_key(game->position), full_key(make_game(START_FEN)->position));
         EXPECT_EQ(game->game_ply, 0);
     }

@@ -121,7 +121,10 @@ const char* const benchmark[20] = {
 
 std::string line_text(const std::vector<Move>& line) {
     std::string text;
-    for (const Move move : line) text += (text.empty() ? "" : " ") + move_to_text(move);
+    for (const Move move : line) {
+        if (!text.empty()) text += ' ';
+        text += move_to_text(move);
+    }
     return text;
 }
 
