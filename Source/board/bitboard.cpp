@@ -14,9 +14,12 @@ struct Step {
 };
 constexpr Step STRAIGHT[] = {{0, 1}, {1, 0}, {0, -1}, {-1, 0}};
 constexpr Step DIAGONAL[] = {{1, 1}, {-1, 1}, {-1, -1}, {1, -1}};
-constexpr Step KNIGHT_STEPS[] = {{1, 2}, {2, 1}, {2, -1}, {1, -2}, {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}};
+constexpr Step KNIGHT_STEPS[] = {{1, 2},   {2, 1},   {2, -1}, {1, -2},
+                                 {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}};
 
-constexpr bool on_board(int file, int rank) { return file >= 0 && file < 8 && rank >= 0 && rank < 8; }
+constexpr bool on_board(int file, int rank) {
+    return file >= 0 && file < 8 && rank >= 0 && rank < 8;
+}
 
 template <std::size_t N>
 constexpr Bitboard steps_from(int square, const Step (&steps)[N]) {
@@ -84,8 +87,10 @@ constexpr Table<Table<u8, 64>, 64> make_distances() {
     Table<Table<u8, 64>, 64> table{};
     for (int a = 0; a < 64; ++a) {
         for (int b = 0; b < 64; ++b) {
-            const int files = file_of(a) > file_of(b) ? file_of(a) - file_of(b) : file_of(b) - file_of(a);
-            const int ranks = rank_of(a) > rank_of(b) ? rank_of(a) - rank_of(b) : rank_of(b) - rank_of(a);
+            const int files =
+                file_of(a) > file_of(b) ? file_of(a) - file_of(b) : file_of(b) - file_of(a);
+            const int ranks =
+                rank_of(a) > rank_of(b) ? rank_of(a) - rank_of(b) : rank_of(b) - rank_of(a);
             table[a][b] = u8(files > ranks ? files : ranks);
         }
     }
@@ -97,8 +102,8 @@ constexpr Table<Table<u8, 64>, 64> make_distances() {
 constinit const Table<Table<Bitboard, 64>, 2> pawn_attacks = make_pawn_attacks();
 constinit const Table<Bitboard, 64> knight_attacks =
     each_square([](int s) { return steps_from(s, KNIGHT_STEPS); });
-constinit const Table<Bitboard, 64> king_attacks = each_square(
-    [](int s) { return steps_from(s, STRAIGHT) | steps_from(s, DIAGONAL); });
+constinit const Table<Bitboard, 64> king_attacks =
+    each_square([](int s) { return steps_from(s, STRAIGHT) | steps_from(s, DIAGONAL); });
 constinit const Table<Bitboard, 64> orth_lines =
     each_square([](int s) { return rays(s, STRAIGHT, 0); });
 constinit const Table<Bitboard, 64> diag_lines =
@@ -111,8 +116,8 @@ Table<Magic, 64> bishop_magics;
 
 namespace {
 
-// Factors that map every relevant occupancy of a square to an index without a harmful collision; found
-// by trying sparse random numbers.
+// Factors that map every relevant occupancy of a square to an index without a harmful collision;
+// found by trying sparse random numbers.
 constexpr Table<u64, 64> ROOK_FACTORS = {{
     0x2080002080400010, 0x00C0002001401000, 0x2100110008402002, 0x0880080081041000,
     0x0200020020041008, 0x2300040008010012, 0x0C00283004008201, 0x0180010000407A80,

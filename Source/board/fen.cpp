@@ -6,6 +6,7 @@
 
 #include "board/keys.h"
 #include "frontend/output.h"
+#include "frontend/words.h"
 
 namespace quon {
 
@@ -191,19 +192,6 @@ void print_board(const Position& p) {
 
 namespace {
 
-// Takes the next run of characters that are not delimiters off the front; empty at the end.
-std::string_view take_token(std::string_view& rest, std::string_view delimiters) {
-    const std::size_t start = rest.find_first_not_of(delimiters);
-    if (start == std::string_view::npos) {
-        rest = {};
-        return {};
-    }
-    const std::size_t end = std::min(rest.find_first_of(delimiters, start), rest.size());
-    const std::string_view token = rest.substr(start, end - start);
-    rest.remove_prefix(end);
-    return token;
-}
-
 constexpr std::size_t MAX_EPD_LINE = 511;
 
 }  // namespace
@@ -227,8 +215,9 @@ bool parse_epd_line(std::string_view line, EpdRecord& out) {
             if (token != row.opcode) continue;
             // An opcode that is closed at once has no operand.
             const std::size_t start = rest.find_first_not_of(' ');
-            const bool closed = start == std::string_view::npos ||
-                                std::string_view(";\r\n").find(rest[start]) != std::string_view::npos;
+            const bool closed =
+                start == std::string_view::npos ||
+                std::string_view(";\r\n").find(rest[start]) != std::string_view::npos;
             if (!closed) row.operand = take_token(rest, " ;\r\n");
             break;
         }

@@ -1,5 +1,5 @@
-// Legality by exception: when the king is not in check only king moves, pinned pieces and en-passant
-// captures can be illegal, so most moves pass without looking at the board.
+// Legality by exception: when the king is not in check only king moves, pinned pieces and
+// en-passant captures can be illegal, so most moves pass without looking at the board.
 
 #include "board/legality.h"
 
@@ -158,7 +158,7 @@ bool is_pseudo_legal(const Position& p, Move move) {
 bool has_legal_move(const Position& p) {
     MoveEntry list[MAX_LIST];
     const KingGuard guard = king_guard(p);
-    for (const MoveEntry* entry = list, *end = gen_all(p, list); entry != end; ++entry) {
+    for (const MoveEntry *entry = list, *end = gen_all(p, list); entry != end; ++entry) {
         if (is_legal(p, entry->move, guard)) return true;
     }
     return false;

@@ -7,20 +7,20 @@ namespace quon {
 
 // What the legality of many moves of one position depends on, computed once per node.
 struct KingGuard {
-    int king;         // king square of the side to move
+    int king;  // king square of the side to move
     bool in_check;
     Bitboard pinned;  // own pieces that alone stand between the king and an enemy slider
 };
 KingGuard king_guard(const Position& p, bool in_check);
 inline KingGuard king_guard(const Position& p) { return king_guard(p, in_check(p)); }
 
-// True if the pseudo-legal move of the side to move leaves its king safe and, when castling, crosses
-// no attacked square. `guard` must be that of the position.
+// True if the pseudo-legal move of the side to move leaves its king safe and, when castling,
+// crosses no attacked square. `guard` must be that of the position.
 bool is_legal(const Position& p, Move move, const KingGuard& guard);
 inline bool is_legal(const Position& p, Move move) { return is_legal(p, move, king_guard(p)); }
 
-// 0 no check, 1 direct check, 2 discovered check (a double check counts as 2). A promotion counts as
-// the promoted piece; a castling rook's and an en-passant capture's lines are not looked at.
+// 0 no check, 1 direct check, 2 discovered check (a double check counts as 2). A promotion counts
+// as the promoted piece; a castling rook's and an en-passant capture's lines are not looked at.
 int gives_check(const Position& p, const MoveEntry& entry);
 
 // True if the generators would produce the move in this position. Accepts any 16-bit code.

@@ -1,4 +1,5 @@
-// Move text. The SAN reader does not parse: it writes every move in all forms and looks for the text.
+// Move text. The SAN reader does not parse: it writes every move in all forms and looks for the
+// text.
 
 #include "board/move_text.h"
 
@@ -117,7 +118,8 @@ namespace {
 
 std::string_view without_check(std::string_view text) { return text.substr(0, text.find('+')); }
 
-// The text in the spelling of the forms: no check or mate sign, "=Q" for a promotion, 'o' for castling.
+// The text in the spelling of the forms: no check or mate sign, "=Q" for a promotion, 'o' for
+// castling.
 std::string normalized(std::string_view input) {
     std::string text(without_check(input));
     while (!text.empty() && text.back() == '#') text.pop_back();
@@ -166,9 +168,10 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
 
 namespace {
 
-// A position text may name an en-passant square that no pawn has passed.
+// A position text may name an en-passant square that no pawn has passed. For pseudo-legal moves.
 bool en_passant_without_pawn(const Position& p, int from, int to) {
-    const bool en_passant = to == p.ep && type_of(p.board[from]) == PAWN && file_of(from) != file_of(to);
+    const bool en_passant =
+        to == p.ep && type_of(p.board[from]) == PAWN && file_of(from) != file_of(to);
     return en_passant && p.board[to - forward(p.side)] != make_piece(p.side ^ 1, PAWN);
 }
 
@@ -177,7 +180,8 @@ bool en_passant_without_pawn(const Position& p, int from, int to) {
 Move parse_coordinates(const Position& p, std::string_view text) {
     if (text.size() < 4) return NO_MOVE;
     for (const std::size_t i : {0U, 2U}) {
-        if (text[i] < 'a' || text[i] > 'h' || text[i + 1] < '1' || text[i + 1] > '8') return NO_MOVE;
+        if (text[i] < 'a' || text[i] > 'h' || text[i + 1] < '1' || text[i + 1] > '8')
+            return NO_MOVE;
     }
     const int from = make_square(text[0] - 'a', text[1] - '1');
     const int to = make_square(text[2] - 'a', text[3] - '1');
@@ -190,9 +194,9 @@ Move parse_coordinates(const Position& p, std::string_view text) {
         default: break;
     }
     const Move move = make_code(from, to, promotion);
-    const bool phantom = en_passant_without_pawn(p, from, to);
-    if (!is_pseudo_legal(p, move) || type_of(p.board[to]) == KING || phantom) return NO_MOVE;
-    return move;
+    const bool refused = !is_pseudo_legal(p, move) || type_of(p.board[to]) == KING ||
+                         en_passant_without_pawn(p, from, to);
+    return refused ? NO_MOVE : move;
 }
 
 }  // namespace quon

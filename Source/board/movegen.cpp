@@ -36,7 +36,8 @@ MoveEntry* gen_pieces(const Position& p, Bitboard wanted, MoveEntry* out) {
     for (int type = KNIGHT; type <= KING; ++type) {
         const int piece = make_piece(Us, type);
         for (const u8* square = p.plist[piece].begin(); *square != NO_SQUARE; ++square) {
-            out = add_targets(p, out, *square, piece, piece_attacks(type, *square, occupancy) & wanted);
+            out = add_targets(p, out, *square, piece,
+                              piece_attacks(type, *square, occupancy) & wanted);
         }
     }
     return out;
@@ -101,7 +102,8 @@ MoveEntry* gen_castling(const Position& p, MoveEntry* out) {
     if (king_square(p, Us) != home) return out;
     const Bitboard occupancy = occupied(p);
     if ((p.castle & king_side) && !(occupancy & king_path)) out = add(out, home, home + 2, king, 0);
-    if ((p.castle & queen_side) && !(occupancy & queen_path)) out = add(out, home, home - 2, king, 0);
+    if ((p.castle & queen_side) && !(occupancy & queen_path))
+        out = add(out, home, home - 2, king, 0);
     return out;
 }
 

@@ -9,10 +9,12 @@ namespace quon {
 // Each generator appends records from `out` on and returns the end; `order` is left unset. The
 // caller's list has room for MAX_LIST records.
 MoveEntry* gen_captures(const Position& p, MoveEntry* out);  // en passant included, no promotions
-MoveEntry* gen_promotions(const Position& p, bool all_four, MoveEntry* out);  // with and without capture
+MoveEntry* gen_promotions(const Position& p, bool all_four,
+                          MoveEntry* out);                 // with and without capture
 MoveEntry* gen_quiets(const Position& p, MoveEntry* out);  // castling included, no promotions
 
-// Captures, all promotions, quiet moves; ends with a LIST_END record and returns that record's place.
+// Captures, all promotions, quiet moves; ends with a LIST_END record and returns that record's
+// place.
 MoveEntry* gen_all(const Position& p, MoveEntry* out);
 
 inline MoveEntry* terminate_list(MoveEntry* end) {

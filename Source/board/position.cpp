@@ -13,7 +13,8 @@ bool square_attacked(const Position& p, int square, int by_side, Bitboard occupa
                            (king_attacks[square] & pieces[KING]);
     if (steps & occupancy) return true;
     const Bitboard diagonal = (pieces[BISHOP] | pieces[QUEEN]) & occupancy;
-    if ((diag_lines[square] & diagonal) && (bishop_attacks(square, occupancy) & diagonal)) return true;
+    if ((diag_lines[square] & diagonal) && (bishop_attacks(square, occupancy) & diagonal))
+        return true;
     const Bitboard straight = (pieces[ROOK] | pieces[QUEEN]) & occupancy;
     return (orth_lines[square] & straight) && (rook_attacks(square, occupancy) & straight);
 }

@@ -63,7 +63,8 @@ struct Position {
     TextFlaw flaw;
 };
 
-// A position with its own game record: the game on the front end's board, or a search thread's copy.
+// A position with its own game record: the game on the front end's board, or a search thread's
+// copy.
 struct Game : GameRecord {
     Position position;
 };

@@ -24,7 +24,8 @@ Exchange start_exchange(const Position& p, int to) {
     const Bitboard diagonal = white[BISHOP] | white[QUEEN] | black[BISHOP] | black[QUEEN];
     const Bitboard straight = white[ROOK] | white[QUEEN] | black[ROOK] | black[QUEEN];
     const Bitboard occupancy = occupied(p);
-    Bitboard attackers = (pawn_attacks[BLACK][to] & white[PAWN]) | (pawn_attacks[WHITE][to] & black[PAWN]);
+    Bitboard attackers =
+        (pawn_attacks[BLACK][to] & white[PAWN]) | (pawn_attacks[WHITE][to] & black[PAWN]);
     attackers |= knight_attacks[to] & (white[KNIGHT] | black[KNIGHT]);
     attackers |= king_attacks[to] & (white[KING] | black[KING]);
     if (diag_lines[to] & diagonal) attackers |= bishop_attacks(to, occupancy) & diagonal;

@@ -49,8 +49,22 @@ enum PieceType : int { NO_TYPE, PAWN, KNIGHT, BISHOP, ROOK, QUEEN, KING };
 
 constexpr int NO_SQUARE = 64;
 enum Square : int {
-    A1, B1, C1, D1, E1, F1, G1, H1,
-    A8 = 56, B8, C8, D8, E8, F8, G8, H8,
+    A1,
+    B1,
+    C1,
+    D1,
+    E1,
+    F1,
+    G1,
+    H1,
+    A8 = 56,
+    B8,
+    C8,
+    D8,
+    E8,
+    F8,
+    G8,
+    H8,
 };
 
 constexpr int make_piece(int color, int type) { return color * 8 + type; }
@@ -63,8 +77,12 @@ constexpr int make_square(int file, int rank) { return rank * 8 + file; }
 constexpr Bitboard bit(int square) { return u64{1} << square; }
 
 // The square, or the rank, as its owner sees it from his side of the board.
-constexpr int relative_square(int color, int square) { return color == WHITE ? square : square ^ 56; }
-constexpr int relative_rank(int color, int square) { return rank_of(relative_square(color, square)); }
+constexpr int relative_square(int color, int square) {
+    return color == WHITE ? square : square ^ 56;
+}
+constexpr int relative_rank(int color, int square) {
+    return rank_of(relative_square(color, square));
+}
 // One step towards the other side's back rank.
 constexpr int forward(int color) { return color == WHITE ? 8 : -8; }
 

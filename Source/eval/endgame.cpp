@@ -179,7 +179,7 @@ PawnFactors pawn_factors(const Ending& e) {
 // The last pawn: can its way be barred?
 double last_pawn(const Ending& e, double general) {
     const int pawn = lsb_index(e.p.bb[e.strong][PAWN]);
-    const Bitboard path = passed_span[e.strong][pawn] & file_mask(file_of(pawn));
+    const Bitboard path = squares_ahead(e.strong, pawn);
     const auto& weak = e.info.attacks[e.weak];
     if (path & (weak[KNIGHT] | weak[BISHOP])) return general * 0.3;
     if (path & weak[KING] & ~e.info.attacks[e.strong][KING]) return general * 0.5;

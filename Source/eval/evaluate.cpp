@@ -158,8 +158,8 @@ int blended_score(const EvalInfo& info) {
                  info.stage);
 }
 
-// What a draw is worth less to the side at the root, the more material the side that has to fear it
-// still has; White's view.
+// White's view: a bonus for the side at the root that grows with the material of the side that
+// should avoid the draw.
 int contempt_score(const EvalState& state, const Position& p) {
     const int contempt = state.tables.contempt;
     if (contempt == 0 || !state.contempt_active) return 0;
@@ -189,7 +189,7 @@ int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCa
     state.evaluations.add(1);
 
     const u64 key = full_key(p);
-    EvalHashEntry& cached = state.eval_hash[int(key & 0x3FFE) + p.side];
+    EvalHashEntry& cached = state.eval_hash[int(key & (EVAL_HASH_SIZE - 2)) + p.side];
     if (cached.key == key && call.ply >= 2 && call.iterating) {
         state.eval_hits.add(1);
         notes.threat = cached.threat;
@@ -214,7 +214,7 @@ int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCa
     score = blended_score(info) + contempt_score(state, p);
     if (p.side == BLACK) score = -score;
     const double factor = scale_factor(info, score);
-    score = int(score * factor);
+    score = i16(int(score * factor));  // as the cache keeps it
 
     cached = {key, notes.threat, i16(score)};
     if (tracing) trace_result(info, factor);

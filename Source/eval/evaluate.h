@@ -12,7 +12,8 @@
 
 namespace quon {
 
-// What an evaluation tells the search beside the score. The caller clears both before every call.
+// What an evaluation tells the search beside the score. The caller clears the threats
+// before every call; eval_final is only ever set.
 struct EvalNotes {
     Table<i16, 2> threat;  // centipawns that White and Black stand to lose
     u16 eval_final;        // 1: dead-drawn material, nothing to search
@@ -52,8 +53,9 @@ struct EvalCall {
 // Returned instead of a score when the side to move is in check.
 constexpr int EVAL_IN_CHECK = -10000;
 
-// Centipawns from the side to move's point of view. Outside an iteration the main thread's call at
-// ply 1 also adds its findings to the trace record (eval_trace.h).
+// Centipawns from the side to move's point of view; the position must be one that can be searched.
+// Outside an iteration the main thread's call at ply 1 also adds its findings to the trace record
+// (eval_trace.h).
 int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCall& call);
 
 }  // namespace quon

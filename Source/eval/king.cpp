@@ -139,10 +139,10 @@ void add_king_safety(EvalInfo& info, int king, Score& score) {
     }
 
     const int packed = info.king_attackers[Color];
-    const int knights = packed & 7;
-    const int bishops = packed >> 3 & 7;
-    const int rooks = packed >> 6 & 7;
-    const int queens = packed >> 9 & 7;
+    const int knights = attackers_in(packed, KNIGHT);
+    const int bishops = attackers_in(packed, BISHOP);
+    const int rooks = attackers_in(packed, ROOK);
+    const int queens = attackers_in(packed, QUEEN);
     int units = ATTACKER_UNITS[KNIGHT] * knights + ATTACKER_UNITS[BISHOP] * bishops +
                 ATTACKER_UNITS[ROOK] * rooks + ATTACKER_UNITS[QUEEN] * queens;
     units += CHECK_UNITS * (pressure.checks() + pressure.contact);

@@ -2,8 +2,8 @@
 //
 // White has the pawn, on files a to d. For a pawn and a white king the black king's squares form a
 // bitboard, so a pass settles 64 positions at once: White wins with a move to a won position, and a
-// move of Black's is lost when every legal one leads to a win. Promotion ends the analysis, so pawns
-// are solved from the seventh rank down. What no pass proves a win is a draw.
+// move of Black's is lost when every legal one leads to a win. Promotion ends the analysis, so
+// pawns are solved from the seventh rank down. What no pass proves a win is a draw.
 
 #include "eval/kpk.h"
 

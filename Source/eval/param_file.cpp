@@ -3,13 +3,13 @@
 #include "eval/param_file.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <string_view>
 #include <vector>
 
 #include "frontend/engine_options.h"
 #include "frontend/output.h"
+#include "frontend/words.h"
 
 namespace quon {
 
@@ -23,16 +23,16 @@ struct Key {
     std::string_view name;
     i16* value = nullptr;
     Pair* pair = nullptr;
-    u8* small = nullptr;
+    u8* byte = nullptr;
 
     Key(std::string_view key, i16& field) : name(key), value(&field) {}
     Key(std::string_view key, Pair& field) : name(key), pair(&field) {}
-    Key(std::string_view key, u8& field) : name(key), small(&field) {}
+    Key(std::string_view key, u8& field) : name(key), byte(&field) {}
 
     void set(int first, int second) const {
         if (value) *value = i16(first);
         if (pair) *pair = {i16(first), i16(second)};
-        if (small) *small = u8(first);
+        if (byte) *byte = u8(first);
     }
 };
 
@@ -124,27 +124,12 @@ bool read_line(std::ifstream& file, std::string& line) {
     return true;
 }
 
-// Takes the next run of other characters off the front; empty at the end.
-std::string_view take_token(std::string_view& rest, std::string_view delimiters) {
-    const std::size_t start = std::min(rest.find_first_not_of(delimiters), rest.size());
-    const std::size_t end = std::min(rest.find_first_of(delimiters, start), rest.size());
-    const std::string_view token = rest.substr(start, end - start);
-    rest.remove_prefix(end);
-    return token;
-}
-
-// Leading digits with their sign; 0 when there are none.
-int to_int(std::string_view token) {
-    return int(std::strtoll(std::string(token).c_str(), nullptr, 10));
-}
-
 // True if the line belongs to one of the text keys. Without a value the setting stays.
 bool set_text(std::string_view line) {
     for (const TextKey& key : TEXT_KEYS) {
         const std::size_t found = line.find(key.name);
         if (found == std::string_view::npos) continue;
-        std::string_view rest = line.substr(found);
-        take_token(rest, " \t\"");
+        std::string_view rest = line.substr(found + key.name.size());
         const std::string_view value = take_token(rest, " \t\"");
         if (!value.empty()) options.*key.field = value.substr(0, key.max_length);
         return true;
@@ -159,7 +144,7 @@ void read_block(std::ifstream& file, Table<Pair, 64>& table, i16 Pair::*phase) {
         for (int f = 0; f < 8; ++f) {
             const std::string_view token = take_token(rest, BLANKS);
             if (token.empty()) break;
-            table[make_square(f, rank)].*phase = i16(to_int(token));
+            table[make_square(f, rank)].*phase = i16(to_integer(token));
         }
     }
 }
@@ -168,10 +153,10 @@ void read_setting(std::ifstream& file, std::string_view line, const std::vector<
                   EvalParams& record) {
     const std::string_view name = take_token(line, BLANKS);
     for (const BlockKey& block : BLOCK_KEYS) {
-        if (block.name == name) read_block(file, record.pst[block.type], block.phase);
+        if (block.name == name) return read_block(file, record.pst[block.type], block.phase);
     }
-    const int first = to_int(take_token(line, BLANKS));
-    const int second = to_int(take_token(line, BLANKS));
+    const int first = int(to_integer(take_token(line, BLANKS)));
+    const int second = int(to_integer(take_token(line, BLANKS)));
     for (const Key& key : keys) {
         if (key.name == name) key.set(first, second);
     }

@@ -22,11 +22,6 @@ int promotion_square(int square) {
 }
 
 template <int Color>
-Bitboard squares_ahead(int square) {
-    return passed_span[Color][square] & file_mask(file_of(square));
-}
-
-template <int Color>
 void add_threat(EvalInfo& info, int amount) {
     i16& threat = info.notes.threat[Color];
     threat = i16(threat + amount);
@@ -51,7 +46,7 @@ PasserValue push_value(EvalInfo& info, int square, int rank) {
     if (see(p, Color, square, stop) < 0) return {basic, basic};
     int value = basic + info.tables.ppawnx[rank];
     add_threat<ENEMY>(info, PUSH_THREAT[rank]);
-    if (!(squares_ahead<Color>(square) & (p.bb[ENEMY][0] | info.attacks[ENEMY][0]))) {
+    if (!(squares_ahead(Color, square) & (p.bb[ENEMY][0] | info.attacks[ENEMY][0]))) {
         value += FREE_PASSER[rank];
         add_threat<ENEMY>(info, PUSH_THREAT[rank]);
     }
@@ -77,7 +72,7 @@ template <int Color>
 Score passer_score(EvalInfo& info, int square) {
     const Bitboard own_pawns = info.position.bb[Color][PAWN];
     const int rank = relative_rank(Color, square);
-    if (squares_ahead<Color>(square) & own_pawns) {
+    if (squares_ahead(Color, square) & own_pawns) {
         const int value = info.tables.ppawn[rank] / 3;
         return {value, value};
     }

@@ -60,7 +60,7 @@ struct PawnSets {
     Bitboard beside;  // squares with an own pawn on a neighbouring square of the rank
 };
 
-// Advancing, this pawn may win its race past the guards of its path.
+// Its helpers on the same rank are at least as many as the enemy pawns that guard its path.
 template <int Color>
 bool is_candidate(const PawnSets& sets, int square) {
     const Bitboard helpers = sets.own & (shift_east(bit(square)) | shift_west(bit(square)));

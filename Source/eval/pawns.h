@@ -12,6 +12,11 @@ struct EvalInfo;
 // Squares strictly ahead of a square on its own and the neighbouring files, [colour][square].
 extern const Table<Table<Bitboard, 64>, 2> passed_span;
 
+// The same on its own file alone.
+inline Bitboard squares_ahead(int color, int square) {
+    return passed_span[color][square] & file_mask(file_of(square));
+}
+
 struct PawnEntry {
     u64 key;                  // pawn key of the position
     Table<Bitboard, 2> span;  // squares that the colour's pawns attack now or after advancing

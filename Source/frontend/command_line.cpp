@@ -29,7 +29,7 @@ struct Switch {
     const char* argument_name;
     void (*apply)(const Argument& argument, RunMode& mode);
     const char* help;
-    double above = std::numeric_limits<double>::lowest();  // refuses numbers that are not
+    double above = -std::numeric_limits<double>::infinity();  // refuses numbers that are not
 };
 
 namespace {
@@ -90,7 +90,7 @@ constexpr Switch SWITCHES[] = {
      "place the search threads on the machine's memory nodes"},
     {"-d", Takes::INTEGER, "DEPTH", set_depth, "search to this depth, 66 at most"},
     {"-t", Takes::REAL, "SECONDS", [](const Argument& a, RunMode&) { fix_time(a.real); },
-     "search this long"},
+     "time for each move; front ends and the benchmark set their own"},
     {"-n", Takes::INTEGER, "NODES", set_nodes, "search this many positions"},
     {"-nps", Takes::REAL, "N", set_node_rate,
      "limit the strength to N positions a second in each thread; above 21", MIN_NPS},
@@ -102,11 +102,9 @@ constexpr Switch SWITCHES[] = {
     {"-quiet", Takes::NOTHING, "", be_quiet, "neither log nor progress lines"},
     {"-uci_extra", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_extra = true; },
      "mark progress lines with the search thread"},
-    {"-bench", Takes::NOTHING, "",
-     [](const Argument&, RunMode& mode) { mode = {.bench_variant = 1}; },
+    {"-bench", Takes::NOTHING, "", [](const Argument&, RunMode& mode) { mode.bench_variant = 1; },
      "search ten positions to depth 17 (or -d), print times, and end"},
-    {"-bench2", Takes::NOTHING, "",
-     [](const Argument&, RunMode& mode) { mode = {.bench_variant = 2}; },
+    {"-bench2", Takes::NOTHING, "", [](const Argument&, RunMode& mode) { mode.bench_variant = 2; },
      "the same with twenty positions"},
     {"-pbench", Takes::NOTHING, "",
      [](const Argument&, RunMode& mode) {
@@ -124,8 +122,9 @@ void show_help(const Argument&, RunMode&) {
         const std::string word = std::string(row.word) + " " + row.argument_name;
         text += format("  %-18s %s\n", word.c_str(), row.help);
     }
-    text += "\nOther words are ignored. Without -bench, -bench2 and -pbench, commands are read from "
-            "standard input.";
+    text +=
+        "\nOther words are ignored. Without -bench, -bench2 and -pbench, commands are read from "
+        "standard input.";
     engine_print(text);
 }
 

@@ -25,8 +25,8 @@ struct CommandLine {
     std::optional<int> exit_status;  // the program ends with it before it starts
 };
 
-// Recognises the switches and changes nothing yet. Help, version and wrong arguments are answered here
-// and end the program.
+// Recognises the switches and changes nothing yet. Help, version and wrong arguments are answered
+// here and end the program.
 CommandLine read_command_line(const std::vector<std::string>& words);
 
 // Applies the switches in their order, over what the parameter file has set.

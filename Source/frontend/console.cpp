@@ -1,5 +1,5 @@
-// The commands of console mode: one table from word to handler. A handler gets the first word behind
-// the command.
+// The commands of console mode: one table from word to handler. A handler gets the first word
+// behind the command.
 
 #include "frontend/console.h"
 
@@ -11,6 +11,7 @@
 #include "board/perft.h"
 #include "board/see.h"
 #include "frontend/output.h"
+#include "frontend/search_session.h"
 #include "frontend/words.h"
 #include "platform/clock.h"
 #include "search/control.h"
@@ -23,14 +24,16 @@ namespace quon {
 
 namespace {
 
-void quit_command(std::string_view) {
-    control.stop_flag = ABORT;
-    control.quit_requested = true;
-}
+void quit_command(std::string_view) { control.quit_requested = true; }
 
 // Counts on a search thread's copy, so that the game's piece lists keep their order.
 void perft_command(std::string_view argument) {
     const int depth = int(std::clamp<i64>(to_integer(argument), 0, 20));
+    if (const char* problem = position_problem(game.position)) {
+        engine_print(std::string("illegal position: ") + problem);
+        return;
+    }
+    finish_search();
     time_setup();
     ThreadData& thread = thread_data(0);
     thread_prepare(thread);

@@ -24,24 +24,24 @@ constexpr std::size_t MAX_SYZYGY_PATH = 129;
 struct EngineOptions {
     Relaxed<bool> uci_mode = true;  // false: console mode
     Relaxed<bool> log_enabled = true;
-    i16 hash_mb = 64;              // 0..MAX_HASH_MB
-    u8 hash_mode = 1;              // 0 not used, 1 used, 2 used and kept by console commands
-    u8 threads = 1;                // 1..MAX_THREADS
-    bool numa = false;             // place search threads on NUMA nodes
+    i16 hash_mb = 64;                 // 0..MAX_HASH_MB
+    u8 hash_mode = 1;                 // 0 not used, 1 used, 2 used and kept by console commands
+    u8 threads = 1;                   // 1..MAX_THREADS
+    bool numa = false;                // place search threads on NUMA nodes
     Relaxed<bool> uci_extra = false;  // thread tag in info lines
     i16 ponder_option = 1;
     i16 multipv = 1;  // 1..MAX_MULTIPV
     bool own_book = false;
     std::string book_file = "quon.opn";
-    u8 book_depth = 24;      // plies
+    u8 book_depth = 24;  // plies
     i16 book_variety = 30;
-    std::string syzygy_path;  // at most MAX_SYZYGY_PATH characters
-    i16 syzygy_probe_depth5 = 1;  // plies, 1..100
+    std::string syzygy_path;      // at most MAX_SYZYGY_PATH characters
+    i16 syzygy_probe_depth5 = 1;  // plies; the option allows 1..100, the parameter file any value
     i16 syzygy_probe_depth6 = 2;
-    Relaxed<double> output_delay = 0.0;           // seconds of search before progress lines
-    Relaxed<double> target_nps = NO_NPS_LIMIT;    // node-rate cap per search thread
-    double calibration_nps = 0.0;                 // measured at start-up
-    double elo_max = 0.0;                         // Elo of the unthrottled engine, from the calibration
+    Relaxed<double> output_delay = 0.0;         // seconds of search before progress lines
+    Relaxed<double> target_nps = NO_NPS_LIMIT;  // node-rate cap per search thread
+    double calibration_nps = 0.0;               // measured at start-up
+    double elo_max = 0.0;  // Elo of the unthrottled engine, from the calibration
     std::string tune_file;
     std::string match_file;
     u32 timer_resolution = 0;  // ms; 0 where the system has no such setting
@@ -51,7 +51,7 @@ struct SearchLimits {
     u8 time_mode = 1;         // 0 clock, 1 fixed time per move, N >= 2: N moves per period
     double fixed_time = 5.0;  // seconds per move when time_mode is 1
     Table<double, 2> clock = {{5.0, 5.0}};  // seconds left for White, Black
-    double increment = 0.0;   // seconds, of the side to move
+    double increment = 0.0;                 // seconds, of the side to move
     i16 moves_to_go = 0;
     u8 depth_limit = NO_DEPTH_LIMIT;
     i64 max_nodes = 0;            // 0: none

@@ -5,8 +5,8 @@
 
 namespace quon {
 
-// Aborts a running search, sets `limits` from the keywords in the text, and asks the main loop for a
-// search. What no keyword mentions stays as it was.
+// Aborts a running search, sets `limits` from the keywords in the text, and asks the main loop for
+// a search. What no keyword mentions stays as it was.
 void go_command(std::string_view rest);
 
 }  // namespace quon

@@ -15,7 +15,8 @@ namespace quon {
 
 namespace {
 
-constexpr std::size_t MAX_LINE = 4095;
+constexpr std::size_t USUAL_LINE = 4095;  // longer ones are worth a remark: some games need them
+constexpr std::size_t MAX_LINE = 65535;
 constexpr char SEPARATOR = '@';
 // No more is read ahead while commands wait: their sender is held up instead.
 constexpr std::size_t READ_AHEAD = 65536;
@@ -26,9 +27,10 @@ std::string pending_input;      // whole lines, a SEPARATOR behind each
 bool ended = false;
 
 void end_line() {
-    if (partial_line_cut) {
-        engine_print(format("%sline cut at %d characters", options.uci_mode ? "info string " : "",
-                            int(MAX_LINE)));
+    if (partial_line.size() > USUAL_LINE) {
+        engine_print(format("%s%s %d characters", options.uci_mode ? "info string " : "",
+                            partial_line_cut ? "line cut at" : "long line of",
+                            int(partial_line.size())));
     }
     if (!partial_line.empty()) pending_input += partial_line + SEPARATOR;
     partial_line.clear();

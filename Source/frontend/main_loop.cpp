@@ -18,13 +18,11 @@ namespace quon {
 namespace {
 
 constexpr int CHECK_MS = 5;  // between time checks
-// A search's first move is waited for before commands go on, so that a "stop" sent right behind "go"
-// is answered with a move; but not longer than this.
+// A search's first move is waited for before commands go on, so that a "stop" sent right behind
+// "go" is answered with a move; but not longer than this.
 constexpr double FIRST_MOVE_SECONDS = 0.5;
 
-bool first_move_awaited() {
-    return run.shared_depth < 1 && run.elapsed < FIRST_MOVE_SECONDS;
-}
+bool first_move_awaited() { return run.shared_depth < 1 && run.elapsed < FIRST_MOVE_SECONDS; }
 
 void wait_for_work(bool searching) {
     if (searching && first_move_awaited()) {

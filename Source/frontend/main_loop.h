@@ -3,8 +3,8 @@
 
 namespace quon {
 
-// Handles commands, starts and watches searches and reports them, until "quit", the end of the input,
-// or the loss of the output.
+// Handles commands, starts and watches searches and reports them, until "quit", the end of the
+// input, or the loss of the output.
 void main_loop();
 
 }  // namespace quon

@@ -17,8 +17,8 @@ void log_line(std::string_view text);
 // printf into a string.
 [[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
 
-// Starts "quon.log" in the working directory afresh and keeps it open; prints "log file in use." and
-// goes on without one when an old file cannot be deleted.
+// Starts "quon.log" in the working directory afresh and keeps it open; prints "log file in use."
+// and goes on without one when an old file cannot be deleted.
 void open_log_file();
 void close_log_file();
 

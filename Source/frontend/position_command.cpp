@@ -25,9 +25,9 @@ bool set_position(std::string_view text) {
         position_from_fen(game.position, START_FEN);
         return true;
     }
-    if (text.find(FEN) == std::string_view::npos) return false;
-    // The text begins with "fen" and a blank.
-    position_from_fen(game.position, text_from(text, FEN.size() + 1));
+    const std::size_t fen = text.find(FEN);
+    if (fen == std::string_view::npos) return false;
+    position_from_fen(game.position, without_leading_blanks(text_from(text, fen + FEN.size())));
     return true;
 }
 

@@ -31,7 +31,7 @@ void uci_command(std::string_view) {
 void isready_command(std::string_view) { engine_print("readyok"); }
 
 void ucinewgame_command(std::string_view) {
-    stop_search(ABORT);
+    finish_search();
     limits.fixed_time = 60;
     limits.time_mode = 0;
     limits.clock = {{60, 60}};
@@ -50,10 +50,8 @@ void stop_command(std::string_view) {
     control.search_mode = GO_PLAY;
 }
 
-void quit_command(std::string_view) {
-    control.stop_flag = ABORT;
-    control.quit_requested = true;
-}
+// A running search ends with its threads.
+void quit_command(std::string_view) { control.quit_requested = true; }
 
 struct UciCommand {
     std::string_view word;

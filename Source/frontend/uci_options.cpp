@@ -62,8 +62,8 @@ void set_contempt(std::string_view value) {
 
 void set_limit_strength(std::string_view value) {
     params.limit_strength = is_true(value);
-    engine_print(format("info string UCI_LimitStrength set to %s",
-                        check_text(params.limit_strength != 0)));
+    engine_print(
+        format("info string UCI_LimitStrength set to %s", check_text(params.limit_strength != 0)));
 }
 
 void set_uci_elo(std::string_view value) {
@@ -127,9 +127,7 @@ constexpr UciOption OPTIONS[] = {
     {"Contempt", [] { return spin(params.contempt, -150, 150); }, set_contempt},
     {"UCI_LimitStrength", [] { return check(params.limit_strength != 0); }, set_limit_strength},
     {"UCI_Elo",
-     [] {
-         return format("spin default %.0f min 1500 max %.0f", options.elo_max, options.elo_max);
-     },
+     [] { return format("spin default %.0f min 1500 max %.0f", options.elo_max, options.elo_max); },
      set_uci_elo},
     {"MultiPV", [] { return spin(options.multipv, 1, MAX_MULTIPV); }, set_multipv},
     {"Clear Hash", [] { return std::string("button"); }, clear_hash},

@@ -11,7 +11,8 @@ void print_uci_options();
 // Sets an option and prints its reply; a name that is not known gets none.
 void setoption_command(std::string_view rest);
 
-// The name and the first word of the value; both empty when there is no name. A button has no value.
+// The name and the first word of the value; both empty when there is no name. A button has no
+// value.
 struct OptionText {
     std::string_view name;
     std::string_view value;

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <limits>
+#include <string>
 
 namespace quon {
 
@@ -30,6 +32,14 @@ std::string_view without_trailing_blanks(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
+std::string_view take_token(std::string_view& rest, std::string_view delimiters) {
+    const std::size_t start = std::min(rest.find_first_not_of(delimiters), rest.size());
+    const std::size_t end = std::min(rest.find_first_of(delimiters, start), rest.size());
+    const std::string_view token = rest.substr(start, end - start);
+    rest.remove_prefix(end);
+    return token;
+}
+
 std::string_view first_word(std::string_view text) {
     const std::string_view start = without_leading_blanks(text);
     const std::size_t end = std::min(start.find_first_of(" \r\n"), start.size());
@@ -52,7 +62,10 @@ double to_real(std::string_view text) {
     if (digits.empty() || !(is_digit(digits[0]) || digits[0] == '.')) return 0;
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (result.ec == std::errc::result_out_of_range) value = std::numeric_limits<double>::max();
+    if (result.ec == std::errc::result_out_of_range) {
+        value = std::min(std::strtod(std::string(digits).c_str(), nullptr),
+                         std::numeric_limits<double>::max());
+    }
     return sign ? -value : value;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
-// Words and numbers of command lines. A blank is the space alone.
+// Words and numbers of text lines. A blank is the space alone. Depends on nothing, so that every
+// reader of text can use it.
 
 #include <string_view>
 
@@ -15,6 +16,9 @@ std::string_view first_word(std::string_view text);
 // becomes the nearest one inside.
 i64 to_integer(std::string_view text);
 double to_real(std::string_view text);
+
+// Takes the next run of characters that are no delimiters off the front; empty at the end.
+std::string_view take_token(std::string_view& rest, std::string_view delimiters);
 
 std::string_view without_leading_blanks(std::string_view text);
 std::string_view without_trailing_blanks(std::string_view text);

@@ -14,8 +14,8 @@ enum class InputState { OPEN, ENDED };
 // and everything it held has been handed out. A console hands out whole lines.
 InputState read_input(std::string& bytes);
 
-// Sleeps until input is waiting, wake_main_thread is called, or timeout_ms have passed (negative: no
-// limit). With watch_input false input does not end the sleep.
+// Sleeps until input is waiting, wake_main_thread is called, or timeout_ms have passed (negative:
+// no limit). With watch_input false input does not end the sleep.
 void wait_for_event(int timeout_ms, bool watch_input);
 // Ends the current or the next wait_for_event; any thread.
 void wake_main_thread();

@@ -7,7 +7,8 @@
 
 namespace quon {
 
-// A mapping that lives until unmap_file; empty when the file cannot be opened or mapped, or is empty.
+// A mapping that lives until unmap_file; empty when the file cannot be opened or mapped, or is
+// empty.
 using MappedFile = std::span<const std::byte>;
 
 MappedFile map_file(const std::string& path);

@@ -5,8 +5,8 @@
 
 namespace quon {
 
-// A zero-filled block, on large pages where the system offers them (a random access into a big table
-// then misses one cache less); nullptr when memory is short.
+// A zero-filled block, on large pages where the system offers them (a random access into a big
+// table then misses one cache less); nullptr when memory is short.
 void* allocate_pages(std::size_t bytes);
 void release_pages(void* block, std::size_t bytes);
 

@@ -1,6 +1,7 @@
 #pragma once
 // A value that one thread writes and others may read at any time. Reads and writes never tear but
-// carry no ordering: use it for counters, flags and published numbers, never to hand over other data.
+// carry no ordering: use it for counters, flags and published numbers, never to hand over other
+// data.
 
 #include <atomic>
 

@@ -17,7 +17,7 @@ enum StopFlag : u8 {
 };
 
 struct SearchControl {
-    u8 go_request = NO_SEARCH;          // the search that the main loop starts next
+    u8 go_request = NO_SEARCH;                // the search that the main loop starts next
     Relaxed<u8> search_mode = u8{NO_SEARCH};  // the request that started the running search
     Relaxed<u8> stop_flag = u8{RUN};
     bool quit_requested = false;

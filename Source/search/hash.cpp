@@ -27,7 +27,8 @@ constexpr int IMPLAUSIBLE_DEPTH = -97;
 constexpr u64 FILL_SAMPLE = 1000;
 
 // An entry's fields outside the table, and their place in the two words:
-//   identity: lock 0-31, check 32-63;  content: move 0-15, score 16-31, age 32-47, bound 48-55, depth 56-63.
+//   identity: lock 0-31, check 32-63;  content: move 0-15, score 16-31, age 32-47, bound 48-55,
+//   depth 56-63.
 struct Content {
     Move move;
     i16 score;
@@ -35,7 +36,7 @@ struct Content {
     u8 bound;
     i8 depth;
 
-    [[nodiscard]] u64 pack() const {
+    [[nodiscard]] constexpr u64 pack() const {
         return u64{move} | u64{u16(score)} << 16 | u64{u16(age)} << 32 | u64{bound} << 48 |
                u64{u8(depth)} << 56;
     }
@@ -43,12 +44,17 @@ struct Content {
         return {Move(word), i16(word >> 16), i16(word >> 32), u8(word >> 48), i8(word >> 56)};
     }
     // Low key half as the check word hides it.
-    [[nodiscard]] u32 check(u32 low_key) const { return low_key ^ u32(score + 15000) ^ u32{move} << 16; }
+    [[nodiscard]] u32 check(u32 low_key) const {
+        return low_key ^ u32(score + 15000) ^ u32 { move } << 16;
+    }
 };
 
+constexpr Content EMPTY = {NO_MOVE, 0, 0, 0, EMPTY_DEPTH};
+
+// Starts its life empty.
 struct Slot {
-    std::atomic<u64> identity;
-    std::atomic<u64> content;
+    std::atomic<u64> identity{0};
+    std::atomic<u64> content{EMPTY.pack()};
 
     [[nodiscard]] u64 load_identity() const { return identity.load(std::memory_order_relaxed); }
     [[nodiscard]] Content load() const {
@@ -73,11 +79,6 @@ struct MainHash {
 MainHash main_hash;
 
 bool usable() { return options.hash_mode != 0 && main_hash.entries > 0; }
-
-void empty_slots(Slot* slots, u64 count) {
-    const Content empty{NO_MOVE, 0, 0, 0, EMPTY_DEPTH};
-    for (u64 i = 0; i < count; ++i) slots[i].store(0, 0, empty);
-}
 
 Slot* bucket_of(u64 key, int side) {
     const u64 slot = u32(key) & main_hash.mask;
@@ -105,10 +106,6 @@ Slot* weakest(Slot* bucket) {
     return victim;
 }
 
-}  // namespace
-
-namespace {
-
 std::size_t block_bytes(u64 entries) { return (entries + SPARE_ENTRIES) * sizeof(Slot); }
 
 }  // namespace
@@ -122,7 +119,6 @@ bool hash_alloc() {
     main_hash.slots = new (block) Slot[entries + SPARE_ENTRIES];
     main_hash.entries = entries;
     main_hash.mask = std::bit_floor(entries) - (entries ? 1 : 0);
-    hash_clear();
     return true;
 }
 
@@ -132,7 +128,8 @@ void hash_free() {
 }
 
 void hash_clear() {
-    if (main_hash.slots) empty_slots(main_hash.slots, main_hash.entries + SPARE_ENTRIES);
+    const u64 count = main_hash.slots ? main_hash.entries + SPARE_ENTRIES : 0;
+    for (u64 i = 0; i < count; ++i) main_hash.slots[i].store(0, 0, EMPTY);
     main_hash.age = 0;
     main_hash.fill = 0;
 }
@@ -166,7 +163,8 @@ HashEntry hash_probe(const Position& p) {
     return out;
 }
 
-void hash_store(const Position& p, int ply, int depth, int score, int alpha, int beta, Move best_move) {
+void hash_store(const Position& p, int ply, int depth, int score, int alpha, int beta,
+                Move best_move) {
     if (!main_hash.used) return;
     const u8 bound = score >= beta ? LOWER_BOUND : score > alpha ? EXACT_BOUND : UPPER_BOUND;
     const u64 key = full_key(p);

@@ -30,14 +30,15 @@ struct HashEntry {
 void hash_free();
 // Empties the table and restarts its generations. No search may be running.
 void hash_clear();
-// At every search start: the generation that stores and hits are marked with from now on. A table of
-// size 0, or hash mode 0, is not used during the search.
+// At every search start: the generation that stores and hits are marked with from now on. A table
+// of size 0, or hash mode 0, is not used during the search.
 void hash_start_search(int age);
 
 // Scores in the table count mates from the node: see score_from_table.
 HashEntry hash_probe(const Position& p);
 // `score` and the bounds as the search knows them; `ply` is the node's, 1 at the root.
-void hash_store(const Position& p, int ply, int depth, int score, int alpha, int beta, Move best_move);
+void hash_store(const Position& p, int ply, int depth, int score, int alpha, int beta,
+                Move best_move);
 void hash_prefetch(const Position& p);
 
 // Takes a fresh sample of the current generation's share, 0..1; hash_fill is the last sample.

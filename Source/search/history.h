@@ -20,8 +20,8 @@ void update_killers(ThreadData& t, int ply, Move move, bool in_check);
 // The reply to the opponent's last move in a table of replies; NO_MOVE when there was no last move.
 Move reply_to_last(const ThreadData& t, const Table<Table<Move, 64>, 16>& replies);
 
-// The side's own previous move, two plies back; a record with NO_MOVE at the first two plies and two
-// plies below a null move.
+// The side's own previous move, two plies back; a record with NO_MOVE at the first two plies and
+// two plies below a null move.
 const MoveEntry& own_previous(const ThreadData& t, int ply);
 
 extern const MoveEntry NULL_ENTRY;

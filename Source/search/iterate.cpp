@@ -1,4 +1,5 @@
-// Preparing a thread for a search, and iterative deepening: the main search thread's and the workers'.
+// Preparing a thread for a search, and iterative deepening: the main search thread's and the
+// workers'.
 
 #include <cmath>
 
@@ -40,8 +41,9 @@ void thread_prepare(ThreadData& t) {
     t.sel_depth = u8{0};
     t.best_depth = 0;
     t.ext_acc = 0;
-    for (Relaxed<u64>* counter : {&t.nodes, &t.tb_hits, &t.hash_probes, &t.hash_hits, &t.eval.evaluations,
-                                  &t.eval.eval_hits, &t.eval.pawn_probes, &t.eval.pawn_hits}) {
+    for (Relaxed<u64>* counter :
+         {&t.nodes, &t.tb_hits, &t.hash_probes, &t.hash_hits, &t.eval.evaluations,
+          &t.eval.eval_hits, &t.eval.pawn_probes, &t.eval.pawn_hits}) {
         *counter = u64{0};
     }
 }
@@ -52,7 +54,7 @@ MoveEntry* list_legal_moves(ThreadData& t) {
     MoveEntry* start = t.plies[1].list_start;
     MoveEntry* kept = start;
     const KingGuard guard = king_guard(t.position);
-    for (MoveEntry* entry = start, *end = gen_all(t.position, start); entry != end; ++entry) {
+    for (MoveEntry *entry = start, *end = gen_all(t.position, start); entry != end; ++entry) {
         if (is_legal(t.position, entry->move, guard)) *kept++ = *entry;
     }
     finish_list(t, 1, kept);

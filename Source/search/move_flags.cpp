@@ -79,7 +79,8 @@ bool is_threat(const Position& p, const MoveEntry& entry) {
             return (pawn_attacks[us][to] & (enemy[KNIGHT] | enemy[BISHOP] | majors | zone)) != 0;
         case KNIGHT: return (knight_attacks[to] & (majors | zone)) != 0;
         case BISHOP:
-            return diagonal.attacks_piece(from, to, majors) || diagonal.attacks_zone(from, to, zone);
+            return diagonal.attacks_piece(from, to, majors) ||
+                   diagonal.attacks_zone(from, to, zone);
         case ROOK:
             return straight.attacks_piece(from, to, enemy[QUEEN]) ||
                    straight.attacks_zone(from, to, zone);

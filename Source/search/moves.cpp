@@ -18,9 +18,9 @@ namespace quon {
 
 namespace {
 
-constexpr int GOOD_ORDER = 40;          // killers and their like
+constexpr int GOOD_ORDER = 40;  // killers and their like
 constexpr int IMPROVING_MARGIN = 150;
-constexpr int MAX_TABLE_DEPTH = 36;     // of the reduction tables
+constexpr int MAX_TABLE_DEPTH = 36;  // of the reduction tables
 constexpr int MAX_TABLE_MOVES = 31;
 
 // What stays the same for all moves of the node.
@@ -66,8 +66,8 @@ MoveLoop start_loop(ThreadData& t, int ply, int depth, int alpha, int beta, bool
     const bool lmr_ok =
         depth >= search_params.LMR_depth && !in_check && ply + depth > t.iteration / 2;
     const int lmp_limit = std::max(search_params.LMP_count * depth, 4);
-    return {t,      record, ply,       depth,     beta, in_check, node_type,
-            lmp_ok, lmr_ok, lmp_limit, t.ext_acc, alpha};
+    return {t,         record, ply,    depth,     beta,      in_check,
+            node_type, lmp_ok, lmr_ok, lmp_limit, t.ext_acc, alpha};
 }
 
 // Late in a quiet node near the horizon only threats and well-ordered moves are worth a search.
@@ -82,7 +82,8 @@ bool late_move_pruned(const MoveLoop& loop, Candidate& move) {
 int extension_share(const MoveLoop& loop, Candidate& move) {
     if (loop.record.singular && move.entry.move == loop.record.hash_move) return 16;
     if (move.flags & DISCOVERED_CHECK) return 16;
-    if ((move.flags & (CHECK | PAWN_TO_SEVENTH)) && !move.loses()) return loop.zero_window() ? 8 : 16;
+    if ((move.flags & (CHECK | PAWN_TO_SEVENTH)) && !move.loses())
+        return loop.zero_window() ? 8 : 16;
     if (move.flags & CAPTURE) return loop.ply < 7 && !loop.zero_window() ? 8 : 4;
     return 0;
 }
@@ -106,8 +107,8 @@ int quiet_reduction(const MoveLoop& loop, Candidate& move) {
     const int moves = std::min(loop.record.move_count, MAX_TABLE_MOVES);
     const ReductionTable& table = loop.zero_window() ? zero_window_reductions : pv_reductions;
     int reduction = table[depth][moves];
-    const bool improving = loop.record.static_eval >=
-                           loop.t.plies[loop.ply - 2].static_eval - IMPROVING_MARGIN;
+    const bool improving =
+        loop.record.static_eval >= loop.t.plies[loop.ply - 2].static_eval - IMPROVING_MARGIN;
     const bool losing = move.loses();
     if (!losing && move.entry.order >= GOOD_ORDER) {
         reduction = 0;
@@ -124,7 +125,8 @@ int late_move_reduction(const MoveLoop& loop, Candidate& move, int extended) {
     return move.flags ? flagged_reduction(loop, move) : quiet_reduction(loop, move);
 }
 
-// Later moves must first beat alpha with a zero window, reduced; only then are they searched in full.
+// Later moves must first beat alpha with a zero window, reduced; only then are they searched in
+// full.
 int search_move(const MoveLoop& loop, int extended, int reduction) {
     ThreadData& t = loop.t;
     const int depth = loop.depth + extended;

@@ -21,10 +21,10 @@ namespace quon {
 
 namespace {
 
-constexpr int LAST_PLY = 65;          // deeper nodes return their evaluation
-constexpr int TWOFOLD_PLY = 4;        // from here on one earlier occurrence is a draw
-constexpr int PV_TABLE_PLY = 11;      // open-window nodes up to here take no table cut-offs
-constexpr int MINOR_PIECE_NPM = 3;    // one minor piece's material
+constexpr int LAST_PLY = 65;        // deeper nodes return their evaluation
+constexpr int TWOFOLD_PLY = 4;      // from here on one earlier occurrence is a draw
+constexpr int PV_TABLE_PLY = 11;    // open-window nodes up to here take no table cut-offs
+constexpr int MINOR_PIECE_NPM = 3;  // one minor piece's material
 constexpr int PROBCUT_MARGIN = 125;
 constexpr int PROBCUT_EXCHANGE = 99;  // a capture must win more than this
 constexpr int SAFE_MARGIN = 99;
@@ -49,7 +49,9 @@ struct Node {
     [[nodiscard]] int own_npm() const { return position().npm[position().side]; }
     [[nodiscard]] int enemy_npm() const { return position().npm[position().side ^ 1]; }
     // Depth behind the table's move, 0 without one.
-    [[nodiscard]] int tt_move_depth() const { return tt.hit() && tt.move != NO_MOVE ? tt.depth : 0; }
+    [[nodiscard]] int tt_move_depth() const {
+        return tt.hit() && tt.move != NO_MOVE ? tt.depth : 0;
+    }
 };
 
 void start_record(Node& node) {
@@ -152,8 +154,8 @@ bool probcut_test(ThreadData& t, int ply, int depth, int threshold) {
 }
 
 bool probcut(const Node& node) {
-    return node.depth > 4 && node.eval > node.beta + 24 && !node.tt_fail_low && node.zero_window() &&
-           node.own_npm() > MINOR_PIECE_NPM &&
+    return node.depth > 4 && node.eval > node.beta + 24 && !node.tt_fail_low &&
+           node.zero_window() && node.own_npm() > MINOR_PIECE_NPM &&
            probcut_test(node.t, node.ply, node.depth - 3, node.beta + PROBCUT_MARGIN);
 }
 
@@ -180,8 +182,8 @@ bool null_move(const Node& node, int& score) {
     unmake_null_move(t.position);
     if (reply < node.beta) return false;
     score = node.depth <= 5 ? node.beta
-                            : search_moves(t, node.ply, node.depth - 5, node.alpha, node.beta, false,
-                                           node.node_type);
+                            : search_moves(t, node.ply, node.depth - 5, node.alpha, node.beta,
+                                           false, node.node_type);
     return true;
 }
 
@@ -232,8 +234,8 @@ void mark_singular(const Node& node, int expected) {
     const Move move = node.record.hash_move;
     if (node.depth <= 7 || move == NO_MOVE || !search_params.SingularExtension) return;
     if (expected < node.beta || node.tt_move_depth() <= 0) return;
-    node.record.singular = singular_test(node.t, node.ply, node.depth - 7, node.beta - SINGULAR_MARGIN,
-                                         node.in_check, move);
+    node.record.singular = singular_test(node.t, node.ply, node.depth - 7,
+                                         node.beta - SINGULAR_MARGIN, node.in_check, move);
 }
 
 // Takes part in every node: counts it, holds it back under a node-rate cap, and ends the search at

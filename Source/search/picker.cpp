@@ -130,9 +130,9 @@ bool select_best(MoveEntry* from) {
 
 void list_captures(ThreadData& t, int ply) {
     const Position& p = t.position;
-    finish_scored_list(t, ply, gen_captures(p, t.plies[ply].list_start), [&](const MoveEntry& entry) {
-        return good_or_losing_capture_order(p, entry);
-    });
+    finish_scored_list(
+        t, ply, gen_captures(p, t.plies[ply].list_start),
+        [&](const MoveEntry& entry) { return good_or_losing_capture_order(p, entry); });
 }
 
 void list_quiescence_captures(ThreadData& t, int ply) {
@@ -149,7 +149,8 @@ const MoveEntry* next_move(ThreadData& t, int ply, bool in_check) {
             record.rest = record.list_start;
             if (record.hash_move != NO_MOVE && is_pseudo_legal(t.position, record.hash_move)) {
                 const Table<u8, 65>& board = t.position.board;
-                *record.rest = {record.hash_move, HASH_MOVE_ORDER, board[move_from(record.hash_move)],
+                *record.rest = {record.hash_move, HASH_MOVE_ORDER,
+                                board[move_from(record.hash_move)],
                                 board[move_to(record.hash_move)]};
                 finish_list(t, ply, record.rest + 1);
                 return record.next_pick = record.rest;

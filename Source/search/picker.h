@@ -28,8 +28,8 @@ bool loses_material(const Position& p, const MoveEntry& entry);
 // Most valuable victim, least valuable attacker: 194 .. 249.
 int capture_order(const MoveEntry& entry);
 
-// Next move of the node at the thread's current ply, nullptr when there is none left. The caller has
-// set the ply's `stage` to 0 before the first call. The record is valid until the next call.
+// Next move of the node at the thread's current ply, nullptr when there is none left. The caller
+// has set the ply's `stage` to 0 before the first call. The record is valid until the next call.
 const MoveEntry* next_move(ThreadData& t, int ply, bool in_check);
 
 // Scores a complete list of root moves.

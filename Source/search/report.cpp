@@ -60,25 +60,24 @@ std::string console_line_text(const Line& line) {
     return text;
 }
 
-double nodes_per_second() {
-    return run.elapsed > 0.001 ? double(totals.nodes) / run.elapsed : 0.0;
-}
+double nodes_per_second() { return run.elapsed > 0.001 ? double(totals.nodes) / run.elapsed : 0.0; }
 
 std::string uci_info(int thread_index, int pv_index, int depth, int score, const Line& line) {
     const std::string multipv = run.multipv > 1 ? format("multipv %d ", pv_index + 1) : "";
     const char kind = pv_index >= 0 ? '.' : ' ';
     const std::string tag = options.uci_extra ? format("[%02d%c] ", thread_index, kind) : "";
-    return format("info %s%sdepth %d seldepth %d score %s time %.0f nodes %.0f nps %.0f tbhits %.0f "
-                  "hashfull %.0f pv %s",
-                  multipv.c_str(), tag.c_str(), depth, thread_data(0).sel_depth - 1,
-                  score_text(shown_score(score)).c_str(), run.elapsed * 1000, double(totals.nodes),
-                  nodes_per_second(), double(totals.tb_hits), hash_fill() * 1000,
-                  uci_line_text(line).c_str());
+    return format(
+        "info %s%sdepth %d seldepth %d score %s time %.0f nodes %.0f nps %.0f tbhits %.0f "
+        "hashfull %.0f pv %s",
+        multipv.c_str(), tag.c_str(), depth, thread_data(0).sel_depth - 1,
+        score_text(shown_score(score)).c_str(), run.elapsed * 1000, double(totals.nodes),
+        nodes_per_second(), double(totals.tb_hits), hash_fill() * 1000,
+        uci_line_text(line).c_str());
 }
 
 std::string console_info(int thread_index, int pv_index, int depth, int score, const Line& line) {
-    return format("%02d] %02d%c %5.1f %7.0fK %5d  %s", thread_index, depth, pv_index >= 0 ? '.' : ' ',
-                  run.elapsed.get(), double(totals.nodes) / 1000, score,
+    return format("%02d] %02d%c %5.1f %7.0fK %5d  %s", thread_index, depth,
+                  pv_index >= 0 ? '.' : ' ', run.elapsed.get(), double(totals.nodes) / 1000, score,
                   console_line_text(line).c_str());
 }
 
@@ -155,12 +154,14 @@ void print_console_statistics() {
     engine_print(format("move= %s, time= %0.3f, score= %d, nodes= %0.0f, nps= %0.0fK ebf= %0.2f",
                         move_to_text(run.shared_line[1]).c_str(), run.elapsed.get(),
                         int(run.shared_score), double(totals.nodes),
-                        double(totals.nodes) / (run.elapsed + 0.001) / 1000, effective_branching()));
-    engine_print(format("Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, "
-                        "TB=%0.0fK",
-                        hash_fill() * 100, percent(totals.hash_hits, totals.hash_probes),
-                        percent(totals.pawn_hits, totals.pawn_probes),
-                        percent(totals.eval_hits, totals.eval_probes), double(totals.tb_hits) / 1000));
+                        double(totals.nodes) / (run.elapsed + 0.001) / 1000,
+                        effective_branching()));
+    engine_print(
+        format("Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, "
+               "TB=%0.0fK",
+               hash_fill() * 100, percent(totals.hash_hits, totals.hash_probes),
+               percent(totals.pawn_hits, totals.pawn_probes),
+               percent(totals.eval_hits, totals.eval_probes), double(totals.tb_hits) / 1000));
     engine_print("");
 }
 

@@ -5,8 +5,8 @@
 
 namespace quon {
 
-// Puts the thread's best line on the result board if it is better than what stands there, and has it
-// printed when progress lines are due.
+// Puts the thread's best line on the result board if it is better than what stands there, and has
+// it printed when progress lines are due.
 void publish_result(ThreadData& t);
 
 }  // namespace quon

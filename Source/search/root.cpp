@@ -29,9 +29,9 @@ struct RootSearch {
     int depth;
     int pv_index;
     bool checked;
-    bool verbose;   // bounds are reported while they are resolved
-    int previous;   // score of the last iteration
-    int width;      // half of the aspiration window
+    bool verbose;  // bounds are reported while they are resolved
+    int previous;  // score of the last iteration
+    int width;     // half of the aspiration window
     int alpha0;
     int beta0;
     int alpha = NO_SCORE;
@@ -43,7 +43,7 @@ struct RootMove {
     int flags;
     int extended;
     int reduction;
-    int score = NO_SCORE;     // of the last search that ended before the stop
+    int score = NO_SCORE;  // of the last search that ended before the stop
     bool interrupted = false;
 };
 
@@ -89,7 +89,8 @@ int root_reduction(const RootSearch& s, const RootMove& move) {
 }
 
 // A score from below the root; a search cut short by the stop leaves the last one standing.
-int search_root_move(RootSearch& s, RootMove& move, int child_depth, int alpha, int beta, int node_type) {
+int search_root_move(RootSearch& s, RootMove& move, int child_depth, int alpha, int beta,
+                     int node_type) {
     const int score = -search_node(s.t, 2, child_depth, -beta, -alpha, node_type);
     move.interrupted = stopped();
     if (!move.interrupted) move.score = score;
@@ -221,8 +222,8 @@ void root_search(ThreadData& t, int depth, int pv_index) {
         search_one_root_move(s, move);
         ++move_count;
         if (stopped()) {
-            const bool better = is_main(t) && move_count > 1 &&
-                                move.score > run.shared_score + INTERRUPTED_MARGIN;
+            const bool better =
+                is_main(t) && move_count > 1 && move.score > run.shared_score + INTERRUPTED_MARGIN;
             if (better) take_new_best(s, move);
             return;
         }

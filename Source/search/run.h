@@ -16,8 +16,8 @@ using Line = Table<Relaxed<Move>, MAX_PLY>;
 
 struct SearchRun {
     // Set by time_setup before the threads start, constant during a search.
-    double start_time = 0;   // seconds on the monotonic clock
-    double target_time = 0;  // seconds allotted to this move
+    double start_time = 0;     // seconds on the monotonic clock
+    double target_time = 1e7;  // seconds allotted to this move; no limit before the first search
     int root_side = WHITE;
     int multipv = 1;
     int depth_limit = 66;
@@ -36,7 +36,7 @@ struct SearchRun {
     Relaxed<i8> change_depth = i8{0};  // iteration at which the best move last changed
 
     Table<std::atomic<u64>, MAX_PLY> nodes_by_depth{};
-    Relaxed<u8> easy_state = u8{0};  // 1 single root move, 2 clearly best move
+    Relaxed<u8> easy_state = u8{0};       // 1 single root move, 2 clearly best move
     Relaxed<i8> current_depth = i8{0};    // the main search thread's iteration
     Relaxed<i8> main_done_depth = i8{0};  // last iteration that it completed
     int second_score = 0;  // second-best root score of the iteration; the main search thread's own

@@ -9,7 +9,8 @@ namespace quon {
 // thread while the search thread is idle.
 void thread_prepare(ThreadData& t);
 
-// The main search thread's whole search: iterative deepening until the limit, a mate, or the stop flag.
+// The main search thread's whole search: iterative deepening until the limit, a mate, or the stop
+// flag.
 void iterate(ThreadData& t);
 // A worker's search: the same iterations without publishing.
 void iterate_worker(ThreadData& t);
@@ -21,7 +22,8 @@ void root_search(ThreadData& t, int depth, int pv_index);
 // window, anything else a zero window. Returns 0 at once when the stop flag is set.
 int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);
 // The node's move loop; fail-soft.
-int search_moves(ThreadData& t, int ply, int depth, int alpha, int beta, bool in_check, int node_type);
+int search_moves(ThreadData& t, int ply, int depth, int alpha, int beta, bool in_check,
+                 int node_type);
 // Captures, and on its first level quiet checks and pawns to the seventh rank.
 int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);
 

@@ -29,7 +29,8 @@ void build_reductions() {
             const int pv = int(std::round(base * strength));
             const int zero_window = int(std::round((base + 1.2) * strength));
             pv_reductions[depth][moves] = u8(std::min(pv, MAX_PV_REDUCTION));
-            zero_window_reductions[depth][moves] = u8(std::min(zero_window, MAX_ZERO_WINDOW_REDUCTION));
+            zero_window_reductions[depth][moves] =
+                u8(std::min(zero_window, MAX_ZERO_WINDOW_REDUCTION));
         }
     }
 }

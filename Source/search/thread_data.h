@@ -1,6 +1,6 @@
 #pragma once
-// One search thread's record: everything that a search reads and writes without sharing, but for the
-// Relaxed fields, which the time check and the reports of other threads read.
+// One search thread's record: everything that a search reads and writes without sharing, but for
+// the Relaxed fields, which the time check and the reports of other threads read.
 
 #include <atomic>
 
@@ -39,7 +39,8 @@ enum ThreadWork : int { IDLE = 0, SEARCHING = 1, LEAVE = 99 };
 struct ThreadData : Game {
     Table<PlyRecord, PLY_RECORDS> plies;
     Table<Table<Move, PLY_RECORDS>, PLY_RECORDS> pv;  // pv[ply][ply..]: the line from that node on
-    Table<MoveEntry, PLY_RECORDS * MAX_LIST> move_buffer;  // the lists of all plies, one behind another
+    Table<MoveEntry, PLY_RECORDS * MAX_LIST>
+        move_buffer;  // the lists of all plies, one behind another
 
     // Reset at every search start.
     Table<Table<i16, 64>, 16> history;  // [piece][destination], 0..8192
@@ -50,7 +51,7 @@ struct ThreadData : Game {
     EvalState eval;
 
     Line root_line;
-    int index;  // 0: the main search thread, which alone publishes and prints
+    int index;                   // 0: the main search thread, which alone publishes and prints
     std::atomic<int> searching;  // ThreadWork
     Relaxed<u8> iteration;
     Relaxed<u8> root_state;
@@ -70,8 +71,8 @@ struct ThreadData : Game {
 
 inline bool is_main(const ThreadData& t) { return t.index == 0; }
 
-// Static evaluation of the thread's position, centipawns for the side to move; clears and refills the
-// threats of the ply's record.
+// Static evaluation of the thread's position, centipawns for the side to move; clears and refills
+// the threats of the ply's record.
 inline int evaluate_node(ThreadData& t, int ply, bool in_check) {
     PlyRecord& record = t.plies[ply];
     record.threat = {};

@@ -1,12 +1,12 @@
-// The thread pool. Idle threads wait on their own `searching` flag; a thread that becomes idle wakes
-// the main thread.
+// The thread pool. Idle threads wait on their own `searching` flag; a thread that becomes idle
+// wakes the main thread.
 
 #include "search/threads.h"
 
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <new>
-#include <system_error>
 #include <thread>
 
 #include "frontend/engine_options.h"
@@ -81,7 +81,7 @@ bool create_thread(int index) {
     thread.started = 0;
     try {
         thread.worker = std::thread(search_thread_main, index);
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {
         return false;
     }
     ++pool_size;

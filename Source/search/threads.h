@@ -20,8 +20,8 @@ int busy_threads();
 // Blocks until no thread is searching; the caller has set the stop flag or knows that they end.
 void wait_for_idle_threads();
 
-// Node of the search thread by the placement slots: first cores / nodes slots of each node, then the
-// additional hardware threads in turn. -1 beyond the table or without topology.
+// Node of the search thread by the placement slots: first cores / nodes slots of each node, then
+// the additional hardware threads in turn. -1 beyond the table or without topology.
 int numa_node_for(int index);
 
 }  // namespace quon

@@ -73,8 +73,9 @@ double target_from_clock() {
     if (limits.increment > 0 && clock > 4 * overhead) {
         target += limits.increment * clock / (2 * limits.increment + clock);
     }
-    target = std::min(target, clock * 0.65 - 4 * overhead);
-    return std::max(target, LEAST_TARGET);
+    // In this order of arguments the division of nothing by nothing ends at the cap.
+    target = std::min(clock * 0.65 - 4 * overhead, target);
+    return std::max(LEAST_TARGET, target);
 }
 
 void report_start() {
@@ -174,20 +175,19 @@ void update_elapsed() { run.elapsed = monotonic_seconds() - run.start_time; }
 void time_check() {
     update_elapsed();
     const int depth = run.current_depth;
-    if (control.stop_flag != RUN || control.search_mode == GO_PONDER || depth < 2 ||
-        run.elapsed < CHECK_AFTER) {
-        return;
-    }
-    const int doubt = instability(depth);
+    if (control.stop_flag != RUN || control.search_mode == GO_PONDER || depth < 2) return;
     const double remaining = std::max(limits.clock[run.root_side] - run.elapsed, 0.0);
+    // Then every millisecond counts: with short increments even CHECK_AFTER a move would be too
+    // much.
+    const bool clock_nearly_gone = limits.time_mode != 1 && remaining < 5 * limits.move_overhead;
+    if (run.elapsed < CHECK_AFTER && !clock_nearly_gone) return;
+
+    const int doubt = instability(depth);
     double limit = run.target_time + doubt * 0.01 * remaining;
-    if (limits.time_mode == 1) {
-        if (run.elapsed >= limit || move_is_easy()) time_is_up();
-        return;
+    if (limits.time_mode != 1) {
+        if (doubt == 0 && depth > 7 && depth - 3 > run.change_depth) limit *= 0.85;
+        limit -= limits.move_overhead;
     }
-    if (doubt == 0 && depth > 7 && depth - 3 > run.change_depth) limit *= 0.85;
-    limit -= limits.move_overhead;
-    const bool clock_nearly_gone = remaining < 5 * limits.move_overhead;
     if (run.elapsed >= limit || move_is_easy() || clock_nearly_gone) time_is_up();
 }
 

@@ -2,8 +2,6 @@
 
 #include "tools/bench.h"
 
-#include <iterator>
-
 #include "board/fen.h"
 #include "frontend/engine_options.h"
 #include "frontend/input.h"
@@ -20,13 +18,7 @@
 
 namespace quon {
 
-namespace {
-
-constexpr u8 BENCH_DEPTH = 17;
-constexpr u8 DEEPEST_REQUEST = 40;  // a deeper one means the bench depth
-constexpr double SECONDS_PER_POSITION = 99;
-
-constexpr const char* bench_positions[] = {
+const char* const bench_positions[BENCH_POSITIONS] = {
     "r1bqkb1r/pp1ppppp/2n2n2/8/3NP3/2N5/PPP2PPP/R1BQKB1R b KQkq -",
     "1n5k/3q3p/pp1p2pB/5r2/1PP1Qp2/P6P/6P1/2R3K1 w - -",
     "1r1qbr1k/4bp1p/p3p2Q/3pP3/2pP4/P1N1PN2/1PR2RP1/6K1 b - -",
@@ -48,9 +40,14 @@ constexpr const char* bench_positions[] = {
     "r7/5pk1/5p2/2p5/pp6/1P1B1KPN/P6P/8 b - -",
     "r2q3r/1p1bbQ2/4p1Bk/3pP3/1n1P1P1p/pP6/Pn4PP/R1B1R1K1 w - -",
 };
+
+namespace {
+
+constexpr u8 BENCH_DEPTH = 17;
+constexpr u8 DEEPEST_REQUEST = 40;  // a deeper one means the bench depth
+constexpr double SECONDS_PER_POSITION = 99;
+
 constexpr int SHORT_RUN = 10;
-constexpr int FULL_RUN = int(std::size(bench_positions));
-static_assert(FULL_RUN == 20);
 
 void search_with_all_threads() {
     start_search_threads();
@@ -73,11 +70,10 @@ void run_bench(int variant, bool single_thread) {
     limits.fixed_time = SECONDS_PER_POSITION;
     options.output_delay = NEVER;
     if (single_thread || limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;
-    engine_print(
-        format("%s running benchmark using %d threads", ENGINE_NAME, options.threads));
+    engine_print(format("%s running benchmark using %d threads", ENGINE_NAME, options.threads));
     double total_time = 0.01;
     double total_nodes = 0;
-    const int count = variant == 1 ? SHORT_RUN : FULL_RUN;
+    const int count = variant == 1 ? SHORT_RUN : BENCH_POSITIONS;
     for (int i = 0; i < count && !output_lost(); ++i) {
         position_from_fen(game.position, bench_positions[i]);
         hash_clear();
@@ -93,8 +89,8 @@ void run_bench(int variant, bool single_thread) {
         total_time += elapsed;
         engine_print(format("pos %2d: %6.2f seconds", i, elapsed));
     }
-    engine_print(format("total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time, total_nodes,
-                        total_nodes / total_time));
+    engine_print(format("total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time,
+                        total_nodes, total_nodes / total_time));
     control.quit_requested = true;
 }
 

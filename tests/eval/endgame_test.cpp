@@ -1,8 +1,8 @@
-// Endings that are settled at once, and the factor that pulls scores towards a draw.
+// Endings that are settled at once, and the factor that pulls scores towards a draw: mostly rare
+// material that collections of positions do not hold.
 
 #include <gtest/gtest.h>
 
-#include "board/bitboard.h"
 #include "support/board_support.h"
 #include "support/eval_support.h"
 
@@ -10,59 +10,39 @@ namespace quon::test {
 namespace {
 
 TEST(Endgame, MaterialThatDecides) {
-    struct Case {
-        const char* fen;
-        int score;
-        int final;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, int, int> cases[] = {
         {"8/8/4k3/8/8/3K4/8/8 w - -", 0, 1},
         {"8/8/4k3/8/8/3K4/8/2B5 b - -", 0, 1},
         {"8/8/4k3/6b1/8/3K4/8/2B5 w - -", 0, 1},
-        {"8/8/4kb2/8/8/3K4/8/2B5 w - -", 0, 1},
-        {"8/8/1KP5/8/8/8/8/k7 w - -", 800, 0},
         {"8/8/1KP5/8/8/8/8/k7 b - -", -800, 0},
-        {"K7/8/8/8/8/1kp5/8/8 b - -", 800, 0},
         {"8/8/8/8/8/k7/P7/7K w - -", 0, 0},
         // 4 * (2 * 20 + 2 + 200 - 2 * 3): the corner of the bishop's colour
-        {"8/8/8/8/3K4/8/8/k1B1N3 w - -", 944, 0},
         {"8/8/8/8/3K4/8/8/k1B1N3 b - -", -944, 0},
         {"8/8/8/8/4K3/8/8/3N1B1k w - -", 944, 0},
         {"K2bn3/8/8/3k4/8/8/8/8 b - -", 4 * (2 * 6 + 2 + 200 - 2 * 3), 0},  // the wrong corner
         // 100 * material + edge - 10 * distance + 200
-        {"7R/8/8/8/8/8/8/k1K5 w - -", 500 + 60 - 20 + 200, 0},
         {"7R/8/8/8/8/8/8/k1K5 b - -", -(500 + 60 - 20 + 200), 0},
         {"8/8/8/3k4/8/3K4/P1P5/4Q1N1 w - -", 1300 + 0 - 20 + 200, 0},
         {"k5r1/8/8/8/7K/8/8/8 b - -", 500 + 30 - 70 + 200, 0},
     };
-    for (const Case& row : cases) {
-        const Evaluation e = evaluate_fresh(row.fen);
-        EXPECT_EQ(e.score, row.score) << row.fen;
-        EXPECT_EQ(e.notes.eval_final, row.final) << row.fen;
+    for (const auto& [fen, score, final] : cases) {
+        const Evaluation e = evaluate_fresh(fen);
+        EXPECT_EQ(e.score, score) << fen;
+        EXPECT_EQ(e.notes.eval_final, final) << fen;
     }
 }
 
 TEST(Endgame, ScaleFactor) {
-    struct Case {
-        const char* fen;
-        double factor;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, double> cases[] = {
         // Much material; a clear lead.
         {"2b1k3/8/8/8/8/8/8/3QK1NN w - -", 1.0},
-        {"8/8/8/3k4/8/8/8/N3K2N w - -", 0.05},
         {"8/8/8/3k4/8/p7/8/N3K2N w - -", 0.05},
-        {"8/8/8/3k4/8/p7/8/3QK3 w - -", 0.9},
-        {"8/8/8/3k4/8/p7/8/2R1K3 b - -", 0.9},
         {"8/8/2nk4/2b5/8/p7/8/3QK3 w - -", 0.675},
         {"8/8/2nk4/2b5/8/8/8/3QK3 w - -", 0.75},
         {"8/8/2nk4/2b5/8/8/P7/3QK3 w - -", 1.0},
         {"8/8/2rk4/8/8/8/8/3QK3 w - -", 1.0},
-        {"3qk3/8/8/8/8/2RK4/8/8 b - -", 1.0},
         // No pawn to win with.
         {"8/8/3k4/8/2n5/8/8/2B1KB2 w - -", 0.9},
-        {"8/8/3k4/8/2b5/8/8/2B1KB2 w - -", 0.15},
-        {"8/8/3k4/8/2b5/8/8/3RK3 w - -", 0.15},
         {"8/8/3k4/p7/8/8/8/2B1K3 w - -", 0.05},
         {"8/8/3k4/8/2br4/8/8/R3K2R w - -", 0.25},
         // A pawn each.
@@ -71,50 +51,28 @@ TEST(Endgame, ScaleFactor) {
         // Rook pawns and the corner.
         {"8/1k6/8/P7/8/8/3K4/2B5 w - -", 0.06},
         {"8/1k6/8/P7/8/8/3K4/5B2 w - -", 1.0},
-        {"k7/8/P7/P7/8/8/3K4/8 w - -", 0.06},
         {"8/2k5/8/P7/8/8/3K4/2B5 w - -", 1.0},
         {"1k6/8/8/P7/1P6/8/3K4/2B5 w - -", 1.0},
         {"1k6/8/8/P7/8/8/3K4/2N5 w - -", 1.0},
         {"5b2/3k4/8/8/p7/8/8/K7 b - -", 1.0},  // f8 is dark, and so is a1
         {"4b3/3k4/8/8/p7/8/8/K7 b - -", 0.06},
-        // One pawn.
-        {"8/8/3r4/2k5/8/4P3/4K3/4R3 w - -", 0.75},
-        {"8/8/3rk3/8/8/4P3/4K3/4R3 w - -", 0.5},
-        {"8/8/2n5/2k5/8/3BP3/4K3/8 w - -", 0.3},
-        {"8/8/8/n1k5/8/3B2P1/4K3/8 w - -", 0.6},
         // Bishops of opposite and of the same colour.
         {"8/8/3bk3/8/8/3BP3/4K3/8 w - -", 0.5 * 0.3},
-        {"8/8/3bk3/8/8/3BPP2/4K3/8 w - -", 0.8},
-        {"8/p7/3bk3/8/8/3BPP2/4K3/8 w - -", 0.4},
         {"8/pp6/3bk3/8/8/3BPPP1/4K3/8 w - -", 0.45},
         {"8/ppp5/3bk3/8/8/P2BPPP1/4K3/8 w - -", 0.5},
         {"8/p7/3bk3/8/8/3BPPP1/4K3/8 w - -", 0.8},
-        {"8/p7/4k3/2b5/8/4BPP1/4K3/8 w - -", 0.8},
-        {"8/pp6/4k3/2b5/8/4BPPP/4K3/8 w - -", 0.9},
-        {"8/ppp5/4k3/2b5/8/P3BPPP/4K3/8 w - -", 1.0},
-        // Others.
-        {"8/p7/4k3/2r5/8/5PP1/4K3/4R3 w - -", 0.8},
-        {"8/p7/4k3/2n5/8/5PP1/4K3/4R3 w - -", 1.0},
     };
-    for (const Case& row : cases) {
-        const Evaluation e = evaluate_fresh(row.fen);
-        EXPECT_NEAR(e.trace.factor, row.factor, 1e-12) << row.fen << " score " << e.score;
+    for (const auto& [fen, factor] : cases) {
+        EXPECT_NEAR(evaluate_fresh(fen).trace.factor, factor, 1e-12) << fen;
     }
 }
 
 TEST(Endgame, ScoresUpTo14AreNotScaled) {
     // A rook each: the tempo makes 9, (16 * 4 + 8 * 20) / 24, and contempt * 2 / 41 moves it on.
-    const auto game = make_game("r3k3/8/8/8/8/8/8/R3K3 w - -");
-    const struct {
-        i16 contempt;
-        int score;
-    } cases[] = {
+    const std::pair<int, int> cases[] = {
         {0, 9}, {103, 14}, {123, 2}, {-471, -13}, {-492, -2}};  // 2.25, -2.25 without fraction
-    for (const auto& row : cases) {
-        const auto state = make_eval_state();
-        state->contempt_active = true;
-        state->tables.contempt = row.contempt;
-        EXPECT_EQ(evaluate_traced(*state, game->position).score, row.score) << row.contempt;
+    for (const auto& [contempt, score] : cases) {
+        EXPECT_EQ(evaluate_contempt("r3k3/8/8/8/8/8/8/R3K3 w - -", contempt, WHITE), score);
     }
 }
 

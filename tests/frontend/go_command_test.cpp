@@ -61,11 +61,14 @@ TEST_F(GoCommand, DepthStaysUntilItIsChanged) {
         const char* rest;
         int depth;
     } cases[] = {
-        {"depth 5", 5},     {"wtime 1000 btime 1000", 5}, {"depth 66", 66},
-        {"depth 100", 66},  {"depth 127", 66},            {"depth 128", 66},
-        {"depth 12", 12},   {"movetime 100", 12},         {"depth 300", 66},
-        {"depth 9", 9},     {"infinite", 66},             {"depth 99999999999999999999", 66},
-        {"depth 1", 1},     {"movestogo 3", 66},          {"depth -1", 0},
+        {"depth 5", 5},    {"wtime 1000 btime 1000", 5},
+        {"depth 66", 66},  {"depth 100", 66},
+        {"depth 127", 66}, {"depth 128", 66},
+        {"depth 12", 12},  {"movetime 100", 12},
+        {"depth 300", 66}, {"depth 9", 9},
+        {"infinite", 66},  {"depth 99999999999999999999", 66},
+        {"depth 1", 1},    {"movestogo 3", 66},
+        {"depth -1", 0},
     };
     for (const auto& c : cases) {
         go_command(c.rest);

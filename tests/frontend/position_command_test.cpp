@@ -87,8 +87,8 @@ TEST_F(PositionCommand, NothingIsLeftToReplay) {
     EXPECT_NE(game.undo[2].move, NO_MOVE);
     position_command("startpos moves e2e4 e7e5");
     EXPECT_EQ(game.undo[2].move, NO_MOVE);
-    EXPECT_EQ(game.undo[1].move, parse_coordinates(make_game("8/4p3/8/8/8/8/8/8 b - -")->position,
-                                                   "e7e5"));
+    EXPECT_EQ(game.undo[1].move,
+              parse_coordinates(make_game("8/4p3/8/8/8/8/8/8 b - -")->position, "e7e5"));
 }
 
 TEST_F(PositionCommand, LongGames) {

@@ -4,8 +4,8 @@
 //   uci_match --games 200 --seconds 1 --increment 0.01 --openings FILE
 //             --first "quon -nolog" [--option Threads=2 ...] --second "/usr/games/toga2"
 //
-// Openings are lines that begin with a FEN; each is played twice with colours exchanged. Prints a line
-// per game and the totals; exit status 1 when a program broke a rule.
+// Openings are lines that begin with a FEN; each is played twice with colours exchanged. Prints a
+// line per game and the totals; exit status 1 when a program broke a rule.
 
 #include <poll.h>
 #include <sys/wait.h>
@@ -39,7 +39,8 @@ constexpr double GRACE_SECONDS = 10;  // beyond the clock: the program hangs
 constexpr int MAX_MOVES = 400;        // longer games are drawn
 
 double now() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 }
 
 enum class Fault { NONE, ILLEGAL_MOVE, TIME, CRASH, HANG };
@@ -130,7 +131,8 @@ bool set_up(Program& program, const std::vector<std::string>& options) {
     program.wait_for("uciok", GRACE_SECONDS, fault);
     for (const std::string& option : options) {
         const std::size_t equals = option.find('=');
-        program.send("setoption name " + option.substr(0, equals) + " value " + option.substr(equals + 1));
+        program.send("setoption name " + option.substr(0, equals) + " value " +
+                     option.substr(equals + 1));
     }
     program.send("isready");
     program.wait_for("readyok", GRACE_SECONDS, fault);
@@ -176,8 +178,7 @@ Result play(Program* const players[2], const std::string& fen, const Settings& s
             return result;
         }
         Program& player = *players[p.side];
-        player.send("position fen " + fen + " 0 1" +
-                    (moves.empty() ? "" : " moves" + moves));
+        player.send("position fen " + fen + " 0 1" + (moves.empty() ? "" : " moves" + moves));
         const double start = now();
         player.send(format("go wtime %d btime %d winc %d binc %d", int(clocks[WHITE] * 1000),
                            int(clocks[BLACK] * 1000), int(settings.increment * 1000),
@@ -193,8 +194,8 @@ Result play(Program* const players[2], const std::string& fen, const Settings& s
             result.fault = Fault::ILLEGAL_MOVE;
         }
         if (result.fault != Fault::NONE) {
-            result.reason = FAULT_NAMES[int(result.fault)] + (" by " + player.command) + " answer '" +
-                            answer + "' in " + position_to_fen(p);
+            result.reason = FAULT_NAMES[int(result.fault)] + (" by " + player.command) +
+                            " answer '" + answer + "' in " + position_to_fen(p);
             result.white_score = p.side == WHITE ? 0 : 1;
             ++player.faults[result.fault];
             return result;
@@ -256,11 +257,13 @@ int main(int argc, char** argv) {
         const int first_color = i % 2;
         Program* players[2] = {&first, &second};
         if (first_color == BLACK) std::swap(players[0], players[1]);
-        const Result result = play(players, openings[std::size_t(i / 2) % openings.size()], settings);
+        const Result result =
+            play(players, openings[std::size_t(i / 2) % openings.size()], settings);
         const double score = first_color == WHITE ? result.white_score : 1 - result.white_score;
         ++(score == 1 ? wins : score == 0 ? losses : draws);
         least_clock = std::min(least_clock, result.least_clock);
-        std::printf("game %d: %.1f in %d plies, %s\n", i + 1, score, result.plies, result.reason.c_str());
+        std::printf("game %d: %.1f in %d plies, %s\n", i + 1, score, result.plies,
+                    result.reason.c_str());
         std::fflush(stdout);
         if (result.fault == Fault::CRASH || result.fault == Fault::HANG) {
             first.end();
@@ -273,7 +276,8 @@ int main(int argc, char** argv) {
     std::printf("first: +%d =%d -%d, least time left %.3f s\n", wins, draws, losses, least_clock);
     for (const Program* program : {&first, &second}) {
         for (const auto& [fault, count] : program->faults) {
-            std::printf("%s: %s %d times\n", program->command.c_str(), FAULT_NAMES[int(fault)], count);
+            std::printf("%s: %s %d times\n", program->command.c_str(), FAULT_NAMES[int(fault)],
+                        count);
         }
     }
     return first.faults.empty() && second.faults.empty() ? 0 : 1;

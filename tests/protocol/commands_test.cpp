@@ -90,7 +90,8 @@ TEST(Protocol, OptionRepliesAndNewValues) {
     Lines replies = session.answers({"setoption name UCI_Elo value 1000"});
     ASSERT_EQ(replies.size(), 3U);
     EXPECT_EQ(replies[0], "info string UCI_Elo set to 1500");
-    EXPECT_EQ(replies[1].substr(0, 32), "info string calibration nps = " + speed.substr(speed.rfind(' ') + 1, 2));
+    EXPECT_EQ(replies[1].substr(0, 32),
+              "info string calibration nps = " + speed.substr(speed.rfind(' ') + 1, 2));
     EXPECT_EQ(replies[2], "info string target nps = 24");
 
     EXPECT_EQ(session.answers({"setoption name SyzygyPath value /no/such"})[0],
@@ -150,16 +151,21 @@ TEST(Protocol, LineEnds) {
 TEST(Protocol, LongLines) {
     Session session;
     session.read_line();
-    const std::string message = "info string line cut at 4095 characters";
+    const std::string remark = "info string long line of ";
     EXPECT_EQ(session.answers({std::string(4095, 'x')}), Lines{});
-    EXPECT_EQ(session.answers({std::string(4096, 'x')}), Lines{message});
-    EXPECT_EQ(session.answers({"setoption name " + std::string(10000, 'n') + " value 1"}),
-              Lines{message});
-    EXPECT_EQ(session.answers({"go " + std::string(10000, ' ') + "infinite", "stop"})[0], message);
-    // What stands before the cut counts.
+    EXPECT_EQ(session.answers({std::string(4096, 'x')}), Lines{remark + "4096 characters"});
+    EXPECT_EQ(session.answers({"setoption name " + std::string(9981, 'n') + " value"}),
+              Lines{remark + "10002 characters"});
+    EXPECT_EQ(session.answers({"go " + std::string(10000, ' ') + "infinite", "stop"})[0],
+              remark + "10011 characters");
+    EXPECT_EQ(session.answers({std::string(70000, 'x')}),
+              Lines{"info string line cut at 65535 characters"});
+    // A game of more moves than the record holds is followed to its end.
     std::string game = "position startpos moves";
-    for (int i = 0; i < 2000; ++i) game += " g1f3 g8f6 f3g1 f6g8";
-    EXPECT_EQ(lines_with(session.answers({game}), message), Lines{message});
+    for (int i = 0; i < 1250; ++i) game += " g1f3 g8f6 f3g1 f6g8";
+    EXPECT_EQ(session.answers({game + " e2e4 e7e5", "position"}),
+              Lines{remark + "25033 characters"});
+    EXPECT_EQ(session.answers({game + " e2e4 e2e5"})[1], "info string illegal move e2e5");
     EXPECT_TRUE(names_move(session.best_move({"position startpos moves e2e4", "go depth 2"})));
 }
 
@@ -181,7 +187,8 @@ TEST(Protocol, LogHoldsWhatIsPrinted) {
     }
     Lines logged = file_lines(session.directory() + "/quon.log");
     const Lines own = lines_with(logged, "info string fen ");
-    EXPECT_EQ(own, Lines{"info string fen rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"});
+    EXPECT_EQ(own,
+              Lines{"info string fen rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"});
     EXPECT_EQ(lines_with(logged, "info string ply= 1, trg_time= ").size(), 1U);
     EXPECT_TRUE(contains(logged, "CMD: go depth 4"));
     EXPECT_TRUE(contains(logged, "info string Log set to true"));

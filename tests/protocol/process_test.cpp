@@ -35,9 +35,9 @@ TEST(Program, SwitchesThatEndIt) {
     }
     const Ending help = run_to_end({"-c", "--help"}, "");
     EXPECT_EQ(help.status, 0);
-    for (const char* word : {"-uci", "-c", "-nolog", "-numa", "-noise", "-quiet", "-uci_extra", "-d",
-                             "-t", "-n", "-nps", "-hash", "-threads", "-bench", "-bench2", "-pbench",
-                             "--help", "--version"}) {
+    for (const char* word :
+         {"-uci", "-c", "-nolog", "-numa", "-noise", "-quiet", "-uci_extra", "-d", "-t", "-n",
+          "-nps", "-hash", "-threads", "-bench", "-bench2", "-pbench", "--help", "--version"}) {
         EXPECT_EQ(lines_with(help.lines, std::string("  ") + word + " ").size(), 1U) << word;
     }
 }
@@ -122,8 +122,8 @@ TEST(Program, OutputClosedByItsReader) {
 
 // Runs the program in a shell, for redirections; its exit status.
 int run_in_shell(const std::string& directory, const std::string& redirections) {
-    const std::string command = "cd '" + directory + "' && timeout 120 " + QUON_BINARY + " " +
-                                redirections;
+    const std::string command =
+        "cd '" + directory + "' && timeout 120 " + QUON_BINARY + " " + redirections;
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
@@ -203,14 +203,13 @@ TEST(Console, Session) {
     EXPECT_TRUE(process.read_line().starts_with("info string et= "));
     EXPECT_EQ(process.read_line(), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
     process.read_to("white");
-    process.send({"perft 4", "perft 0", "perft", "swap", "frobnicate 3", "isready", "uci", "isready",
-                  "quit"});
+    process.send({"perft 4", "perft 0", "perft", "swap", "frobnicate 3", "isready", "uci",
+                  "isready", "quit"});
     const Ending ending = process.wait();
     EXPECT_EQ(ending.status, 0);
     const Lines visited = lines_with(ending.lines, "visited ");
     ASSERT_EQ(visited.size(), 3U);
-    EXPECT_TRUE(matches(visited[0],
-                        R"(visited 197281 nodes in \d+\.\d{3} seconds, nps= \d+)"))
+    EXPECT_TRUE(matches(visited[0], R"(visited 197281 nodes in \d+\.\d{3} seconds, nps= \d+)"))
         << visited[0];
     EXPECT_TRUE(visited[1].starts_with("visited 0 nodes ")) << visited[1];
     EXPECT_TRUE(contains(ending.lines, "unknown command: frobnicate"));

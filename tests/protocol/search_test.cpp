@@ -223,13 +223,14 @@ TEST(SearchSession, MultiPv) {
     EXPECT_TRUE(names_move(lines.back()));
     // More lines than moves.
     session.answers({"setoption name MultiPV value 255"});
-    EXPECT_TRUE(names_move(session.best_move({"position fen 8/8/8/8/8/6k1/8/7K w - -", "go depth 4"})));
+    EXPECT_TRUE(
+        names_move(session.best_move({"position fen 8/8/8/8/8/6k1/8/7K w - -", "go depth 4"})));
 }
 
 TEST(SearchSession, LimitedStrengthIsSlow) {
     Session session;
-    session.answers({"setoption name UCI_LimitStrength value true",
-                     "setoption name UCI_Elo value 1600"});
+    session.answers(
+        {"setoption name UCI_LimitStrength value true", "setoption name UCI_Elo value 1600"});
     session.send({"go movetime 700"});
     const Lines lines = session.read_to("bestmove");
     EXPECT_TRUE(names_move(lines.back()));
@@ -326,14 +327,53 @@ TEST(SearchSession, PositionsWithoutAMove) {
 // Lines thrown together from words of the protocol and bytes that are none.
 TEST(SearchSession, Garbage) {
     Session session({"-nolog", "-hash", "1"});
-    const Lines commands = {"position startpos", "position startpos moves", "position fen",
-                            "go", "go infinite", "go movetime 5", "go depth", "setoption name", "stop",
-                            "ponderhit", "ucinewgame", "uci", ""};
+    const Lines commands = {"position startpos",
+                            "position startpos moves",
+                            "position fen",
+                            "go",
+                            "go infinite",
+                            "go movetime 5",
+                            "go depth",
+                            "setoption name",
+                            "stop",
+                            "ponderhit",
+                            "ucinewgame",
+                            "uci",
+                            ""};
     const Lines words = {
-        "startpos", "fen", "moves", "e2e4", "e7e5", "e1e8", "a7a8q", "depth", "3", "nodes", "500",
-        "wtime", "100", "btime", "movetime", "ponder", "infinite", "@", "@stop@", "MultiPV",
-        "Contempt", "value", "Clear Hash", "-1", "", "\x80\xff", "8/8/8/8/8/8/8/8", "\t", "w", "KQkq",
-        "k7/8/8/8/8/8/8/K7", "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", "99999999999999999999",
+        "startpos",
+        "fen",
+        "moves",
+        "e2e4",
+        "e7e5",
+        "e1e8",
+        "a7a8q",
+        "depth",
+        "3",
+        "nodes",
+        "500",
+        "wtime",
+        "100",
+        "btime",
+        "movetime",
+        "ponder",
+        "infinite",
+        "@",
+        "@stop@",
+        "MultiPV",
+        "Contempt",
+        "value",
+        "Clear Hash",
+        "-1",
+        "",
+        "\x80\xff",
+        "8/8/8/8/8/8/8/8",
+        "\t",
+        "w",
+        "KQkq",
+        "k7/8/8/8/8/8/8/K7",
+        "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR",
+        "99999999999999999999",
     };
     Random random(20260101);
     const int blocks = scaled(100);

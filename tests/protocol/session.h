@@ -20,7 +20,8 @@ struct Session : Process {
         send(lines);
         std::vector<std::string> replies = read_to("readyok");
         replies.pop_back();
-        std::erase_if(replies, [](const std::string& r) { return r.starts_with("info string et="); });
+        std::erase_if(replies,
+                      [](const std::string& r) { return r.starts_with("info string et="); });
         return replies;
     }
     // Sends the lines and reads up to "bestmove"; its whole line.

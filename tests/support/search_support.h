@@ -46,18 +46,11 @@ private:
 // Sets the game on the board and plays the moves (coordinates) on it.
 void set_game(std::string_view fen, std::string_view moves = "");
 
-// The 20 positions of the benchmark.
-extern const char* const benchmark[20];
-
 std::string line_text(const std::vector<Move>& line);
 
 // Plays the line from the position: "" if every move is legal, else the text of the first that is
 // not. With `mate` given, the last move must give checkmate.
 std::string line_problem(std::string_view fen, const std::vector<Move>& line, bool mate = false);
-
-// Plies to the quickest forced checkmate of the opponent, at most `limit` (odd), by trying all
-// moves; 0 when there is none.
-int plies_to_mate(std::string_view fen, int limit);
 
 // The first difference between the game on the board and a thread's copy of it, "" if there is
 // none.

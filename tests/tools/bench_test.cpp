@@ -1,9 +1,12 @@
 // The benchmark's node totals, against another program's.
 
+#include "tools/bench.h"
+
 #include <gtest/gtest.h>
 
-#include "frontend/output.h"
+#include "support/board_support.h"
 #include "support/process.h"
+#include "support/search_support.h"
 
 namespace quon::test {
 namespace {
@@ -11,15 +14,27 @@ namespace {
 TEST(Bench, Signature) {
     const struct {
         const char* variant;
-        const char* depth;
-        int nodes;
-    } cases[] = {{"-bench", "6", 101415}, {"-bench2", "5", 103716}};
-    for (const auto& c : cases) {
-        const Ending ending = run_to_end({c.variant, "-d", c.depth, "-nolog"}, "");
+        std::string nodes;
+    } cases[] = {{"-bench", "101415"}, {"-bench2", "245952"}};
+    for (const auto& [variant, nodes] : cases) {
+        const Ending ending = run_to_end({variant, "-d", "6", "-nolog"}, "");
         ASSERT_FALSE(ending.lines.empty());
-        EXPECT_TRUE(
-            matches(ending.lines.back(), format("total time= .*, nodes= %d, nps= .*", c.nodes)))
-            << ending.lines.back();
+        const std::string& total = ending.lines.back();
+        EXPECT_TRUE(matches(total, "total time= .*, nodes= " + nodes + ", nps= .*")) << total;
+    }
+}
+
+TEST(Bench, EveryPositionAtEveryDepth) {
+    const std::vector<std::string> rows = shared_lines("/reference/bench.csv");
+    if (rows.empty()) GTEST_SKIP() << "bench.csv is not there";
+    const SearchRig rig(64);
+    for (int depth = 1; depth <= scaled(10); ++depth) {
+        const std::vector<std::string> cells = split(rows.at(std::size_t(depth)), ';');
+        for (int i = 0; i < BENCH_POSITIONS; ++i) {
+            const u64 nodes = SearchRig::search(bench_positions[i], depth).nodes;
+            ASSERT_EQ(std::to_string(nodes), cells.at(std::size_t(i) + 1))
+                << "position " << i << " depth " << depth;
+        }
     }
 }
 

@@ -19,8 +19,8 @@ std::size_t rounded(std::size_t bytes) { return (bytes + HUGE_PAGE - 1) & ~(HUGE
 void* allocate_pages(std::size_t bytes) {
     // One huge page more than needed, then the ends outside the alignment go back.
     const std::size_t size = rounded(bytes);
-    void* mapped = mmap(nullptr, size + HUGE_PAGE, PROT_READ | PROT_WRITE,
-                        MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* mapped =
+        mmap(nullptr, size + HUGE_PAGE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapped == MAP_FAILED) return nullptr;
     const auto start = reinterpret_cast<std::uintptr_t>(mapped);
     const std::uintptr_t aligned = (start + HUGE_PAGE - 1) & ~(HUGE_PAGE - 1);

@@ -36,9 +36,7 @@ std::vector<int> read_list(const std::string& path) {
 }
 
 // Nodes that have processors.
-std::vector<int> node_numbers() {
-    return read_list(std::string(NODE_DIRECTORY) + "has_cpu");
-}
+std::vector<int> node_numbers() { return read_list(std::string(NODE_DIRECTORY) + "has_cpu"); }
 
 }  // namespace
 
