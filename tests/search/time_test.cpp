@@ -205,5 +205,16 @@ TEST_F(TimeCheck, FlagAndElapsedTime) {
     EXPECT_EQ(control.stop_flag, ABORT);
 }
 
+// No search is stopped in its first 20 ms, unless the clock is nearly gone.
+TEST_F(TimeCheck, FirstMilliseconds) {
+    set({.easy = 1});
+    EXPECT_EQ(flag_at(0.001), RUN);
+    EXPECT_EQ(flag_at(0.021), STOP);
+    set({.clock = 9});
+    EXPECT_EQ(flag_at(0.001), STOP);
+    set({.result = 1, .clock = 9});
+    EXPECT_EQ(flag_at(0.001), RUN);
+}
+
 }  // namespace
 }  // namespace quon::test
