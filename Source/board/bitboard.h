@@ -60,6 +60,16 @@ inline Bitboard bishop_attacks(int square, Bitboard occupancy) {
     return bishop_magics[square].at(occupancy);
 }
 
+// Squares that alone stand between the square and one of the sliders, which share lines with it.
+inline Bitboard lone_blockers(int square, Bitboard sliders, Bitboard occupancy) {
+    Bitboard blockers = 0;
+    while (sliders) {
+        const Bitboard in_between = between[square][pop_square(sliders)] & occupancy;
+        if (!more_than_one(in_between)) blockers |= in_between;
+    }
+    return blockers;
+}
+
 // The set moved one file towards h or a, or one rank; squares that leave the board are lost.
 constexpr Bitboard shift_east(Bitboard b) { return (b & ~FILE_H) << 1; }
 constexpr Bitboard shift_west(Bitboard b) { return (b & ~FILE_A) >> 1; }

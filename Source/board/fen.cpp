@@ -2,8 +2,6 @@
 
 #include "board/fen.h"
 
-#include <algorithm>
-
 #include "board/keys.h"
 #include "frontend/output.h"
 #include "frontend/words.h"

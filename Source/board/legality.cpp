@@ -11,15 +11,9 @@ KingGuard king_guard(const Position& p, bool in_check) {
     const int us = p.side;
     const int king = king_square(p, us);
     const auto& enemy = p.bb[us ^ 1];
-    const Bitboard occupancy = occupied(p);
-    KingGuard guard{king, in_check, 0};
-    Bitboard sliders = (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
-                       (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN]));
-    while (sliders) {
-        const Bitboard blockers = between[king][pop_square(sliders)] & occupancy;
-        if (blockers && !more_than_one(blockers)) guard.pinned |= blockers & p.bb[us][0];
-    }
-    return guard;
+    const Bitboard sliders = (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
+                             (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN]));
+    return {king, in_check, lone_blockers(king, sliders, occupied(p)) & p.bb[us][0]};
 }
 
 namespace {
@@ -117,15 +111,6 @@ bool pawn_move_possible(const Position& p, int from, int to) {
     return relative_rank(us, from) == 1 && to == ahead + forward(us) && p.board[ahead] == 0;
 }
 
-bool castling_possible(const Position& p, Move move) {
-    MoveEntry list[MAX_LIST];
-    const MoveEntry* end = gen_quiets(p, list);
-    for (const MoveEntry* entry = list; entry != end; ++entry) {
-        if (entry->move == move) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 bool is_pseudo_legal(const Position& p, Move move) {
@@ -151,7 +136,7 @@ bool is_pseudo_legal(const Position& p, Move move) {
         default:
             if (promotion != 0) return false;
             if (has(king_attacks[from], to)) return true;
-            return is_castling(KING, from, to) && castling_possible(p, move);
+            return is_castling(KING, from, to) && castling_possible(p, to > from);
     }
 }
 

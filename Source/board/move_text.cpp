@@ -4,12 +4,12 @@
 #include "board/move_text.h"
 
 #include <cctype>
-#include <cstdio>
 
 #include "board/fen.h"
 #include "board/legality.h"
 #include "board/movegen.h"
 #include "frontend/engine_options.h"
+#include "frontend/output.h"
 
 namespace quon {
 
@@ -158,10 +158,7 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
             found = entry->move;
         }
     }
-    if (count == 2) {
-        std::puts("ambiguous move");
-        std::fflush(stdout);
-    }
+    if (count == 2) print_unlogged("ambiguous move\n");
     if (count == 1) out_move = found;
     return count == 1;
 }

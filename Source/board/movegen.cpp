@@ -93,17 +93,11 @@ MoveEntry* gen_promotions_of(const Position& p, bool all_four, MoveEntry* out) {
 
 template <int Us>
 MoveEntry* gen_castling(const Position& p, MoveEntry* out) {
-    constexpr int king = make_piece(Us, KING);
-    constexpr int home = Us == WHITE ? E1 : E8;
-    constexpr u8 king_side = Us == WHITE ? WHITE_KING_SIDE : BLACK_KING_SIDE;
-    constexpr u8 queen_side = Us == WHITE ? WHITE_QUEEN_SIDE : BLACK_QUEEN_SIDE;
-    constexpr Bitboard king_path = bit(home + 1) | bit(home + 2);
-    constexpr Bitboard queen_path = bit(home - 1) | bit(home - 2) | bit(home - 3);
-    if (king_square(p, Us) != home) return out;
-    const Bitboard occupancy = occupied(p);
-    if ((p.castle & king_side) && !(occupancy & king_path)) out = add(out, home, home + 2, king, 0);
-    if ((p.castle & queen_side) && !(occupancy & queen_path))
-        out = add(out, home, home - 2, king, 0);
+    const int king = king_square(p, Us);
+    for (const bool king_side : {true, false}) {
+        if (!castling_possible(p, king_side)) continue;
+        out = add(out, king, king_side ? king + 2 : king - 2, make_piece(Us, KING), 0);
+    }
     return out;
 }
 
@@ -126,6 +120,14 @@ MoveEntry* gen_quiets_of(const Position& p, MoveEntry* out) {
 }
 
 }  // namespace
+
+bool castling_possible(const Position& p, bool king_side) {
+    const int home = relative_square(p.side, E1);
+    const int right = king_side ? WHITE_KING_SIDE : WHITE_QUEEN_SIDE;
+    const int rook = king_side ? home + 3 : home - 4;
+    return king_square(p, p.side) == home && (p.castle >> (2 * p.side) & right) != 0 &&
+           (between[home][rook] & occupied(p)) == 0;
+}
 
 MoveEntry* gen_captures(const Position& p, MoveEntry* out) {
     return p.side == WHITE ? gen_captures_of<WHITE>(p, out) : gen_captures_of<BLACK>(p, out);

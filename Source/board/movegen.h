@@ -13,6 +13,10 @@ MoveEntry* gen_promotions(const Position& p, bool all_four,
                           MoveEntry* out);                 // with and without capture
 MoveEntry* gen_quiets(const Position& p, MoveEntry* out);  // castling included, no promotions
 
+// True if the side to move has the right to castle, its king at home and nothing between king and
+// rook. Attacks on the king's path are not looked at.
+bool castling_possible(const Position& p, bool king_side);
+
 // Captures, all promotions, quiet moves; ends with a LIST_END record and returns that record's
 // place.
 MoveEntry* gen_all(const Position& p, MoveEntry* out);

@@ -77,8 +77,8 @@ inline int pawn_count(const Position& p, int color) { return int(p.sig[color] & 
 constexpr Table<u32, 7> SIG_UNIT = {{0, 1, 16, 256, 4096, 65536, 0}};
 constexpr Table<u16, 7> NPM_UNIT = {{0, 0, 3, 3, 5, 10, 0}};
 
-// 1 if any piece of by_side attacks the square, with the given occupancy deciding sliders' paths.
-// Pieces outside the occupancy do not attack.
+// True if any piece of by_side attacks the square, with the given occupancy deciding sliders'
+// paths. Pieces outside the occupancy do not attack.
 bool square_attacked(const Position& p, int square, int by_side, Bitboard occupancy);
 inline bool square_attacked(const Position& p, int square, int by_side) {
     return square_attacked(p, square, by_side, occupied(p));

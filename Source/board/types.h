@@ -16,7 +16,6 @@ using u32 = std::uint32_t;
 using u64 = std::uint64_t;
 using i8 = std::int8_t;
 using i16 = std::int16_t;
-using i32 = std::int32_t;
 using i64 = std::int64_t;
 
 // Bit n stands for square n.

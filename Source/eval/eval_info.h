@@ -42,9 +42,9 @@ constexpr int blend(Score score, int stage) { return blend(score.op, score.en, s
 // One attacker of a type in `king_attackers`: three bits for each type's number.
 constexpr Table<int, 7> KING_ATTACKER_UNIT = {{0, 0, 1, 8, 64, 512, 0}};
 
-// evaluate() fills it; what the steps add to starts at 0.
 constexpr int attackers_in(int packed, int type) { return packed / KING_ATTACKER_UNIT[type] & 7; }
 
+// evaluate() fills it; what the steps add to starts at 0.
 struct EvalInfo {
     EvalInfo(const Position& p, const EvalTables& t, EvalNotes& n, bool trace)
         : position(p), tables(t), notes(n), tracing(trace), king_attackers{} {}

@@ -2,7 +2,6 @@
 
 #include "eval/eval_print.h"
 
-#include <cstdio>
 #include <string>
 
 #include "eval/eval_tables.h"
@@ -82,8 +81,7 @@ void print_eval_tables() {
         text += name + "Ending\n" + square_table_text(t.pst[type], &Pair::en);
     }
     text += "\n\n";
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fflush(stdout);
+    print_unlogged(text);
 }
 
 }  // namespace quon

@@ -3,7 +3,6 @@
 #include "eval/evaluate.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "board/keys.h"
 #include "eval/endgame.h"

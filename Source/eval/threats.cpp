@@ -46,16 +46,6 @@ void evaluate_threats_to(EvalInfo& info) {
     if (info.tracing) traced.hung |= hung;
 }
 
-// Pieces of either colour that alone stand between the square and one of the sliders.
-Bitboard lone_blockers(int square, Bitboard sliders, Bitboard occupancy) {
-    Bitboard blockers = 0;
-    while (sliders) {
-        const Bitboard in_between = between[square][pop_square(sliders)] & occupancy;
-        if (in_between && !more_than_one(in_between)) blockers |= in_between;
-    }
-    return blockers;
-}
-
 template <int Color>
 void evaluate_pins_of(EvalInfo& info) {
     const auto& own = info.position.bb[Color];

@@ -41,7 +41,7 @@ constexpr double MIN_NPS = 21;
 
 void fix_time(double seconds) {
     limits.fixed_time = seconds;
-    limits.time_mode = 1;
+    limits.time_mode = FIXED_TIME;
 }
 
 void be_quiet(const Argument&, RunMode&) {
@@ -64,8 +64,7 @@ void set_node_rate(const Argument& argument, RunMode&) {
     params.limit_strength = 1;
     options.target_nps = argument.real;
     params.elo = i16(std::min(nps_to_elo(argument.real), MAX_ELO));
-    std::printf("Elo= %d\n", params.elo);
-    std::fflush(stdout);
+    print_unlogged(format("Elo= %d\n", params.elo));
 }
 
 void set_hash(const Argument& argument, RunMode&) {

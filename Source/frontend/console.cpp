@@ -4,7 +4,6 @@
 #include "frontend/console.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
 
 #include "board/fen.h"
@@ -50,9 +49,8 @@ void swap_command(std::string_view) {
         const int piece = position.board[square];
         if (piece == 0) continue;
         const int value = see(position, color_of(piece) ^ 1, NO_SQUARE, square);
-        if (value != 0) std::printf("sq= %s, swap= %d\n", square_name[square], value);
+        if (value != 0) print_unlogged(format("sq= %s, swap= %d\n", square_name[square], value));
     }
-    std::fflush(stdout);
 }
 
 struct ConsoleCommand {

@@ -1,3 +1,5 @@
+// The settings and limits, at their defaults.
+
 #include "frontend/engine_options.h"
 
 namespace quon {

@@ -41,15 +41,18 @@ struct EngineOptions {
     Relaxed<double> output_delay = 0.0;         // seconds of search before progress lines
     Relaxed<double> target_nps = NO_NPS_LIMIT;  // node-rate cap per search thread
     double calibration_nps = 0.0;               // measured at start-up
-    double elo_max = 0.0;  // Elo of the unthrottled engine, from the calibration
-    std::string tune_file;
-    std::string match_file;
+    double elo_max = 0.0;      // Elo of the unthrottled engine, from the calibration
     u32 timer_resolution = 0;  // ms; 0 where the system has no such setting
 };
 
+// Values of time_mode; N >= 2 means N moves per period.
+constexpr u8 CLOCK_TIME = 0;
+constexpr u8 FIXED_TIME = 1;
+constexpr double ENDLESS_SECONDS = 10000000;  // a fixed time that no search reaches
+
 struct SearchLimits {
-    u8 time_mode = 1;         // 0 clock, 1 fixed time per move, N >= 2: N moves per period
-    double fixed_time = 5.0;  // seconds per move when time_mode is 1
+    u8 time_mode = FIXED_TIME;
+    double fixed_time = 5.0;                // seconds per move under FIXED_TIME
     Table<double, 2> clock = {{5.0, 5.0}};  // seconds left for White, Black
     double increment = 0.0;                 // seconds, of the side to move
     i16 moves_to_go = 0;

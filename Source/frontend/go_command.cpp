@@ -14,8 +14,6 @@ namespace quon {
 
 namespace {
 
-constexpr double ENDLESS_SECONDS = 10000000;
-constexpr u8 FIXED_TIME = 1;
 constexpr u8 PERIOD = 40;  // time_mode under "movestogo"
 
 double ms_to_seconds(i64 ms) { return double(ms) / 1000; }
@@ -84,7 +82,7 @@ constexpr Keyword KEYWORDS[] = {
 
 void go_command(std::string_view rest) {
     control.stop_flag = ABORT;
-    limits.time_mode = 0;
+    limits.time_mode = CLOCK_TIME;
     control.go_request = GO_PLAY;
     for (const Keyword& keyword : KEYWORDS) {
         const std::size_t at = rest.find(keyword.word);

@@ -34,9 +34,8 @@ void wait_for_work(bool searching) {
 
 // Nothing can stop this search but a command.
 bool unlimited(u8 mode) {
-    constexpr double ENDLESS = 1e6;  // seconds
     if (mode == GO_PONDER || mode == GO_ANALYSE) return true;
-    return limits.time_mode == 1 && limits.fixed_time >= ENDLESS &&
+    return limits.time_mode == FIXED_TIME && limits.fixed_time >= ENDLESS_SECONDS &&
            limits.depth_limit >= NO_DEPTH_LIMIT && limits.max_nodes == 0;
 }
 

@@ -20,6 +20,11 @@ std::mutex print_mutex;  // guards both streams: a line appears whole in each
 std::FILE* log_file = nullptr;
 Relaxed<bool> lost = false;
 
+void write_output(std::string_view text) {
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (std::fflush(stdout) != 0 || !written) lost = true;
+}
+
 void write_log(std::string_view line) {
     if (!options.log_enabled || !log_file) return;
     std::fwrite(line.data(), 1, line.size(), log_file);
@@ -31,9 +36,13 @@ void write_log(std::string_view line) {
 void engine_print(std::string_view text) {
     const std::string line = std::string(text) + "\n";
     const std::lock_guard lock(print_mutex);
-    const bool written = std::fwrite(line.data(), 1, line.size(), stdout) == line.size();
-    if (std::fflush(stdout) != 0 || !written) lost = true;
+    write_output(line);
     write_log(line);
+}
+
+void print_unlogged(std::string_view text) {
+    const std::lock_guard lock(print_mutex);
+    write_output(text);
 }
 
 void log_line(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 // The single way out: lines to standard output, copied to the log file. Any thread may call these;
-// each line is written whole. Depends on nothing, so that every part of the engine can report.
+// each line is written whole. Depends on the settings alone, so that every part of the engine can
+// report.
 
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@ namespace quon {
 // Writes the text and a newline to standard output and flushes it; copies them to the log file when
 // logging is on and the file is open.
 void engine_print(std::string_view text);
+
+// The text as it stands, to standard output alone: what never goes to the log.
+void print_unlogged(std::string_view text);
 
 // The line to the log file alone, under the same two conditions.
 void log_line(std::string_view text);

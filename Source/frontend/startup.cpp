@@ -34,13 +34,17 @@ constexpr u32 TIMER_PERIOD_MS = 5;
 void set_timer_period() {
     switch (request_timer_period(TIMER_PERIOD_MS, options.timer_resolution)) {
         case TimerStatus::NO_CAPABILITIES:
-            std::puts("error setting timer resolution");
-            std::fflush(stdout);
+            print_unlogged("error setting timer resolution\n");
             break;
         case TimerStatus::REFUSED: engine_print("Error setting timer resolution"); break;
         case TimerStatus::NOT_NEEDED:
         case TimerStatus::SET: break;
     }
+}
+
+bool refuse(const char* reason) {
+    std::fprintf(stderr, "quon: %s\n", reason);
+    return false;
 }
 
 // Brings everything up; false when memory or threads are short.
@@ -59,9 +63,9 @@ bool start(const CommandLine& line, RunMode& mode) {
     default_params = params;
     mode = apply_command_line(line);
     // 5. The hash table; the position keys come with it.
-    if (!hash_alloc()) return false;
+    if (!hash_alloc()) return refuse("not enough memory for the hash table");
     // 6. The search threads.
-    if (!create_threads(options.threads)) return false;
+    if (!create_threads(options.threads)) return refuse("the search threads cannot be created");
     set_timer_period();
     // 7. What the search and the evaluation derive from the parameters.
     apply_search_params();

@@ -33,7 +33,7 @@ void isready_command(std::string_view) { engine_print("readyok"); }
 void ucinewgame_command(std::string_view) {
     finish_search();
     limits.fixed_time = 60;
-    limits.time_mode = 0;
+    limits.time_mode = CLOCK_TIME;
     limits.clock = {{60, 60}};
     limits.increment = 0;
     game.game_ply = 0;

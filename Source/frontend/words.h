@@ -1,6 +1,6 @@
 #pragma once
-// Words and numbers of text lines. A blank is the space alone. Depends on nothing, so that every
-// reader of text can use it.
+// Words and numbers of text lines. A blank is the space alone. Needs nothing but integers, so that
+// every reader of text can use it.
 
 #include <string_view>
 

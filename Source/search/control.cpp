@@ -1,11 +1,9 @@
-#include "search/control.h"
+// The one set of flags.
 
-#include "search/run.h"
+#include "search/control.h"
 
 namespace quon {
 
 SearchControl control;
-SearchRun run;
-Game game;
 
 }  // namespace quon

@@ -9,6 +9,7 @@
 // - A bucket is the four consecutive entries from the slot; neighbouring buckets overlap.
 
 #include "board/position.h"
+#include "search/score.h"
 
 namespace quon {
 
@@ -17,7 +18,7 @@ enum Bound : u8 { UPPER_BOUND = 1, LOWER_BOUND = 2, EXACT_BOUND = 3 };
 // What a probe hands out; depth below -10 means no usable entry.
 struct HashEntry {
     Move move = NO_MOVE;
-    i16 score = -10000;
+    i16 score = NO_SCORE;
     u8 bound = 0;
     i8 depth = -99;
 

@@ -60,7 +60,7 @@ MoveLoop start_loop(ThreadData& t, int ply, int depth, int alpha, int beta, bool
                     int node_type) {
     PlyRecord& record = t.plies[ply];
     record.move_count = 0;
-    record.stage = 0;
+    record.stage = PickStage::START;
     const bool lmp_ok =
         depth <= search_params.LMP_depth && !in_check && !record.in_iid && node_type != 0;
     const bool lmr_ok =

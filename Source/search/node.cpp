@@ -27,6 +27,10 @@ constexpr int PV_TABLE_PLY = 11;    // open-window nodes up to here take no tabl
 constexpr int MINOR_PIECE_NPM = 3;  // one minor piece's material
 constexpr int PROBCUT_MARGIN = 125;
 constexpr int PROBCUT_EXCHANGE = 99;  // a capture must win more than this
+constexpr int THREAT_MARGIN = 25;
+constexpr int PROBCUT_EVAL_MARGIN = 24;
+constexpr int NULL_MOVE_MARGIN = 11;
+constexpr int DEEPENING_MARGIN = 199;
 constexpr int SAFE_MARGIN = 99;
 constexpr int SINGULAR_MARGIN = 50;
 
@@ -127,8 +131,9 @@ bool razoring(const Node& node, int& score) {
 bool static_eval_pruning(const Node& node) {
     const int threat = node.record.threat[node.position().side];
     const bool comfortable = node.depth <= search_params.SEP_depth &&
-                             node.eval >= node.beta + threat / 2 + 25 && !node.tt_fail_low &&
-                             node.zero_window() && node.own_npm() > MINOR_PIECE_NPM;
+                             node.eval >= node.beta + threat / 2 + THREAT_MARGIN &&
+                             !node.tt_fail_low && node.zero_window() &&
+                             node.own_npm() > MINOR_PIECE_NPM;
     if (!comfortable) return false;
     if (node.eval >= node.beta + search_params.SEP_margin * node.depth) return true;
     return node.depth < 3 && threats_safe(node.position(), node.eval, node.beta);
@@ -153,8 +158,9 @@ bool probcut_test(ThreadData& t, int ply, int depth, int threshold) {
     return false;
 }
 
+// Never in check: such a node's evaluation lies below every beta.
 bool probcut(const Node& node) {
-    return node.depth > 4 && node.eval > node.beta + 24 && !node.tt_fail_low &&
+    return node.depth > 4 && node.eval > node.beta + PROBCUT_EVAL_MARGIN && !node.tt_fail_low &&
            node.zero_window() && node.own_npm() > MINOR_PIECE_NPM &&
            probcut_test(node.t, node.ply, node.depth - 3, node.beta + PROBCUT_MARGIN);
 }
@@ -168,9 +174,10 @@ bool after_null_move(const ThreadData& t, int ply) {
 // If even passing the turn holds beta, the node will: at once near the horizon, after a shallower
 // search of the node's own moves elsewhere.
 bool null_move(const Node& node, int& score) {
-    const bool tempting = node.depth >= search_params.NMP_depth && node.eval > node.beta + 11 &&
-                          !node.tt_fail_low && !node.in_check && node.zero_window() &&
-                          node.own_npm() > 0 && !after_null_move(node.t, node.ply);
+    const bool tempting = node.depth >= search_params.NMP_depth &&
+                          node.eval > node.beta + NULL_MOVE_MARGIN && !node.tt_fail_low &&
+                          !node.in_check && node.zero_window() && node.own_npm() > 0 &&
+                          !after_null_move(node.t, node.ply);
     if (!tempting) return false;
     const int reduction = node.depth > 7 && node.own_npm() > 5 ? 4 : 3;
     const int child_depth = std::max(node.depth - reduction - 1, 0);
@@ -198,7 +205,7 @@ bool internal_iterative_deepening(const Node& node, int& expected, int& score) {
     if (node.depth < 4) return false;
     const int reduced = node.depth < 7 ? 1 : node.depth - 5;
     const int target = node.zero_window() ? reduced : node.depth - 3;
-    if (node.tt_move_depth() >= target || node.eval < node.alpha - 199) return false;
+    if (node.tt_move_depth() >= target || node.eval < node.alpha - DEEPENING_MARGIN) return false;
 
     node.record.in_iid = true;
     expected = search_moves(node.t, node.ply, target, node.alpha, node.beta, node.in_check,
@@ -219,7 +226,7 @@ bool singular_test(ThreadData& t, int ply, int depth, int threshold, bool in_che
     Position& p = t.position;
     const KingGuard guard = king_guard(p, in_check);
     if (!is_pseudo_legal(p, move) || !is_legal(p, move, guard)) return false;
-    t.plies[ply].stage = 0;
+    t.plies[ply].stage = PickStage::START;
     while (const MoveEntry* entry = next_move(t, ply, in_check)) {
         if (entry->move == move || !is_legal(p, entry->move, guard)) continue;
         make_move(p, entry->move);

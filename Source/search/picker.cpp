@@ -13,6 +13,15 @@ namespace quon {
 
 namespace {
 
+// Coarse piece values by type, for "takes something cheaper" tests.
+constexpr Table<int, 7> COARSE_VALUE = {{0, 1, 3, 3, 5, 10, 0}};
+// A move worth less than this in static exchange, centipawns, loses material.
+constexpr int LOSING_EXCHANGE = -74;
+
+bool takes_cheaper(const MoveEntry& entry) {
+    return COARSE_VALUE[type_of(entry.piece)] > COARSE_VALUE[type_of(entry.captured)];
+}
+
 constexpr Table<int, 7> VICTIM_ORDER = {{200, 210, 220, 220, 230, 240, 250}};
 
 constexpr int HASH_MOVE_ORDER = 255;
@@ -21,15 +30,13 @@ constexpr int GOOD_CAPTURE_ORDER = 150;  // above: tried before the quiet moves
 constexpr int UNSORTED_ORDER = 3;        // at or below: the rest is taken as it stands
 constexpr int SORTED_MOVES = 16;
 
-// Stages, in the order in which a node passes them.
-constexpr int STAGE_START = 0;
-constexpr int STAGE_CAPTURES = 1;
-constexpr int STAGE_PICK_CAPTURES = 3;
-constexpr int STAGE_PICK_ALL = 6;
-constexpr int STAGE_REST = 7;
-
 int history_order(const ThreadData& t, const MoveEntry& entry) {
     return t.history[entry.piece][move_to(entry.move)] / 128;
+}
+
+// Most valuable victim, least valuable attacker: 194 .. 249.
+int capture_order(const MoveEntry& entry) {
+    return VICTIM_ORDER[type_of(entry.captured)] - type_of(entry.piece);
 }
 
 int good_or_losing_capture_order(const Position& p, const MoveEntry& entry) {
@@ -108,10 +115,6 @@ bool loses_material(const Position& p, const MoveEntry& entry) {
            see(p, p.side, move_from(entry.move), move_to(entry.move)) < LOSING_EXCHANGE;
 }
 
-int capture_order(const MoveEntry& entry) {
-    return VICTIM_ORDER[type_of(entry.captured)] - type_of(entry.piece);
-}
-
 void finish_list(ThreadData& t, int ply, MoveEntry* end) {
     terminate_list(end);
     t.plies[ply + 1].list_start = end + 1;
@@ -144,8 +147,8 @@ void list_quiescence_captures(ThreadData& t, int ply) {
 const MoveEntry* next_move(ThreadData& t, int ply, bool in_check) {
     PlyRecord& record = t.plies[ply];
     switch (record.stage) {
-        case STAGE_START:
-            record.stage = STAGE_CAPTURES;
+        case PickStage::START:
+            record.stage = PickStage::CAPTURES;
             record.rest = record.list_start;
             if (record.hash_move != NO_MOVE && is_pseudo_legal(t.position, record.hash_move)) {
                 const Table<u8, 65>& board = t.position.board;
@@ -156,28 +159,28 @@ const MoveEntry* next_move(ThreadData& t, int ply, bool in_check) {
                 return record.next_pick = record.rest;
             }
             [[fallthrough]];
-        case STAGE_CAPTURES:
+        case PickStage::CAPTURES:
             list_all_captures(t, ply);
-            record.stage = STAGE_PICK_CAPTURES;
+            record.stage = PickStage::PICK_CAPTURES;
             record.rest = record.list_start;
             [[fallthrough]];
-        case STAGE_PICK_CAPTURES:
+        case PickStage::PICK_CAPTURES:
             if (select_best(record.rest) && record.rest->order > GOOD_CAPTURE_ORDER) {
                 return record.next_pick = record.rest++;
             }
             add_quiets(t, ply, in_check, record.rest);
-            record.stage = STAGE_PICK_ALL;
+            record.stage = PickStage::PICK_ALL;
             [[fallthrough]];
-        case STAGE_PICK_ALL:
+        case PickStage::PICK_ALL:
             if (!select_best(record.rest)) return nullptr;
             if (record.rest->order <= UNSORTED_ORDER || record.move_count >= SORTED_MOVES) {
-                record.stage = STAGE_REST;
+                record.stage = PickStage::REST;
             }
             return record.next_pick = record.rest++;
-        default:
-            if (record.rest->move == LIST_END) return nullptr;
-            return record.next_pick = record.rest++;
+        case PickStage::REST: break;
     }
+    if (record.rest->move == LIST_END) return nullptr;
+    return record.next_pick = record.rest++;
 }
 
 void score_moves(ThreadData& t, MoveEntry* list) {

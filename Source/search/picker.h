@@ -14,22 +14,12 @@
 
 namespace quon {
 
-// Coarse piece values by type, for "takes something cheaper" tests.
-constexpr Table<int, 7> COARSE_VALUE = {{0, 1, 3, 3, 5, 10, 0}};
-// A move worth less than this in static exchange, centipawns, loses material.
-constexpr int LOSING_EXCHANGE = -74;
-
-inline bool takes_cheaper(const MoveEntry& entry) {
-    return COARSE_VALUE[type_of(entry.piece)] > COARSE_VALUE[type_of(entry.captured)];
-}
 // The mover is worth more than its victim and the exchange on the destination loses.
 bool loses_material(const Position& p, const MoveEntry& entry);
 
-// Most valuable victim, least valuable attacker: 194 .. 249.
-int capture_order(const MoveEntry& entry);
-
 // Next move of the node at the thread's current ply, nullptr when there is none left. The caller
-// has set the ply's `stage` to 0 before the first call. The record is valid until the next call.
+// has set the ply's `stage` to 0 and its `hash_move` before the first call, and counts the searched
+// moves in `move_count`. The record is valid until the next call.
 const MoveEntry* next_move(ThreadData& t, int ply, bool in_check);
 
 // Scores a complete list of root moves.

@@ -10,6 +10,7 @@
 #include "frontend/output.h"
 #include "search/control.h"
 #include "search/hash.h"
+#include "search/score.h"
 #include "search/threads.h"
 
 namespace quon {
@@ -36,8 +37,8 @@ int shown_score(int score) {
 }
 
 std::string score_text(int score) {
-    if (score >= 9900) return format("mate %d", (10000 - score) / 2);
-    if (score < -9900) return format("mate -%d", (score + 10001) / 2);
+    if (score >= CERTAIN_MATE) return format("mate %d", (MATE - score) / 2);
+    if (score < -CERTAIN_MATE) return format("mate -%d", (score + MATE + 1) / 2);
     return format("cp %d", score);
 }
 

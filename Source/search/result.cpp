@@ -5,13 +5,13 @@
 #include "frontend/engine_options.h"
 #include "search/control.h"
 #include "search/report.h"
+#include "search/score.h"
 
 namespace quon {
 
 namespace {
 
-constexpr int CERTAIN_MATE = 9900;  // a mate score that only a faster mate replaces
-constexpr int OPEN_SCORE = 9898;    // up to here a deeper result replaces any score
+constexpr int OPEN_SCORE = 9898;  // up to here a deeper result replaces any score
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "board/position.h"
+#include "frontend/engine_options.h"
 #include "platform/relaxed.h"
 
 namespace quon {
@@ -16,11 +17,11 @@ using Line = Table<Relaxed<Move>, MAX_PLY>;
 
 struct SearchRun {
     // Set by time_setup before the threads start, constant during a search.
-    double start_time = 0;     // seconds on the monotonic clock
-    double target_time = 1e7;  // seconds allotted to this move; no limit before the first search
+    double start_time = 0;                 // seconds on the monotonic clock
+    double target_time = ENDLESS_SECONDS;  // seconds allotted to this move
     int root_side = WHITE;
     int multipv = 1;
-    int depth_limit = 66;
+    int depth_limit = NO_DEPTH_LIMIT;
     Relaxed<bool> finished = false;  // the search ended by itself: depth limit or mate
 
     Relaxed<double> elapsed = 0.0;  // seconds since start_time, as of the last time check
@@ -36,7 +37,8 @@ struct SearchRun {
     Relaxed<i8> change_depth = i8{0};  // iteration at which the best move last changed
 
     Table<std::atomic<u64>, MAX_PLY> nodes_by_depth{};
-    Relaxed<u8> easy_state = u8{0};       // 1 single root move, 2 clearly best move
+    Relaxed<u8> easy_state = u8{0};  // 1 single root move, 2 clearly best move; set by
+    // the main search thread, cleared by any thread that finds a better move
     Relaxed<i8> current_depth = i8{0};    // the main search thread's iteration
     Relaxed<i8> main_done_depth = i8{0};  // last iteration that it completed
     int second_score = 0;  // second-best root score of the iteration; the main search thread's own

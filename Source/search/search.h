@@ -24,7 +24,8 @@ int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, int node
 // The node's move loop; fail-soft.
 int search_moves(ThreadData& t, int ply, int depth, int alpha, int beta, bool in_check,
                  int node_type);
-// Captures, and on its first level quiet checks and pawns to the seventh rank.
+// Captures and queen promotions; from depth 0 on also quiet checks and pawns to the seventh rank.
+// The node has stored its evaluation in the record and is not in check.
 int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);
 
 // Copies the child's line behind the move at pv[ply][ply].

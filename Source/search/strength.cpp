@@ -36,7 +36,7 @@ bool walk(ThreadData& t, int ply, int depth, u64& nodes) {
     evaluate_node(t, ply, checked);
     if (depth == 0) return true;
 
-    record.stage = 0;
+    record.stage = PickStage::START;
     record.move_count = 0;
     record.hash_move = NO_MOVE;
     const KingGuard guard = king_guard(t.position, checked);

@@ -13,6 +13,9 @@ namespace quon {
 // Plies of records and lines: the deepest node, and the two plies behind it that a node touches.
 constexpr int PLY_RECORDS = MAX_PLY + 4;
 
+// What the move picker does next.
+enum class PickStage : u8 { START, CAPTURES, PICK_CAPTURES, PICK_ALL, REST };
+
 // The state of one node on the current path.
 struct PlyRecord : EvalNotes {
     int static_eval;
@@ -26,7 +29,7 @@ struct PlyRecord : EvalNotes {
     Move killer1;
     Move killer2;
     Move killer_evasion;  // killer of nodes in check
-    int stage;            // of the move picker
+    PickStage stage;
     MoveEntry* list_start;
     MoveEntry* rest;             // first entry that the picker has not handed out
     const MoveEntry* next_pick;  // the move being searched

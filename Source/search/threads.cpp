@@ -3,13 +3,13 @@
 
 #include "search/threads.h"
 
-#include <cstdio>
 #include <exception>
 #include <memory>
 #include <new>
 #include <thread>
 
 #include "frontend/engine_options.h"
+#include "frontend/output.h"
 #include "platform/events.h"
 #include "platform/topology.h"
 #include "search/control.h"
@@ -37,8 +37,7 @@ void place_on_node(int index) {
     const int node = numa_node_for(index);
     if (node < 0) return;
     if (const auto group = bind_thread_to_node(node)) {
-        std::printf("thread %d, set group affinity to %d\n", index, *group);
-        std::fflush(stdout);
+        print_unlogged(format("thread %d, set group affinity to %d\n", index, *group));
     }
 }
 
@@ -137,9 +136,8 @@ int numa_node_for(int index) {
     const auto topology = read_topology();
     if (!topology) return -1;
     if (index == 0) {
-        std::printf("nodes=%d, cores=%d, threads=%d\n", topology->nodes, topology->cores,
-                    topology->logical);
-        std::fflush(stdout);
+        print_unlogged(format("nodes=%d, cores=%d, threads=%d\n", topology->nodes, topology->cores,
+                              topology->logical));
     }
     const int per_node = topology->cores / topology->nodes;
     const int core_slots = per_node * topology->nodes;

@@ -14,6 +14,7 @@
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/run.h"
+#include "search/score.h"
 #include "search/search_params.h"
 #include "search/threads.h"
 
@@ -30,10 +31,10 @@ void reset_run() {
     run.multipv = options.multipv;
     run.depth_limit = limits.depth_limit;
     run.finished = false;
-    run.shared_score = i16{-10000};
+    run.shared_score = i16(NO_SCORE);
     run.shared_depth = i8{0};
     run.shared_line = {};
-    for (auto& score : run.score_by_depth) score = i16{-10000};
+    for (auto& score : run.score_by_depth) score = i16(NO_SCORE);
     for (auto& move : run.move_by_depth) move = NO_MOVE;
     for (auto& nodes : run.nodes_by_depth) nodes = 0;
     run.change_depth = i8{0};
@@ -54,7 +55,7 @@ struct Share {
 
 Share clock_share() {
     const int ply = game.game_ply;
-    if (limits.time_mode == 0) {
+    if (limits.time_mode == CLOCK_TIME) {
         limits.moves_to_go = i16(ply < 30 ? 38 - ply / 2 : 24);
         return {limits.moves_to_go + 1, true};
     }
@@ -73,7 +74,7 @@ double target_from_clock() {
     if (limits.increment > 0 && clock > 4 * overhead) {
         target += limits.increment * clock / (2 * limits.increment + clock);
     }
-    // In this order of arguments the division of nothing by nothing ends at the cap.
+    // Whatever the share, a third of the clock and four delays stay.
     target = std::min(clock * 0.65 - 4 * overhead, target);
     return std::max(LEAST_TARGET, target);
 }
@@ -102,7 +103,7 @@ void time_setup() {
         apply_search_params();
     }
     reset_run();
-    if (limits.time_mode == 1) {
+    if (limits.time_mode == FIXED_TIME) {
         run.target_time = limits.fixed_time;
         limits.clock[run.root_side] = limits.fixed_time;
     } else {
@@ -125,7 +126,7 @@ DropThresholds drop_thresholds(int previous) {
     return {small, 4 * small};
 }
 
-// What other threads think of the best move, in percent of the remaining time.
+// What the threads think of the best move, in percent of the remaining time.
 int disagreement(int depth) {
     int doubt = 0;
     const Move best = run.shared_line[1];
@@ -179,12 +180,13 @@ void time_check() {
     const double remaining = std::max(limits.clock[run.root_side] - run.elapsed, 0.0);
     // Then every millisecond counts: with short increments even CHECK_AFTER a move would be too
     // much.
-    const bool clock_nearly_gone = limits.time_mode != 1 && remaining < 5 * limits.move_overhead;
+    const bool clock_nearly_gone =
+        limits.time_mode != FIXED_TIME && remaining < 5 * limits.move_overhead;
     if (run.elapsed < CHECK_AFTER && !clock_nearly_gone) return;
 
     const int doubt = instability(depth);
     double limit = run.target_time + doubt * 0.01 * remaining;
-    if (limits.time_mode != 1) {
+    if (limits.time_mode != FIXED_TIME) {
         if (doubt == 0 && depth > 7 && depth - 3 > run.change_depth) limit *= 0.85;
         limit -= limits.move_overhead;
     }

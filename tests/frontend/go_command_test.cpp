@@ -4,6 +4,7 @@
 
 #include "board/fen.h"
 #include "frontend/engine_options.h"
+#include "frontend/output.h"
 #include "search/control.h"
 #include "search/run.h"
 
@@ -15,8 +16,7 @@ struct GoCommand : testing::Test {
     void SetUp() override {
         game.position.owner = &game;
         position_from_fen(game.position, START_FEN);
-        limits = {};
-        control = {};
+        TearDown();
     }
     void TearDown() override {
         limits = {};
@@ -25,91 +25,62 @@ struct GoCommand : testing::Test {
 };
 
 TEST_F(GoCommand, Clocks) {
-    go_command("wtime 60000 btime 30500 winc 1000 binc 2000");
-    EXPECT_EQ(limits.time_mode, 0);
-    EXPECT_DOUBLE_EQ(limits.clock[WHITE], 60);
-    EXPECT_DOUBLE_EQ(limits.clock[BLACK], 30.5);
-    EXPECT_DOUBLE_EQ(limits.increment, 1);
-    EXPECT_EQ(control.go_request, GO_PLAY);
-    EXPECT_EQ(control.stop_flag, ABORT);
-
-    game.position.side = BLACK;
-    go_command("wtime -5 btime 7 winc 3000");
-    EXPECT_DOUBLE_EQ(limits.clock[WHITE], 0);
-    EXPECT_DOUBLE_EQ(limits.clock[BLACK], 0.007);
-    EXPECT_DOUBLE_EQ(limits.increment, 1) << "the other side's increment is not the mover's";
-    go_command("binc 3000");
-    EXPECT_DOUBLE_EQ(limits.increment, 3);
-}
-
-TEST_F(GoCommand, MovesToGo) {
-    limits.depth_limit = 5;
-    limits.max_nodes = 77;
-    go_command("wtime 1000 btime 1000 movestogo 7");
-    EXPECT_EQ(limits.time_mode, 40);
-    EXPECT_EQ(limits.moves_to_go, 7);
-    EXPECT_EQ(limits.depth_limit, NO_DEPTH_LIMIT);
-    EXPECT_EQ(limits.max_nodes, 0);
-    go_command("movestogo -3");
-    EXPECT_GE(limits.moves_to_go, 0);
-    go_command("movestogo 99999999999");
-    EXPECT_EQ(limits.moves_to_go, 32767);
-}
-
-TEST_F(GoCommand, DepthStaysUntilItIsChanged) {
     const struct {
-        const char* rest;
-        int depth;
+        int side;
+        const char *rest, *limits;  // mode, seconds of White and Black, increment, moves to go
     } cases[] = {
-        {"depth 5", 5},    {"wtime 1000 btime 1000", 5},
-        {"depth 66", 66},  {"depth 100", 66},
-        {"depth 127", 66}, {"depth 128", 66},
-        {"depth 12", 12},  {"movetime 100", 12},
-        {"depth 300", 66}, {"depth 9", 9},
-        {"infinite", 66},  {"depth 99999999999999999999", 66},
-        {"depth 1", 1},    {"movestogo 3", 66},
-        {"depth -1", 0},
+        {WHITE, "wtime 60000 btime 30500 winc 1000 binc 2000", "0 60 30.5 1 0"},
+        {BLACK, "wtime -5 btime 7 winc 3000", "0 0 0.007 1 0"},
+        {BLACK, "binc 3000", "0 0 0.007 3 0"},
+        {WHITE, "wtime 1000 btime 1000 movestogo 7", "40 1 1 3 7"},
+        {WHITE, "movestogo -3", "40 1 1 3 0"},
+        {WHITE, "movestogo 99999999999", "40 1 1 3 32767"},
+        // The order of the keywords in the line does not count.
+        {WHITE, "movetime 2000 movestogo 30", "1 1 1 0 30"},
+    };
+    for (const auto& c : cases) {
+        game.position.side = u8(c.side);
+        go_command(c.rest);
+        EXPECT_EQ(format("%d %g %g %g %d", limits.time_mode, limits.clock[WHITE],
+                         limits.clock[BLACK], limits.increment, limits.moves_to_go),
+                  c.limits)
+            << c.rest;
+        EXPECT_EQ(control.go_request, GO_PLAY);
+        EXPECT_EQ(control.stop_flag, ABORT);
+    }
+    go_command("wtime 1 ponder btime 1");
+    EXPECT_EQ(control.go_request, GO_PONDER);
+}
+
+// Depth and nodes stay until they are changed, each row after the one before it.
+TEST_F(GoCommand, FixedForms) {
+    const struct {
+        const char *rest, *limits;  // mode, depth, nodes, seconds, increment
+    } cases[] = {
+        {"depth 5 wtime 1 winc 4000", "1 5 0 1e+07 4"},
+        {"wtime 1000 btime 1000", "0 5 0 1e+07 4"},
+        {"nodes 12345", "1 5 12345 1e+07 4"},
+        {"movetime 1500", "1 5 12345 1.5 0"},
+        {"depth 66", "1 66 12345 1e+07 0"},
+        {"depth 100", "1 66 12345 1e+07 0"},
+        {"depth 12", "1 12 12345 1e+07 0"},
+        {"movestogo 3", "40 66 0 1e+07 0"},
+        {"depth 9 nodes 8 winc 1000", "1 9 8 1e+07 1"},
+        {"infinite depth 4", "1 66 0 1e+07 0"},
+        {"depth 1", "1 1 0 1e+07 0"},
+        {"depth 128", "1 66 0 1e+07 0"},
+        {"depth 2", "1 2 0 1e+07 0"},
+        {"depth 300", "1 66 0 1e+07 0"},
+        {"depth -1", "1 0 0 1e+07 0"},
+        {"depth 99999999999999999999", "1 66 0 1e+07 0"},
     };
     for (const auto& c : cases) {
         go_command(c.rest);
-        EXPECT_EQ(limits.depth_limit, c.depth) << c.rest;
+        EXPECT_EQ(format("%d %d %d %g %g", limits.time_mode, limits.depth_limit,
+                         int(limits.max_nodes), limits.fixed_time, limits.increment),
+                  c.limits)
+            << c.rest;
     }
-    go_command("depth 3");
-    EXPECT_EQ(limits.time_mode, 1);
-    EXPECT_DOUBLE_EQ(limits.fixed_time, 10000000);
-}
-
-TEST_F(GoCommand, FixedForms) {
-    go_command("nodes 12345");
-    EXPECT_EQ(limits.max_nodes, 12345);
-    EXPECT_EQ(limits.time_mode, 1);
-    EXPECT_DOUBLE_EQ(limits.fixed_time, 10000000);
-
-    limits.increment = 4;
-    go_command("movetime 1500");
-    EXPECT_EQ(limits.time_mode, 1);
-    EXPECT_DOUBLE_EQ(limits.fixed_time, 1.5);
-    EXPECT_DOUBLE_EQ(limits.increment, 0);
-    EXPECT_EQ(limits.max_nodes, 12345) << "only movestogo and infinite lift it";
-
-    limits.increment = 4;
-    go_command("infinite");
-    EXPECT_EQ(limits.time_mode, 1);
-    EXPECT_DOUBLE_EQ(limits.fixed_time, 10000000);
-    EXPECT_EQ(limits.max_nodes, 0);
-    EXPECT_DOUBLE_EQ(limits.increment, 0);
-}
-
-TEST_F(GoCommand, TableOrderNotTextOrderDecides) {
-    go_command("movetime 2000 movestogo 30");
-    EXPECT_EQ(limits.time_mode, 1);
-    go_command("infinite depth 4");
-    EXPECT_EQ(limits.depth_limit, NO_DEPTH_LIMIT);
-    go_command("wtime 1 ponder btime 1");
-    EXPECT_EQ(control.go_request, GO_PONDER);
-    go_command("wtime 1 btime 1");
-    EXPECT_EQ(control.go_request, GO_PLAY);
-    EXPECT_EQ(limits.time_mode, 0);
 }
 
 TEST_F(GoCommand, Garbage) {

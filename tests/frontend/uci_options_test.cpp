@@ -12,74 +12,59 @@ namespace {
 
 TEST(UciOptions, NameAndValue) {
     const struct {
-        std::string rest, name, value;
+        const char *rest, *name_and_value;
     } cases[] = {
-        {"name Hash value 32", "Hash", "32"},
-        {"name   Hash   value   32   ", "Hash", "32"},
-        {"name Clear Hash", "Clear Hash", ""},
-        {"name  Clear Hash  ", "Clear Hash", ""},
-        {"name Clear Hash value", "Clear Hash", ""},
-        {"name Clear Hash value true false", "Clear Hash", "true"},
-        {"name SyzygyPath value ", "SyzygyPath", ""},
-        {"name SyzygyPath value /a/b c", "SyzygyPath", "/a/b"},
-        {"nonsense name Log value true", "Log", "true"},
-        {"namexHash value 1", "Hash", "1"},
-        // Without a name before the value there is neither.
-        {"", "", ""},
-        {"value 3", "", ""},
-        {"value 3 name Hash", "", ""},
-        {"name", "", ""},
-        {"namevalue", "", ""},
-        {"name value 3", "", "3"},
+        {"name   Hash   value   32   ", "Hash|32"},
+        {"name  Clear Hash  ", "Clear Hash|"},
+        {"name Clear Hash value true false", "Clear Hash|true"},
+        {"name SyzygyPath value ", "SyzygyPath|"},
+        {"name SyzygyPath value /a/b c", "SyzygyPath|/a/b"},
+        {"nonsense name Log value true", "Log|true"},
+        {"namexHash value 1", "Hash|1"},
+        {"name value 3", "|3"},
+        {"value 3 name Hash", "|"},
     };
-    for (const auto& c : cases) {
-        const OptionText text = parse_option(c.rest);
-        EXPECT_EQ(text.name, c.name) << c.rest;
-        EXPECT_EQ(text.value, c.value) << c.rest;
-    }
+    const auto parsed = [](const std::string& rest) {
+        const OptionText text = parse_option(rest);
+        return std::string(text.name) + "|" + std::string(text.value);
+    };
+    for (const auto& c : cases) EXPECT_EQ(parsed(c.rest), c.name_and_value) << c.rest;
+    for (const char* rest : {"", "value 3", "name", "namevalue"}) EXPECT_EQ(parsed(rest), "|");
 }
 
-// Options that only store something; those that act are tried in the sessions of tests/protocol.
+// Values out of range in options that only store something; the others, and values in range, are
+// tried in the sessions of tests/protocol.
 TEST(UciOptions, Replies) {
     const EngineOptions kept = options;
     const SearchLimits kept_limits = limits;
+    const std::string long_path(129, 'p');
     const struct {
         std::string rest, reply;
     } cases[] = {
-        {"name Ponder value true", "info string Ponder set to true\n"},
-        {"name Ponder value True", "info string Ponder set to false\n"},
-        {"name Contempt value -151", "info string Contempt set to -150\n"},
-        {"name Contempt value 999999999999999999999", "info string Contempt set to 150\n"},
-        {"name Contempt value 0", "info string Contempt set to 0\n"},
-        {"name MultiPV value 0", "info string MultiPV set to 1\n"},
-        {"name MultiPV value 256", "info string MultiPV set to 255\n"},
-        {"name MultiPV value x", "info string MultiPV set to 1\n"},
-        {"name MoveOverhead value 5001", "info string MoveOverhead set to 5000 ms\n"},
-        {"name MoveOverhead value -1", "info string MoveOverhead set to 0 ms\n"},
-        {"name OwnBook value true", "info string OwnBook set to true\n"},
-        {"name SyzygyPath value", "info string SyzygyPath set to '.'\n"},
-        {"name SyzygyPath", "info string SyzygyPath set to '.'\n"},
-        {"name SyzygyPath value " + std::string(300, 'p'),
-         "info string SyzygyPath set to '" + std::string(129, 'p') + "'\n"},
-        {"name SyzygyProbeDepth5 value 0", "info string SyzygyProbeDepth5 set to 1\n"},
-        {"name SyzygyProbeDepth6 value 101", "info string SyzygyProbeDepth6 set to 100\n"},
-        {"name clear hash", ""},
-        {"name Unknown value 1", ""},
-        {"name " + std::string(4000, 'n') + " value 1", ""},
-        {"", ""},
+        {"Ponder value True", "Ponder set to false"},
+        {"Contempt value -151", "Contempt set to -150"},
+        {"Contempt value 999999999999999999999", "Contempt set to 150"},
+        {"Contempt value 0", "Contempt set to 0"},
+        {"MultiPV value 256", "MultiPV set to 255"},
+        {"MultiPV value x", "MultiPV set to 1"},
+        {"MoveOverhead value 5001", "MoveOverhead set to 5000 ms"},
+        {"MoveOverhead value -1", "MoveOverhead set to 0 ms"},
+        {"MoveOverhead value 250", "MoveOverhead set to 250 ms"},
+        {"SyzygyPath value", "SyzygyPath set to '.'"},
+        {"SyzygyPath value " + long_path + "q", "SyzygyPath set to '" + long_path + "'"},
+        {"SyzygyProbeDepth5 value 0", "SyzygyProbeDepth5 set to 1"},
+        {"SyzygyProbeDepth6 value 101", "SyzygyProbeDepth6 set to 100"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(captured_output([&] { setoption_command(c.rest); }), c.reply) << c.rest;
+        EXPECT_EQ(captured_output([&] { setoption_command("name " + c.rest); }),
+                  "info string " + c.reply + "\n");
+    }
+    EXPECT_DOUBLE_EQ(limits.move_overhead, 0.25) << "seconds";
+    for (const std::string& rest : {std::string(), "name " + std::string(4000, 'n') + " value 1"}) {
+        EXPECT_EQ(captured_output([&] { setoption_command(rest); }), "");
     }
     options = kept;
     limits = kept_limits;
-}
-
-TEST(UciOptions, OverheadIsStoredInSeconds) {
-    const SearchLimits kept = limits;
-    captured_output([] { setoption_command("name MoveOverhead value 250"); });
-    EXPECT_DOUBLE_EQ(limits.move_overhead, 0.25);
-    limits = kept;
 }
 
 }  // namespace

@@ -2,24 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <set>
-#include <thread>
 
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "frontend/output.h"
+#include "platform/clock.h"
 #include "protocol/session.h"
 #include "support/board_support.h"
 
 namespace quon::test {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double seconds_since(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
+constexpr char INFO_LINE[] =
+    R"(info (multipv \d+ )?depth \d+ seldepth \d+ score (cp -?\d+|mate -?\d+) time \d+ nodes \d+ )"
+    R"(nps \d+ tbhits \d+ hashfull \d+ pv( [a-h][1-8][a-h][1-8][nbrq]?)+)";
 
 // Exactly one "bestmove" was printed: none is left.
 void expect_idle(Session& session) { EXPECT_EQ(session.answers({}), Lines{}); }
@@ -43,53 +41,30 @@ TEST(SearchSession, InfoLinesAndBestMove) {
 
 TEST(SearchSession, FormsOfGo) {
     Session session;
-    for (const char* go : {
-             "go depth 5",
-             "go nodes 20000",
-             "go movetime 50",
-             "go depth 66 movetime 50",
-             "go depth 100 movetime 50",
-             "go depth 300 nodes 5000",
-             "go depth 7",
-             "go wtime 300 btime 300",
-             "go wtime 300 btime 300 winc 10 binc 10",
-             "go wtime 500 btime 500 movestogo 5",
-             "go wtime -100 btime -100",
-             "go wtime 0 btime 0 winc 0 binc 0 movestogo 0",
-             "go movetime -1",
-             "go movetime 0",
-             "go wtime 200 btime 200 searchmoves e2e4",
-             "go depth 3 nonsense nodes",
-             "go",
-         }) {
-        if (std::string(go) == "go") {
-            // As the clocks stand.
-            session.send({"go wtime 100 btime 100"});
-            session.read_to("bestmove");
-        }
+    const std::string forms =
+        "go depth 5|go nodes 20000|go movetime 50|go depth 66 movetime 50|go depth 100 movetime 50|"
+        "go depth 300 nodes 5000|go wtime 300 btime 300|go wtime 300 btime 300 winc 10 binc 10|"
+        "go wtime 500 btime 500 movestogo 5|go wtime -100 btime -100|"
+        "go wtime 0 btime 0 winc 0 binc 0 movestogo 0|go movetime -1|go movetime 0|"
+        "go wtime 200 btime 200 searchmoves e2e4|go depth 3 nonsense nodes|go wtime 100 btime 100|"
+        "go";  // as the clocks stand
+    for (const std::string& go : split(forms, '|')) {
         const std::string best = session.best_move({"position startpos", go});
         EXPECT_TRUE(names_move(best)) << go << ": " << best;
     }
-    expect_idle(session);
-}
-
-TEST(SearchSession, DepthLimitStays) {
-    Session session;
-    session.send({"go depth 5"});
-    session.read_to("bestmove");
+    // The depth limit stays.
+    session.best_move({"go depth 5"});
     session.send({"go wtime 600000 btime 600000"});
     const Lines infos = lines_with(session.read_to("bestmove"), "info depth");
     ASSERT_FALSE(infos.empty());
     EXPECT_TRUE(infos.back().starts_with("info depth 5 ")) << infos.back();
-}
 
-TEST(SearchSession, MoveTimeIsKept) {
-    Session session;
-    session.answers({});
-    const auto start = Clock::now();
+    session.best_move({"go depth 66 movetime 1"});
+    const double start = monotonic_seconds();
     session.best_move({"go movetime 300"});
-    EXPECT_GE(seconds_since(start), 0.29);
-    EXPECT_LT(seconds_since(start), 20);
+    EXPECT_GE(monotonic_seconds() - start, 0.29);
+    EXPECT_LT(monotonic_seconds() - start, 20);
+    expect_idle(session);
 }
 
 TEST(SearchSession, IsReadyAndStopWhileSearching) {
@@ -108,18 +83,14 @@ TEST(SearchSession, IsReadyAndStopWhileSearching) {
     expect_idle(session);
 }
 
-TEST(SearchSession, StopAtOnceStillGivesAMove) {
+TEST(SearchSession, StopAtOnceAndBeforeAnySearch) {
     Session session;
+    EXPECT_EQ(session.best_move({"stop"}), "bestmove null");
     for (int i = 0; i < 20; ++i) {
         const std::string best = session.best_move({"position startpos", "go infinite", "stop"});
         EXPECT_TRUE(names_move(best)) << best;
     }
     expect_idle(session);
-}
-
-TEST(SearchSession, StopBeforeAnySearch) {
-    Session session;
-    EXPECT_EQ(session.best_move({"stop"}), "bestmove null");
 }
 
 TEST(SearchSession, PonderIsHeldBack) {
@@ -137,7 +108,7 @@ TEST(SearchSession, PonderIsHeldBack) {
     // Time does not count before the hit, and all of it does after.
     session.send({"go ponder movetime 100 depth 60"});
     session.read_to("info depth 2 ");
-    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    sleep_ms(150);
     EXPECT_EQ(lines_with(session.answers({}), "bestmove"), Lines{});
     EXPECT_TRUE(names_move(session.best_move({"ponderhit"})));
     expect_idle(session);
@@ -192,18 +163,6 @@ TEST(SearchSession, CommandsThatDoNotEndIt) {
     EXPECT_EQ(session.wait().status, 0);
 }
 
-TEST(SearchSession, QuitEndsIt) {
-    for (const char* go : {"go infinite", "go ponder", "go depth 60"}) {
-        Session session({"-nolog", "-threads", "2"});
-        session.send({go});
-        session.read_to("info depth 3 ");
-        session.send({"quit"});
-        const Ending ending = session.wait();
-        EXPECT_EQ(ending.status, 0);
-        EXPECT_EQ(lines_with(ending.lines, "bestmove"), Lines{});
-    }
-}
-
 TEST(SearchSession, MultiPv) {
     Session session;
     session.answers({"setoption name MultiPV value 3"});
@@ -212,8 +171,7 @@ TEST(SearchSession, MultiPv) {
     for (int depth = 1; depth <= 6; ++depth) {
         std::set<std::string> first_moves;
         for (int pv = 1; pv <= 3; ++pv) {
-            const Lines found = lines_with(lines, "info multipv " + std::to_string(pv) + " depth " +
-                                                      std::to_string(depth) + " ");
+            const Lines found = lines_with(lines, format("info multipv %d depth %d ", pv, depth));
             ASSERT_FALSE(found.empty()) << depth << ' ' << pv;
             EXPECT_TRUE(matches(found[0], INFO_LINE)) << found[0];
             first_moves.insert(found[0].substr(found[0].find(" pv ") + 4, 4));
@@ -232,16 +190,10 @@ TEST(SearchSession, LimitedStrengthIsSlow) {
     session.answers(
         {"setoption name UCI_LimitStrength value true", "setoption name UCI_Elo value 1600"});
     session.send({"go movetime 700"});
-    const Lines lines = session.read_to("bestmove");
-    EXPECT_TRUE(names_move(lines.back()));
-    const Lines infos = lines_with(lines, "info depth");
+    const Lines infos = lines_with(session.read_to("bestmove"), "info depth");
     ASSERT_FALSE(infos.empty());
     // About 31 nodes a second; the first iteration is not limited.
-    const std::string nodes = infos.back().substr(infos.back().find(" nodes ") + 7);
-    EXPECT_LT(std::stol(nodes), 500) << infos.back();
-    // A stop is heard while the thread waits.
-    session.send({"go infinite"});
-    EXPECT_TRUE(names_move(session.best_move({"stop"})));
+    EXPECT_LT(std::stol(infos.back().substr(infos.back().find(" nodes ") + 7)), 500);
 }
 
 // Plays a game of the engine against itself through the session; every move must be legal.
@@ -252,7 +204,7 @@ void play_game(Session& session, int moves, const std::string& go) {
     for (int i = 0; i < moves && !legal_moves(board->position).empty(); ++i) {
         const std::string best = session.best_move({played, go});
         ASSERT_TRUE(names_move(best)) << best << " after " << played;
-        const std::string move = best.substr(9, best.find(' ', 9) - 9);
+        const std::string move = split(best, ' ')[1];
         const Move code = parse_coordinates(board->position, move);
         ASSERT_TRUE(code != NO_MOVE && is_legal(board->position, code)) << move << " in " << played;
         make_move(board->position, code);
@@ -260,32 +212,26 @@ void play_game(Session& session, int moves, const std::string& go) {
     }
 }
 
-TEST(SearchSession, TwoGamesOneThread) {
-    Session session;
-    play_game(session, 30, "go movetime 10");
-    play_game(session, 30, "go wtime 1000 btime 1000 winc 10 binc 10");
-}
-
-TEST(SearchSession, TwoGamesTwoThreads) {
-    Session session({"-nolog", "-threads", "2"});
-    play_game(session, 20, "go movetime 10");
-    play_game(session, 20, "go depth 5");
-}
-
-TEST(SearchSession, TwoGamesEightThreads) {
-    Session session({"-nolog", "-threads", "8", "-hash", "1"});
-    play_game(session, 12, "go movetime 20");
-    play_game(session, 12, "go nodes 3000");
-}
-
-TEST(SearchSession, WithoutATable) {
-    Session session({"-nolog", "-hash", "0"});
-    EXPECT_EQ(session.answers({"setoption name Hash value 0"}),
-              Lines{"info string Hash size set to 0M bytes"});
-    play_game(session, 4, "go depth 4");
-    EXPECT_EQ(session.answers({"setoption name Hash value 4"}),
+TEST(SearchSession, TwoGames) {
+    const struct {
+        const char* threads;
+        int moves;
+        const char *first, *second;
+    } cases[] = {
+        {"1", 30, "go movetime 10", "go wtime 1000 btime 1000 winc 10 binc 10"},
+        {"2", 20, "go movetime 10", "go depth 5"},
+        {"8", 12, "go movetime 20", "go nodes 3000"},
+    };
+    for (const auto& c : cases) {
+        Session session({"-nolog", "-hash", "1", "-threads", c.threads});
+        play_game(session, c.moves, c.first);
+        play_game(session, c.moves, c.second);
+    }
+    Session without_table({"-nolog", "-hash", "0"});
+    play_game(without_table, 4, "go depth 4");
+    EXPECT_EQ(without_table.answers({"setoption name Hash value 4"}),
               Lines{"info string Hash size set to 4M bytes"});
-    EXPECT_TRUE(names_move(session.best_move({"go depth 5"})));
+    EXPECT_TRUE(names_move(without_table.best_move({"go depth 5"})));
 }
 
 TEST(SearchSession, PositionsWithoutAMove) {
@@ -321,60 +267,26 @@ TEST(SearchSession, PositionsWithoutAMove) {
     session.send({"position fen 8/8/8/8/8/8/8/8 w - -", "go ponder"});
     EXPECT_EQ(lines_with(session.answers({}), "bestmove"), Lines{});
     EXPECT_EQ(session.best_move({"stop"}), "bestmove null");
-    EXPECT_TRUE(names_move(session.best_move({"position startpos", "go depth 3"})));
+    // Moves before an illegal one stand: White moves next.
+    EXPECT_EQ(session.answers({"position startpos moves e2e4 e7e5 e1e3 g1f3"}),
+              Lines{"info string illegal move e1e3"});
+    const std::string best = session.best_move({"go depth 4"});
+    EXPECT_TRUE(matches(best, "bestmove [a-h][1-4].*")) << best;
 }
 
 // Lines thrown together from words of the protocol and bytes that are none.
 TEST(SearchSession, Garbage) {
     Session session({"-nolog", "-hash", "1"});
-    const Lines commands = {"position startpos",
-                            "position startpos moves",
-                            "position fen",
-                            "go",
-                            "go infinite",
-                            "go movetime 5",
-                            "go depth",
-                            "setoption name",
-                            "stop",
-                            "ponderhit",
-                            "ucinewgame",
-                            "uci",
-                            ""};
-    const Lines words = {
-        "startpos",
-        "fen",
-        "moves",
-        "e2e4",
-        "e7e5",
-        "e1e8",
-        "a7a8q",
-        "depth",
-        "3",
-        "nodes",
-        "500",
-        "wtime",
-        "100",
-        "btime",
-        "movetime",
-        "ponder",
-        "infinite",
-        "@",
-        "@stop@",
-        "MultiPV",
-        "Contempt",
-        "value",
-        "Clear Hash",
-        "-1",
-        "",
-        "\x80\xff",
-        "8/8/8/8/8/8/8/8",
-        "\t",
-        "w",
-        "KQkq",
-        "k7/8/8/8/8/8/8/K7",
-        "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR",
+    const Lines commands = split(
+        "position startpos|position startpos moves|position fen|go|go infinite|go movetime 5|"
+        "go depth|setoption name|stop|ponderhit|ucinewgame|uci|",
+        '|');
+    const Lines words = split(
+        "startpos|fen|moves|e2e4|e7e5|e1e8|a7a8q|depth|3|nodes|500|wtime|100|btime|movetime|"
+        "ponder|infinite|@|@stop@|MultiPV|Contempt|value|Clear Hash|-1||\x80\xff|\t|w|KQkq|"
+        "8/8/8/8/8/8/8/8|k7/8/8/8/8/8/8/K7|rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR|"
         "99999999999999999999",
-    };
+        '|');
     Random random(20260101);
     const int blocks = scaled(100);
     int moves = 0;
@@ -393,18 +305,7 @@ TEST(SearchSession, Garbage) {
     EXPECT_GT(moves, blocks) << "the garbage should lead to searches";
     session.best_move({"stop"});
     session.answers({"setoption name MultiPV value 1"});
-    session.send({"position startpos", "go infinite"});
-    EXPECT_TRUE(names_move(session.best_move({"stop"})));
-    EXPECT_TRUE(names_move(session.best_move({"go depth 4"})));
-}
-
-TEST(SearchSession, BadMovesInTheGame) {
-    Session session;
-    EXPECT_EQ(session.answers({"position startpos moves e2e4 e7e5 e1e3 g1f3"}),
-              Lines{"info string illegal move e1e3"});
-    // The moves before it stand: White moves next.
-    const std::string best = session.best_move({"go depth 4"});
-    EXPECT_TRUE(matches(best, "bestmove [a-h][1-4].*")) << best;
+    EXPECT_TRUE(names_move(session.best_move({"position startpos", "go infinite", "stop"})));
 }
 
 }  // namespace

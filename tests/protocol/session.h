@@ -5,27 +5,22 @@
 
 namespace quon::test {
 
-constexpr char INFO_LINE[] =
-    R"(info (multipv \d+ )?depth \d+ seldepth \d+ score (cp -?\d+|mate -?\d+) time \d+ nodes \d+ )"
-    R"(nps \d+ tbhits \d+ hashfull \d+ pv( [a-h][1-8][a-h][1-8][nbrq]?)+)";
-constexpr char MOVE[] = "[a-h][1-8][a-h][1-8][nbrq]?";
-
 struct Session : Process {
     // Without the log there is no echo of the commands.
-    explicit Session(const std::vector<std::string>& arguments = {"-nolog"}) : Process(arguments) {}
+    explicit Session(const Lines& arguments = {"-nolog"}) : Process(arguments) {}
 
     // What is answered to the lines, but for the start-up's line about speed.
-    std::vector<std::string> answers(std::vector<std::string> lines) {
+    Lines answers(Lines lines) {
         lines.emplace_back("isready");
         send(lines);
-        std::vector<std::string> replies = read_to("readyok");
+        Lines replies = read_to("readyok");
         replies.pop_back();
         std::erase_if(replies,
-                      [](const std::string& r) { return r.starts_with("info string et="); });
+                      [](const auto& reply) { return reply.starts_with("info string et="); });
         return replies;
     }
     // Sends the lines and reads up to "bestmove"; its whole line.
-    std::string best_move(const std::vector<std::string>& lines) {
+    std::string best_move(const Lines& lines) {
         send(lines);
         return read_to("bestmove").back();
     }
@@ -33,9 +28,8 @@ struct Session : Process {
 
 // True for "bestmove" with a move, and perhaps the reply to it.
 inline bool names_move(const std::string& line) {
-    return matches(line, std::string("bestmove ") + MOVE + "( ponder " + MOVE + ")?");
+    const std::string move = "[a-h][1-8][a-h][1-8][nbrq]?";
+    return matches(line, "bestmove " + move + "( ponder " + move + ")?");
 }
-
-using Lines = std::vector<std::string>;
 
 }  // namespace quon::test

@@ -33,7 +33,8 @@ TEST(Picker, EveryMoveOnce) {
         };
         PlyRecord& record = t->plies[PLY];
         record.list_start = t->move_buffer.begin();
-        record.stage = record.move_count = 0;
+        record.stage = PickStage::START;
+        record.move_count = 0;
         record.hash_move = some_move();
         record.killer1 = record.killer2 = record.killer_null = some_move();
         record.killer_evasion = some_move();

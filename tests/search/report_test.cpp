@@ -215,8 +215,8 @@ TEST_F(ReportTest, ConsoleStatistics) {
         int done;
         u64 earlier, last;
         const char* growth;
-    } cases[] = {{5, 10, 160, "2.00"}, {6, 10, 810, "3.00"}, {9, 100, 506, "1.50"},
-                 {9, 0, 506, "2.00"},  {9, 100, 0, "2.00"},  {68, 1, 1, "1.00"}};
+    } cases[] = {
+        {5, 10, 160, "2.00"}, {6, 10, 810, "3.00"}, {9, 0, 506, "2.00"}, {9, 100, 0, "2.00"}};
     for (const auto& c : cases) {
         run.main_done_depth = i8(c.done);
         run.nodes_by_depth[c.done] = c.last;

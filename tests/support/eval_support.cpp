@@ -27,8 +27,6 @@ Evaluation evaluate_fresh(std::string_view fen, const EvalTables& tables) {
     return evaluate_traced(*state, make_game(fen)->position);
 }
 
-Evaluation evaluate_fresh(std::string_view fen) { return evaluate_fresh(fen, eval_tables); }
-
 int evaluate_contempt(std::string_view fen, int contempt, int root_side, bool active) {
     const auto state = make_eval_state();
     state->contempt_active = active;

@@ -20,10 +20,9 @@ struct Evaluation {
 // A thread's record with the tables of the live parameters and empty caches.
 std::unique_ptr<EvalState> make_eval_state();
 
-// With the caches of `state`; with fresh ones; with the given tables.
+// With the caches of `state`; with fresh ones.
 Evaluation evaluate_traced(EvalState& state, const Position& p);
-Evaluation evaluate_fresh(std::string_view fen);
-Evaluation evaluate_fresh(std::string_view fen, const EvalTables& tables);
+Evaluation evaluate_fresh(std::string_view fen, const EvalTables& tables = eval_tables);
 
 // The score under a contempt.
 int evaluate_contempt(std::string_view fen, int contempt, int root_side, bool active = true);

@@ -7,77 +7,55 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
-#include <thread>
 
 namespace quon::test {
 
 namespace {
 
-// Far beyond any healthy wait, also with a sanitizer on a loaded machine.
-constexpr int DEADLINE_MS = 120000;
-
-struct Pipe {
-    int read_end = -1;
-    int write_end = -1;
-
-    Pipe() {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
-        read_end = ends[0];
-        write_end = ends[1];
-    }
-};
+// Far beyond any healthy session, also with a sanitizer on a loaded machine.
+constexpr unsigned LIFETIME_SECONDS = 600;
 
 void close_end(int& descriptor) {
     if (descriptor >= 0) close(descriptor);
     descriptor = -1;
 }
 
-int ms_since(std::chrono::steady_clock::time_point start) {
-    const auto passed = std::chrono::steady_clock::now() - start;
-    return int(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
-}
-
-std::string make_directory() {
-    std::string name = (std::filesystem::temp_directory_path() / "quon-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) std::abort();
-    return name;
-}
-
 }  // namespace
 
-Process::Process(std::vector<std::string> arguments, const std::string& elsewhere)
-    : directory_(make_directory()) {
+Process::Process(Lines arguments, const std::string& elsewhere)
+    : directory_(std::filesystem::temp_directory_path() / "quon-test-XXXXXX") {
     std::signal(SIGPIPE, SIG_IGN);
     arguments.insert(arguments.begin(), QUON_BINARY);
     std::vector<char*> words;
     for (std::string& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
 
+    int pipes[3][2];
+    for (auto& ends : pipes) {
+        if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
+    }
+    if (mkdtemp(directory_.data()) == nullptr) std::abort();
     const std::string& start = elsewhere.empty() ? directory_ : elsewhere;
-    const Pipe input;
-    const Pipe output;
-    const Pipe errors;
     child_ = fork();
     if (child_ == 0) {
         std::signal(SIGPIPE, SIG_DFL);
-        dup2(input.read_end, STDIN_FILENO);
-        dup2(output.write_end, STDOUT_FILENO);
-        dup2(errors.write_end, STDERR_FILENO);
+        alarm(LIFETIME_SECONDS);
+        dup2(pipes[0][0], STDIN_FILENO);
+        dup2(pipes[1][1], STDOUT_FILENO);
+        dup2(pipes[2][1], STDERR_FILENO);
         if (chdir(start.c_str()) == 0) execv(words[0], words.data());
         _exit(127);
     }
-    close(input.read_end);
-    close(output.write_end);
-    close(errors.write_end);
-    input_ = input.write_end;
-    output_ = output.read_end;
-    errors_ = errors.read_end;
+    close(pipes[0][0]);
+    close(pipes[1][1]);
+    close(pipes[2][1]);
+    input_ = pipes[0][1];
+    output_ = pipes[1][0];
+    errors_ = pipes[2][0];
 }
 
 Process::~Process() {
@@ -93,7 +71,7 @@ Process::~Process() {
     std::filesystem::remove_all(directory_, error);
 }
 
-void Process::send(const std::vector<std::string>& lines) {
+void Process::send(const Lines& lines) {
     std::string bytes;
     for (const std::string& line : lines) bytes += line + "\n";
     send_bytes(bytes);
@@ -110,14 +88,11 @@ void Process::send_bytes(const std::string& bytes) {
 void Process::close_input() { close_end(input_); }
 void Process::close_output() { close_end(output_); }
 
-bool Process::fill(int timeout_ms) {
-    pollfd watched{output_, POLLIN, 0};
-    if (output_ < 0 || poll(&watched, 1, timeout_ms) <= 0) return false;
+bool Process::fill() {
     char bytes[4096];
     const ssize_t count = read(output_, bytes, sizeof bytes);
-    if (count <= 0) return false;
-    buffer_.append(bytes, std::size_t(count));
-    return true;
+    if (count > 0) buffer_.append(bytes, std::size_t(count));
+    return count > 0;
 }
 
 bool Process::take_line(std::string& line) {
@@ -128,35 +103,25 @@ bool Process::take_line(std::string& line) {
     return true;
 }
 
-std::string Process::read_line() {
-    std::string line;
-    while (!take_line(line)) {
-        if (!fill(DEADLINE_MS)) {
-            ADD_FAILURE() << "no more output";
-            return {};
-        }
-    }
-    return line;
-}
-
-std::vector<std::string> Process::read_to(const std::string& beginning) {
-    const auto start = std::chrono::steady_clock::now();
-    std::vector<std::string> lines;
+Lines Process::read_to(const std::string& beginning) {
+    Lines lines;
     for (std::string line;;) {
         while (take_line(line)) {
             lines.push_back(line);
             if (line.starts_with(beginning)) return lines;
         }
-        const int left = DEADLINE_MS - ms_since(start);
-        if (left <= 0 || !fill(left)) {
-            ADD_FAILURE() << "never came: " << beginning
-                          << "\nlast line: " << (lines.empty() ? std::string() : lines.back());
+        if (!fill()) {
+            ADD_FAILURE() << "never came: " << beginning << "\nlast line: " << line;
+            lines.emplace_back();
             return lines;
         }
     }
 }
 
-bool Process::silent_for(int ms) { return buffer_.empty() && !fill(ms); }
+bool Process::silent_for(int ms) {
+    pollfd watched{output_, POLLIN, 0};
+    return buffer_.empty() && poll(&watched, 1, ms) == 0;
+}
 
 std::string Process::take_errors() {
     char bytes[65536];
@@ -167,41 +132,33 @@ std::string Process::take_errors() {
 }
 
 Ending Process::wait() {
-    Ending ending;
-    const auto start = std::chrono::steady_clock::now();
-    while (ms_since(start) < DEADLINE_MS && fill(DEADLINE_MS)) {
+    while (fill()) {
     }
+    Ending ending;
     for (std::string line; take_line(line);) ending.lines.push_back(line);
     int status = 0;
-    while (waitpid(child_, &status, WNOHANG) == 0) {
-        if (ms_since(start) > DEADLINE_MS) {
-            ADD_FAILURE() << "the program did not end";
-            return ending;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    waitpid(child_, &status, 0);
     child_ = -1;
     ending.errors = take_errors();
     if (WIFEXITED(status)) ending.status = WEXITSTATUS(status);
     return ending;
 }
 
-Ending run_to_end(const std::vector<std::string>& arguments, const std::string& input) {
+Ending run_to_end(const Lines& arguments, const std::string& input) {
     Process process(arguments);
     process.send_bytes(input);
     process.close_input();
     return process.wait();
 }
 
-std::vector<std::string> lines_with(const std::vector<std::string>& lines,
-                                    const std::string& beginning) {
-    std::vector<std::string> found;
+Lines lines_with(const Lines& lines, const std::string& beginning) {
+    Lines found;
     std::copy_if(lines.begin(), lines.end(), std::back_inserter(found),
                  [&](const std::string& line) { return line.starts_with(beginning); });
     return found;
 }
 
-bool contains(const std::vector<std::string>& lines, const std::string& line) {
+bool contains(const Lines& lines, const std::string& line) {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// A program as a child process with pipes for its input and output, in a temporary directory of its
-// own. Whatever is waited for has a deadline: a child that hangs fails its test.
+// The program as a child process with pipes for its input and output, in a temporary directory of
+// its own. It may live for ten minutes: a child that hangs fails its test.
 
 #include <sys/types.h>
 
@@ -9,34 +9,35 @@
 
 namespace quon::test {
 
+using Lines = std::vector<std::string>;
+
 // How a process looked when it was left alone: everything it had not been read, and its exit status
-// (-1 after a signal or a missed deadline).
+// (-1 after a signal).
 struct Ending {
     int status = -1;
-    std::vector<std::string> lines;
+    Lines lines;
     std::string errors;
 };
 
 class Process {
 public:
-    // Starts QUON_BINARY. The directory, with the files in it, lives until the object is destroyed;
-    // `elsewhere` is a directory to start in instead.
-    explicit Process(std::vector<std::string> arguments = {}, const std::string& elsewhere = {});
+    // The directory, with the files in it, lives until the object is destroyed; `elsewhere` is a
+    // directory to start in instead.
+    explicit Process(Lines arguments = {}, const std::string& elsewhere = {});
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
     ~Process();
 
     // Each line with its line end, in one write.
-    void send(const std::vector<std::string>& lines);
+    void send(const Lines& lines);
     void send_bytes(const std::string& bytes);
     void close_input();
     void close_output();  // the reading end: the child's next write fails
 
     // Reads lines up to one that begins with the text, and returns all of them; fails the test and
-    // returns what there is if the output ends or the deadline passes first.
-    std::vector<std::string> read_to(const std::string& beginning);
-    // The next line, empty if none comes.
-    std::string read_line();
+    // ends with an empty line if the output ends first.
+    Lines read_to(const std::string& beginning);
+    std::string read_line() { return read_to("").back(); }
     // True if nothing is written for this long.
     bool silent_for(int ms);
 
@@ -46,7 +47,7 @@ public:
     const std::string& directory() const { return directory_; }
 
 private:
-    bool fill(int timeout_ms);  // false on the end of the output or the deadline
+    bool fill();  // false at the end of the output
     bool take_line(std::string& line);
     // Standard error of the ended process; fails the test if a sanitizer speaks there.
     std::string take_errors();
@@ -60,12 +61,11 @@ private:
 };
 
 // Runs the program with the arguments and the input to its end.
-Ending run_to_end(const std::vector<std::string>& arguments, const std::string& input);
+Ending run_to_end(const Lines& arguments, const std::string& input);
 
 // The lines that begin with the text.
-std::vector<std::string> lines_with(const std::vector<std::string>& lines,
-                                    const std::string& beginning);
-bool contains(const std::vector<std::string>& lines, const std::string& line);
+Lines lines_with(const Lines& lines, const std::string& beginning);
+bool contains(const Lines& lines, const std::string& line);
 bool matches(const std::string& line, const std::string& pattern);  // the whole line
 
 }  // namespace quon::test

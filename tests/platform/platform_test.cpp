@@ -1,0 +1,71 @@
+// Waiting for events, files as memory, the machine's processors.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "platform/file_map.h"
+#include "platform/topology.h"
+
+namespace quon::test {
+namespace {
+
+TEST(Events, ACallEndsOneWait) {
+    init_events();
+    // A call before the wait is not lost; many calls are one.
+    for (int i = 0; i < 100000; ++i) wake_main_thread();
+    wait_for_event(-1, false);
+    for (int calls = 0; calls < 3000; ++calls) wait_for_event(0, false);
+    const double start = monotonic_seconds();
+    wait_for_event(30, false);
+    EXPECT_GE(monotonic_seconds() - start, 0.029);
+
+    std::thread caller([] {
+        sleep_ms(20);
+        wake_main_thread();
+    });
+    wait_for_event(-1, false);
+    caller.join();
+}
+
+TEST(FileMap, HoldsTheWholeFileOrNothing) {
+    std::string directory = std::filesystem::temp_directory_path() / "quon-map-XXXXXX";
+    ASSERT_NE(mkdtemp(directory.data()), nullptr);
+    std::string content;
+    for (int i = 0; i < 100000; ++i) content += char(i * 7);
+    const std::string name = directory + "/data";
+    std::ofstream(name, std::ios::binary) << content;
+    std::ofstream(directory + "/empty", std::ios::binary).flush();
+
+    const MappedFile file = map_file(name);
+    std::filesystem::remove(name);  // the mapping outlives the name
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(file.data()), file.size()), content);
+    unmap_file(file);
+    for (const std::string& other : {directory + "/empty", directory + "/missing", directory}) {
+        EXPECT_TRUE(map_file(other).empty()) << other;
+    }
+    std::filesystem::remove_all(directory);
+}
+
+TEST(Topology, IsPlausible) {
+    const std::optional<Topology> topology = read_topology();
+    if (!topology) GTEST_SKIP() << "this system does not tell";
+    EXPECT_GE(topology->nodes, 1);
+    EXPECT_GE(topology->cores, 1);
+    EXPECT_GE(topology->logical, topology->cores);
+    EXPECT_LE(topology->logical, 2 * topology->cores);
+    std::thread([] {
+        EXPECT_FALSE(bind_thread_to_node(-1));
+        EXPECT_FALSE(bind_thread_to_node(100000));
+    }).join();
+}
+
+}  // namespace
+}  // namespace quon::test
