@@ -8,10 +8,12 @@ namespace quon {
 
 // Each generator appends records from `out` on and returns the end; `order` is left unset. The
 // caller's list has room for MAX_LIST records.
-MoveEntry* gen_captures(const Position& p, MoveEntry* out);  // en passant included, no promotions
-MoveEntry* gen_promotions(const Position& p, bool all_four,
-                          MoveEntry* out);                 // with and without capture
-MoveEntry* gen_quiets(const Position& p, MoveEntry* out);  // castling included, no promotions
+// Captures, en passant included, but no promotions.
+MoveEntry* gen_captures(const Position& p, MoveEntry* out);
+// Promotions, with and without capture: to a queen alone, or to all four pieces.
+MoveEntry* gen_promotions(const Position& p, bool all_four, MoveEntry* out);
+// Moves that neither capture nor promote, castling included.
+MoveEntry* gen_quiets(const Position& p, MoveEntry* out);
 
 // True if the side to move has the right to castle, its king at home and nothing between king and
 // rook. Attacks on the king's path are not looked at.

@@ -47,24 +47,12 @@ constexpr int BLACK = 1;
 enum PieceType : int { NO_TYPE, PAWN, KNIGHT, BISHOP, ROOK, QUEEN, KING };
 
 constexpr int NO_SQUARE = 64;
+// clang-format off
 enum Square : int {
-    A1,
-    B1,
-    C1,
-    D1,
-    E1,
-    F1,
-    G1,
-    H1,
-    A8 = 56,
-    B8,
-    C8,
-    D8,
-    E8,
-    F8,
-    G8,
-    H8,
+    A1, B1, C1, D1, E1, F1, G1, H1,
+    A8 = 56, B8, C8, D8, E8, F8, G8, H8,
 };
+// clang-format on
 
 constexpr int make_piece(int color, int type) { return color * 8 + type; }
 constexpr int type_of(int piece) { return piece & 7; }
