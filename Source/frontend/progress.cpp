@@ -1,0 +1,49 @@
+// The status line: rewritten in place, removed at the end.
+
+#include "frontend/progress.h"
+
+#include <cstdio>
+#include <string>
+
+#include "frontend/output.h"
+#include "platform/clock.h"
+#include "platform/terminal.h"
+
+namespace quon {
+
+namespace {
+
+constexpr double PERIOD = 0.2;  // seconds between two writings
+constexpr char REWRITE_LINE[] = "\r\x1b[K";
+
+}  // namespace
+
+Progress start_progress() { return {monotonic_seconds(), 0, error_output_is_terminal(), false}; }
+
+double progress_seconds(const Progress& progress) {
+    return monotonic_seconds() - progress.start_time;
+}
+
+bool progress_due(const Progress& progress) {
+    return progress.wanted && monotonic_seconds() - progress.shown_at >= PERIOD;
+}
+
+void show_progress(Progress& progress, std::string_view text, double done, double total) {
+    if (!progress_due(progress)) return;
+    std::string line(text);
+    if (total > 0 && done > 0) {
+        const int left = int(progress_seconds(progress) * (total - done) / done + 0.5);
+        line += format(", %.0f %%, %d:%02d left", 100 * done / total, left / 60, left % 60);
+    }
+    std::fprintf(stderr, "%s%s", REWRITE_LINE, line.c_str());
+    std::fflush(stderr);
+    progress.shown_at = monotonic_seconds();
+    progress.on_screen = true;
+}
+
+void end_progress(Progress& progress) {
+    if (progress.on_screen) std::fputs(REWRITE_LINE, stderr);
+    progress.on_screen = false;
+}
+
+}  // namespace quon
