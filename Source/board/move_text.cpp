@@ -96,18 +96,28 @@ void piece_forms(const Position& p, const MoveEntry& entry, MoveForms& forms) {
 
 }  // namespace
 
-MoveForms move_forms(const Position& p, const MoveEntry& entry) {
+namespace {
+
+MoveForms forms_without_check(const Position& p, const MoveEntry& entry) {
     MoveForms forms;
-    if (entry.move == NO_MOVE) {
-        forms.coord = "null";
-        return forms;
-    }
     forms.coord = squares_text(entry.move);
     if (type_of(entry.piece) == PAWN) {
         pawn_forms(p, entry.move, forms);
     } else {
         piece_forms(p, entry, forms);
     }
+    return forms;
+}
+
+}  // namespace
+
+MoveForms move_forms(const Position& p, const MoveEntry& entry) {
+    MoveForms forms;
+    if (entry.move == NO_MOVE) {
+        forms.coord = "null";
+        return forms;
+    }
+    forms = forms_without_check(p, entry);
     if (gives_check(p, entry)) {
         for (std::string* form : {&forms.coord, &forms.san, &forms.file, &forms.rank}) *form += '+';
     }
@@ -116,12 +126,10 @@ MoveForms move_forms(const Position& p, const MoveEntry& entry) {
 
 namespace {
 
-std::string_view without_check(std::string_view text) { return text.substr(0, text.find('+')); }
-
 // The text in the spelling of the forms: no check or mate sign, "=Q" for a promotion, 'o' for
 // castling.
 std::string normalized(std::string_view input) {
-    std::string text(without_check(input));
+    std::string text(input.substr(0, input.find('+')));
     while (!text.empty() && text.back() == '#') text.pop_back();
     if (text.empty()) return text;
     const char last = char(std::toupper(static_cast<unsigned char>(text.back())));
@@ -136,9 +144,19 @@ std::string normalized(std::string_view input) {
     return text;
 }
 
+// False if no form of the move can be the text: nearly all forms end with the destination, so that
+// few moves need to be written out.
+bool may_match(const MoveEntry& entry, std::string_view text) {
+    const std::string_view body = text.substr(0, text.find('='));
+    if (body.empty() || !std::isdigit(static_cast<unsigned char>(body.back()))) {
+        // A pawn's two files, or castling.
+        return type_of(entry.piece) == PAWN || type_of(entry.piece) == KING;
+    }
+    return body.ends_with(square_name[move_to(entry.move)]);
+}
+
 bool matches(const MoveForms& forms, std::string_view text) {
-    return without_check(forms.coord) == text || without_check(forms.san) == text ||
-           without_check(forms.file) == text || without_check(forms.rank) == text;
+    return forms.coord == text || forms.san == text || forms.file == text || forms.rank == text;
 }
 
 }  // namespace
@@ -153,7 +171,8 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
     int count = 0;
     Move found = NO_MOVE;
     for (const MoveEntry* entry = list; entry != end; ++entry) {
-        if (matches(move_forms(p, *entry), text) && is_legal(p, entry->move, guard)) {
+        if (may_match(*entry, text) && matches(forms_without_check(p, *entry), text) &&
+            is_legal(p, entry->move, guard)) {
             ++count;
             found = entry->move;
         }

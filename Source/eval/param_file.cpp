@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -18,21 +19,34 @@ namespace {
 constexpr std::size_t MAX_LINE = 254;
 constexpr std::string_view BLANKS = " \t\r\n";
 
+struct Range {
+    int low;
+    int high;
+};
+constexpr Range ANY_NUMBER = {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()};
+
 // A key and the field it sets: one value, or a term's opening and ending half.
 struct Key {
     std::string_view name;
     i16* value = nullptr;
     Pair* pair = nullptr;
     u8* byte = nullptr;
+    Range range = ANY_NUMBER;  // of a single value
 
-    Key(std::string_view key, i16& field) : name(key), value(&field) {}
+    Key(std::string_view key, i16& field, Range allowed = ANY_NUMBER)
+        : name(key), value(&field), range(allowed) {}
     Key(std::string_view key, Pair& field) : name(key), pair(&field) {}
-    Key(std::string_view key, u8& field) : name(key), byte(&field) {}
+    Key(std::string_view key, u8& field, Range allowed) : name(key), byte(&field), range(allowed) {}
 
     void set(int first, int second) const {
-        if (value) *value = i16(first);
+        const int used = std::clamp(first, range.low, range.high);
+        if (used != first) {
+            engine_print(format("%s is %d to %d: %d becomes %d", std::string(name).c_str(),
+                                range.low, range.high, first, used));
+        }
+        if (value) *value = i16(used);
         if (pair) *pair = {i16(first), i16(second)};
-        if (byte) *byte = u8(first);
+        if (byte) *byte = u8(used);
     }
 };
 
@@ -83,8 +97,8 @@ std::vector<Key> keys_of(EvalParams& e) {
         {"hung", e.hung},
         {"pinned", e.pinned},
         {"tune", e.tune},
-        {"BookVariety", options.book_variety},
-        {"BookDepth", options.book_depth},
+        {"BookVariety", options.book_variety, {1, std::numeric_limits<i16>::max()}},
+        {"BookDepth", options.book_depth, {0, std::numeric_limits<u8>::max()}},
         {"SyzygyProbeDepth5", options.syzygy_probe_depth5},
         {"SyzygyProbeDepth6", options.syzygy_probe_depth6},
     };

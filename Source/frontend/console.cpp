@@ -9,6 +9,8 @@
 #include "board/fen.h"
 #include "board/perft.h"
 #include "board/see.h"
+#include "book/book_build.h"
+#include "book/book_pick.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
 #include "frontend/words.h"
@@ -53,15 +55,24 @@ void swap_command(std::string_view) {
     }
 }
 
+void book_command(std::string_view) {
+    book_show(game.position, true);
+    engine_print("");
+}
+
+void mkbook_command(std::string_view) {
+    finish_search();
+    build_book(game.position);
+}
+
 struct ConsoleCommand {
     std::string_view word;
     void (*handle)(std::string_view argument);
 };
 
 constexpr ConsoleCommand COMMANDS[] = {
-    {"quit", quit_command},
-    {"perft", perft_command},
-    {"swap", swap_command},
+    {"quit", quit_command},   {"book", book_command}, {"mkbook", mkbook_command},
+    {"perft", perft_command}, {"swap", swap_command},
 };
 
 }  // namespace

@@ -32,10 +32,10 @@ struct EngineOptions {
     i16 ponder_option = 1;
     i16 multipv = 1;  // 1..MAX_MULTIPV
     bool own_book = false;
-    std::string book_file = "quon.opn";
-    u8 book_depth = 24;  // plies
-    i16 book_variety = 30;
-    std::string syzygy_path;      // at most MAX_SYZYGY_PATH characters
+    std::string book_file = "quon.opn";  // empty: no book
+    u8 book_depth = 24;                  // plies
+    i16 book_variety = 30;               // 1 or more
+    std::string syzygy_path;             // at most MAX_SYZYGY_PATH characters
     i16 syzygy_probe_depth5 = 1;  // plies; the option allows 1..100, the parameter file any value
     i16 syzygy_probe_depth6 = 2;
     Relaxed<double> output_delay = 0.0;         // seconds of search before progress lines

@@ -4,7 +4,9 @@
 
 #include <string>
 
+#include "board/fen.h"
 #include "board/move_text.h"
+#include "book/book_pick.h"
 #include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "search/report.h"
@@ -34,11 +36,29 @@ std::string best_move_text() {
     return text;
 }
 
+Move book_move() {
+    if (!options.own_book || game.game_ply > options.book_depth) return NO_MOVE;
+    return book_pick(game.position);
+}
+
+// The book's move becomes the result of a search that has already ended.
+void take_book_move(Move move) {
+    engine_print(format("%sbook move is %s%s", options.uci_mode ? "info string " : "",
+                        square_name[move_from(move)], square_name[move_to(move)]));
+    run.shared_score = i16{0};
+    run.shared_line[1] = move;
+    control.stop_flag = STOP;
+}
+
 }  // namespace
 
 void start_search() {
     time_setup();
-    if (searchable()) start_search_threads();
+    if (const Move move = book_move(); move != NO_MOVE) {
+        take_book_move(move);
+    } else if (searchable()) {
+        start_search_threads();
+    }
     control.go_request = NO_SEARCH;
 }
 

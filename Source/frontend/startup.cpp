@@ -7,6 +7,7 @@
 
 #include "board/bitboard.h"
 #include "board/fen.h"
+#include "book/book.h"
 #include "eval/eval_tables.h"
 #include "eval/kpk.h"
 #include "eval/param_file.h"
@@ -64,10 +65,12 @@ bool start(const CommandLine& line, RunMode& mode) {
     mode = apply_command_line(line);
     // 5. The hash table; the position keys come with it.
     if (!hash_alloc()) return refuse("not enough memory for the hash table");
-    // 6. The search threads.
+    // 6. The book that the parameter file names.
+    book_open();
+    // 7. The search threads.
     if (!create_threads(options.threads)) return refuse("the search threads cannot be created");
     set_timer_period();
-    // 7. What the search and the evaluation derive from the parameters.
+    // 8. What the search and the evaluation derive from the parameters.
     apply_search_params();
     init_eval_tables();
     return true;
@@ -86,6 +89,7 @@ void run_protocol() {
 
 void shut_down() {
     destroy_threads();
+    book_close();
     hash_free();
     release_timer_period(options.timer_resolution);
     close_log_file();

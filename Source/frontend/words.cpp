@@ -32,6 +32,12 @@ std::string_view without_trailing_blanks(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
+std::string_view from_first_letter(std::string_view text) {
+    const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto* const letter = std::find_if(text.begin(), text.end(), is_letter);
+    return text.substr(std::size_t(letter - text.begin()));
+}
+
 std::string_view take_token(std::string_view& rest, std::string_view delimiters) {
     const std::size_t start = std::min(rest.find_first_not_of(delimiters), rest.size());
     const std::size_t end = std::min(rest.find_first_of(delimiters, start), rest.size());

@@ -23,6 +23,10 @@ std::string_view take_token(std::string_view& rest, std::string_view delimiters)
 std::string_view without_leading_blanks(std::string_view text);
 std::string_view without_trailing_blanks(std::string_view text);
 
+// The text from its first letter on; empty without one. What stands before a move in a game, such
+// as its number, goes.
+std::string_view from_first_letter(std::string_view text);
+
 // The text from a place on; empty beyond the end.
 inline std::string_view text_from(std::string_view text, std::size_t start) {
     return start < text.size() ? text.substr(start) : std::string_view();

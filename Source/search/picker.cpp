@@ -34,11 +34,6 @@ int history_order(const ThreadData& t, const MoveEntry& entry) {
     return t.history[entry.piece][move_to(entry.move)] / 128;
 }
 
-// Most valuable victim, least valuable attacker: 194 .. 249.
-int capture_order(const MoveEntry& entry) {
-    return VICTIM_ORDER[type_of(entry.captured)] - type_of(entry.piece);
-}
-
 int good_or_losing_capture_order(const Position& p, const MoveEntry& entry) {
     if (entry.captured && loses_material(p, entry)) return type_of(entry.captured) + 4;
     if (entry.move & UNDERPROMOTION_MASK) return UNDERPROMOTION_ORDER;
@@ -109,6 +104,10 @@ void add_quiets(ThreadData& t, int ply, bool in_check, MoveEntry* rest) {
 }
 
 }  // namespace
+
+int capture_order(const MoveEntry& entry) {
+    return VICTIM_ORDER[type_of(entry.captured)] - type_of(entry.piece);
+}
 
 bool loses_material(const Position& p, const MoveEntry& entry) {
     return takes_cheaper(entry) &&

@@ -22,6 +22,10 @@ bool loses_material(const Position& p, const MoveEntry& entry);
 // moves in `move_count`. The record is valid until the next call.
 const MoveEntry* next_move(ThreadData& t, int ply, bool in_check);
 
+// Of a capture or a queen promotion: the most valuable victim first, then the least valuable
+// attacker; 194 .. 249.
+int capture_order(const MoveEntry& entry);
+
 // Scores a complete list of root moves.
 void score_moves(ThreadData& t, MoveEntry* list);
 

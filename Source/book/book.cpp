@@ -1,0 +1,102 @@
+// Look-ups. Records whose key16 begins with the same ten bits form a bucket; the index tells where
+// each bucket starts, and the bucket of the latest look-up stays in memory.
+
+#include "book/book.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+
+namespace quon {
+
+namespace {
+
+constexpr int BUCKETS = 1024;
+constexpr int NO_RECORD = -1;
+constexpr int NO_BUCKET = -1;
+constexpr std::size_t MAX_CACHED = 2048;
+
+struct Book {
+    Table<int, BUCKETS> index;  // number of the bucket's first record, or NO_RECORD
+    int count = 0;              // records in the file; 0: no book
+    std::vector<BookRecord> cache;
+    int cached_bucket = NO_BUCKET;
+};
+Book book;
+
+constexpr int bucket_of(BookKey key) { return key.key16 >> 6; }
+
+void complain(const char* problem) {
+    engine_print(format("%sbook file %s %s", options.uci_mode ? "info string " : "",
+                        options.book_file.c_str(), problem));
+}
+
+// Numbers the records; false if they are out of order.
+bool read_index(std::FILE* file) {
+    bool sorted = true;
+    BookRecord record{};
+    for (BookRecord last{}; read_record(file, record); last = record) {
+        int& first = book.index[bucket_of(record.key)];
+        if (first == NO_RECORD) first = book.count;
+        if (book.count > 0 && !stands_before(last, record)) sorted = false;
+        ++book.count;
+    }
+    return sorted;
+}
+
+// Fills the cache with the bucket; leaves it empty if the file does not hold one.
+void load_bucket(int bucket) {
+    book.cache.clear();
+    book.cached_bucket = NO_BUCKET;
+    const int start = book.index[bucket];
+    if (start == NO_RECORD) return;
+    const BookFile file = open_for_reading(options.book_file);
+    if (!file || std::fseek(file.get(), long{start} * RECORD_SIZE, SEEK_SET) != 0) return;
+    BookRecord record{};
+    while (book.cache.size() < MAX_CACHED && read_record(file.get(), record) &&
+           bucket_of(record.key) >= bucket) {
+        book.cache.push_back(record);
+    }
+    book.cached_bucket = bucket;
+}
+
+}  // namespace
+
+void book_close() {
+    book = {};
+    std::fill(book.index.begin(), book.index.end(), NO_RECORD);
+}
+
+void book_open() {
+    book_close();
+    const std::string& path = options.book_file;
+    if (path.empty()) return;
+    std::error_code unknown;
+    if (path == DEFAULT_BOOK && !std::filesystem::exists(path, unknown)) return;
+    const BookFile file = open_for_reading(path);
+    const bool sorted = file && read_index(file.get());
+    if (!file || std::ferror(file.get())) {
+        book_close();
+        return complain("cannot be read");
+    }
+    if (!sorted) complain("is not sorted: positions will be missed");
+    const auto size = std::filesystem::file_size(path, unknown);
+    if (!unknown && size % RECORD_SIZE != 0) complain("is cut short: its end is missing");
+}
+
+bool book_in_use() { return book.count > 0; }
+
+std::optional<BookRecord> book_find(BookKey key) {
+    if (!book_in_use()) return std::nullopt;
+    if (bucket_of(key) != book.cached_bucket) load_bucket(bucket_of(key));
+    const BookRecord wanted{key, 0, 0, 0};
+    const auto found =
+        std::lower_bound(book.cache.begin(), book.cache.end(), wanted, stands_before);
+    if (found == book.cache.end() || found->key != key) return std::nullopt;
+    return *found;
+}
+
+}  // namespace quon

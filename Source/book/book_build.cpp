@@ -1,0 +1,194 @@
+// The book builder.
+//
+// A few hundred games' positions are gathered in memory and merged into a run on disk, which from
+// time to time is merged into the growing book. What replaces the old book is a complete new one.
+
+#include "book/book_build.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+
+#include "board/fen.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "board/pgn_token.h"
+#include "book/book.h"
+#include "book/book_merge.h"
+#include "frontend/engine_options.h"
+#include "frontend/line_reader.h"
+#include "frontend/output.h"
+#include "frontend/progress.h"
+#include "frontend/words.h"
+#include "platform/terminal.h"
+
+namespace quon {
+
+namespace {
+
+constexpr char GAMES_FILE[] = "book.pgn";
+constexpr char BOOK_FILE[] = "book.opn";
+constexpr char RUN_FILE[] = "tmp.opn";
+constexpr char MERGED_FILE[] = "tmp__0.opn";
+constexpr char GROWING_FILE[] = "tmp__1.opn";
+
+constexpr std::size_t MAX_LINE = 254;
+constexpr int MAX_PLIES = 50;  // recorded of a game
+constexpr int MIN_GAMES = 9;   // of a position that is kept
+constexpr int FLUSH_EVERY = 200;
+constexpr int MERGE_EVERY = 5000;  // games
+constexpr int NOBODY = 2;          // the winner of a drawn or unfinished game
+
+struct Builder {
+    Position& position;
+    std::vector<BookRecord> run = {};  // one record for each position recorded since the last flush
+    int games = 0;
+    // Of the current game.
+    int winner = NOBODY;
+    int comment_depth = 0;
+    int variation_depth = 0;
+    bool stopped = false;  // a move could not be read
+    // Of the current line.
+    bool skip_line = false;
+};
+
+bool flush(Builder& b) {
+    sort_into_run(b.run);
+    if (!merge_runs(RUN_FILE, b.run, MERGED_FILE) || !rename_run(MERGED_FILE, RUN_FILE))
+        return false;
+    b.run.clear();
+    print_unlogged(".");
+    return true;
+}
+
+bool merge_into_book() {
+    print_unlogged("\nmerging...");
+    if (!merge_runs(GROWING_FILE, RUN_FILE, MERGED_FILE) || !rename_run(MERGED_FILE, GROWING_FILE))
+        return false;
+    std::remove(RUN_FILE);
+    print_unlogged("\n");
+    return true;
+}
+
+bool start_game(Builder& b, std::string_view result_line) {
+    const auto has = [&](const char* text) { return result_line.find(text) != result_line.npos; };
+    position_from_fen(b.position, START_FEN);
+    b.winner = has("1-0") ? WHITE : has("0-1") ? BLACK : NOBODY;
+    b.comment_depth = b.variation_depth = 0;
+    b.stopped = false;
+    ++b.games;
+    return (b.games % FLUSH_EVERY != 0 || flush(b)) &&
+           (b.games % MERGE_EVERY != 0 || merge_into_book());
+}
+
+// The position on the board, for the side that has just moved.
+void record_position(Builder& b) {
+    const int mover = b.position.side ^ 1;
+    BookRecord record{record_key(b.position), 0, 0, 0};
+    u16& outcome = b.winner == NOBODY  ? record.draws
+                   : b.winner == mover ? record.wins
+                                       : record.losses;
+    outcome = 1;
+    b.run.push_back(record);
+}
+
+// Without the number in front of the move; empty if there is no move. Castling may be "0-0".
+std::string_view move_part(std::string_view token) {
+    const std::size_t letter = token.size() - from_first_letter(token).size();
+    return text_from(token, std::min(token.find("0-"), letter));
+}
+
+void take_pgn_token(Builder& b, std::string_view token) {
+    if (b.stopped || b.position.owner->game_ply >= MAX_PLIES) return;
+    if (token.starts_with('$') || token.starts_with(';')) return;
+    if (token == "{") {
+        ++b.comment_depth;
+    } else if (token == "}") {
+        b.comment_depth = std::max(b.comment_depth - 1, 0);
+    } else if (token == "(") {
+        ++b.variation_depth;
+    } else if (token == ")") {
+        b.variation_depth = std::max(b.variation_depth - 1, 0);
+    } else if (b.comment_depth == 0 && b.variation_depth == 0) {
+        const std::string_view text = move_part(token);
+        if (text.empty()) return;
+        Move move = NO_MOVE;
+        b.stopped = !parse_san(b.position, text, move);
+        if (b.stopped) return;
+        make_move(b.position, move);
+        record_position(b);
+    }
+}
+
+// A line may come in several pieces. False when a file cannot be written.
+bool take_line_piece(Builder& b, const LinePiece& piece) {
+    if (piece.starts_line) {
+        const bool comment_or_tag = piece.text.starts_with('[') || piece.text.starts_with(';');
+        b.skip_line = b.comment_depth == 0 && comment_or_tag;
+    }
+    if (piece.text.find("[Result") != std::string_view::npos) {
+        b.skip_line = true;
+        return start_game(b, piece.text);
+    }
+    if (b.skip_line) return true;
+    std::string_view rest = piece.text;
+    for (std::string token; next_pgn_token(rest, token);) take_pgn_token(b, token);
+    return true;
+}
+
+void report_progress(Progress& progress, const Builder& b, const LineReader& reader) {
+    if (!progress_due(progress)) return;
+    const double megabytes = double(reader.bytes_read) / 1e6;
+    const std::string text =
+        format("%d games, %.1f MB/s", b.games, megabytes / (progress_seconds(progress) + 0.001));
+    show_progress(progress, text, double(reader.bytes_read), double(reader.file_size));
+}
+
+bool read_games(Builder& b, LineReader& reader, Progress& progress) {
+    for (LinePiece piece; next_piece(reader, piece);) {
+        if (!take_line_piece(b, piece)) return false;
+        if (b.skip_line) report_progress(progress, b, reader);
+    }
+    if (!read_failed(reader)) return true;
+    report_file_error("read", GAMES_FILE);
+    return false;
+}
+
+// The frequent positions of the grown book become the new one; returns how many these are.
+std::optional<int> prune_into_book() {
+    print_unlogged("pruning...");
+    const std::optional<int> kept = copy_frequent(GROWING_FILE, MIN_GAMES, RUN_FILE);
+    if (!kept || !rename_run(RUN_FILE, BOOK_FILE)) return std::nullopt;
+    print_unlogged("\n");
+    return kept;
+}
+
+void remove_temporaries() {
+    for (const char* path : {RUN_FILE, MERGED_FILE, GROWING_FILE}) std::remove(path);
+}
+
+}  // namespace
+
+void build_book(Position& position) {
+    book_close();
+    options.book_file.clear();
+    LineReader reader;
+    if (!open_lines(reader, GAMES_FILE, MAX_LINE, LongLine::AT_BLANK)) return;
+    remove_temporaries();
+    position_from_fen(position, START_FEN);
+
+    Builder b{position};
+    Progress progress = start_progress();
+    const bool merged = read_games(b, reader, progress) && flush(b) && merge_into_book();
+    const std::optional<int> kept = merged ? prune_into_book() : std::nullopt;
+    end_progress(progress);
+    remove_temporaries();
+    if (kept) print_unlogged("done");
+    if (kept && output_is_terminal()) {
+        print_unlogged(format("\n%d games, %d positions kept, %.1f seconds\n", b.games, *kept,
+                              progress_seconds(progress)));
+    }
+    position_from_fen(position, START_FEN);
+}
+
+}  // namespace quon

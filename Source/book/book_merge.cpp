@@ -1,0 +1,156 @@
+// Two-way merges, record by record, so that memory stays small however large the runs are.
+
+#include "book/book_merge.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <span>
+#include <system_error>
+
+#include "frontend/output.h"
+
+namespace quon {
+
+namespace {
+
+// A run that is read from front to back, from a file or from memory.
+struct RunReader {
+    BookFile file;
+    std::span<const BookRecord> memory;
+    BookRecord front{};
+    bool ended = false;
+};
+
+void advance(RunReader& run) {
+    if (run.file) {
+        run.ended = !read_record(run.file.get(), run.front);
+    } else if (run.memory.empty()) {
+        run.ended = true;
+    } else {
+        run.front = run.memory.front();
+        run.memory = run.memory.subspan(1);
+    }
+}
+
+bool read_error(const RunReader& run) { return run.file && std::ferror(run.file.get()); }
+
+RunReader read_run(BookFile file, std::span<const BookRecord> memory = {}) {
+    RunReader run{std::move(file), memory};
+    advance(run);
+    return run;
+}
+
+// False, with a message, if not all of it has reached the file.
+bool close_written(BookFile file, bool written, const std::string& path) {
+    const int error = errno;
+    if (std::fclose(file.release()) == 0 && written) return true;
+    if (!written) errno = error;
+    report_file_error("write", path);
+    return false;
+}
+
+// The next record of both runs together, which the readers then have passed.
+BookRecord take_front(RunReader& a, RunReader& b) {
+    const auto sum = [](u16 x, u16 y) { return u16(std::min(x + y, MAX_COUNT)); };
+    if (b.ended || (!a.ended && stands_before(a.front, b.front))) {
+        const BookRecord record = a.front;
+        advance(a);
+        return record;
+    }
+    BookRecord record = b.front;
+    if (!a.ended && a.front.key == b.front.key) {
+        record.losses = sum(a.front.losses, b.front.losses);
+        record.wins = sum(a.front.wins, b.front.wins);
+        record.draws = sum(a.front.draws, b.front.draws);
+        advance(a);
+    }
+    advance(b);
+    return record;
+}
+
+bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to) {
+    BookFile out = open_for_writing(to);
+    bool written = out != nullptr;
+    while (written && !(a.ended && b.ended)) {
+        written = write_record(out.get(), take_front(a, b));
+    }
+    if (!out) {
+        report_file_error("write", to);
+        return false;
+    }
+    if (read_error(a) || read_error(b)) {
+        report_file_error("read", from);
+        return false;
+    }
+    return close_written(std::move(out), written, to);
+}
+
+}  // namespace
+
+void sort_into_run(std::vector<BookRecord>& records) {
+    std::sort(records.begin(), records.end(), stands_before);
+    std::size_t kept = 0;
+    for (const BookRecord& record : records) {
+        if (kept > 0 && records[kept - 1].key == record.key) {
+            BookRecord& sum = records[kept - 1];
+            sum.losses = u16(sum.losses + record.losses);
+            sum.wins = u16(sum.wins + record.wins);
+            sum.draws = u16(sum.draws + record.draws);
+        } else {
+            records[kept++] = record;
+        }
+    }
+    records.resize(kept);
+}
+
+bool merge_runs(const std::string& path, const std::vector<BookRecord>& run,
+                const std::string& to_path) {
+    return merge(read_run(open_for_reading(path)), read_run({}, run), path, to_path);
+}
+
+bool merge_runs(const std::string& path, const std::string& other_path,
+                const std::string& to_path) {
+    return merge(read_run(open_for_reading(path)), read_run(open_for_reading(other_path)),
+                 path + " or " + other_path, to_path);
+}
+
+std::optional<int> copy_frequent(const std::string& path, int min_games,
+                                 const std::string& to_path) {
+    RunReader run = read_run(open_for_reading(path));
+    BookFile out = open_for_writing(to_path);
+    if (!run.file || !out) {
+        report_file_error(run.file ? "write" : "read", run.file ? to_path : path);
+        return std::nullopt;
+    }
+    int kept = 0;
+    bool written = true;
+    for (; written && !run.ended; advance(run)) {
+        if (game_count(run.front) < min_games) continue;
+        written = write_record(out.get(), run.front);
+        ++kept;
+    }
+    if (read_error(run)) {
+        report_file_error("read", path);
+        return std::nullopt;
+    }
+    if (!close_written(std::move(out), written, to_path)) return std::nullopt;
+    return kept;
+}
+
+bool rename_run(const std::string& path, const std::string& new_path) {
+    std::error_code error;
+    std::filesystem::rename(path, new_path, error);
+    if (error) {
+        errno = error.value();
+        report_file_error("write", new_path);
+    }
+    return !error;
+}
+
+void report_file_error(const char* task, const std::string& path) {
+    const std::string reason = std::generic_category().message(errno);
+    engine_print(format("cannot %s %s: %s", task, path.c_str(), reason.c_str()));
+}
+
+}  // namespace quon

@@ -1,0 +1,35 @@
+#pragma once
+// Runs of book records in files: sorted as a book is, each key once. A failure is printed, with the
+// file and the reason; the files read are then as they were.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "book/book_record.h"
+
+namespace quon {
+
+// No counter grows beyond this when runs are merged.
+constexpr int MAX_COUNT = 60000;
+
+// Sorts records and adds up those of equal keys.
+void sort_into_run(std::vector<BookRecord>& records);
+
+// Writes both runs as one to `to_path`. The file may be missing; it stands for an empty run then.
+[[nodiscard]] bool merge_runs(const std::string& path, const std::vector<BookRecord>& run,
+                              const std::string& to_path);
+[[nodiscard]] bool merge_runs(const std::string& path, const std::string& other_path,
+                              const std::string& to_path);
+
+// Copies the records of at least `min_games` games; returns how many these are.
+[[nodiscard]] std::optional<int> copy_frequent(const std::string& path, int min_games,
+                                               const std::string& to_path);
+
+// Gives the file another name, in place of a file that has it.
+[[nodiscard]] bool rename_run(const std::string& path, const std::string& new_path);
+
+// "cannot TASK PATH: " and the system's reason, read from errno.
+void report_file_error(const char* task, const std::string& path);
+
+}  // namespace quon
