@@ -6,8 +6,8 @@
 #include "book/book_build.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
+#include <cstdio>
+#include <optional>
 
 #include "board/fen.h"
 #include "board/make.h"
@@ -150,7 +150,7 @@ bool read_games(Builder& b, LineReader& reader, Progress& progress) {
         if (b.skip_line) report_progress(progress, b, reader);
     }
     if (!read_failed(reader)) return true;
-    report_file_error("read", GAMES_FILE);
+    report_unreadable(GAMES_FILE);
     return false;
 }
 

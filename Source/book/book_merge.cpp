@@ -46,7 +46,7 @@ bool close_written(BookFile file, bool written, const std::string& path) {
     const int error = errno;
     if (std::fclose(file.release()) == 0 && written) return true;
     if (!written) errno = error;
-    report_file_error("write", path);
+    report_unwritable(path);
     return false;
 }
 
@@ -71,16 +71,16 @@ BookRecord take_front(RunReader& a, RunReader& b) {
 
 bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to) {
     BookFile out = open_for_writing(to);
-    bool written = out != nullptr;
+    if (!out) {
+        report_unwritable(to);
+        return false;
+    }
+    bool written = true;
     while (written && !(a.ended && b.ended)) {
         written = write_record(out.get(), take_front(a, b));
     }
-    if (!out) {
-        report_file_error("write", to);
-        return false;
-    }
     if (read_error(a) || read_error(b)) {
-        report_file_error("read", from);
+        report_unreadable(from);
         return false;
     }
     return close_written(std::move(out), written, to);
@@ -117,12 +117,17 @@ bool merge_runs(const std::string& path, const std::string& other_path,
 
 std::optional<int> copy_frequent(const std::string& path, int min_games,
                                  const std::string& to_path) {
-    RunReader run = read_run(open_for_reading(path));
-    BookFile out = open_for_writing(to_path);
-    if (!run.file || !out) {
-        report_file_error(run.file ? "write" : "read", run.file ? to_path : path);
+    BookFile in = open_for_reading(path);
+    if (!in) {
+        report_unreadable(path);
         return std::nullopt;
     }
+    BookFile out = open_for_writing(to_path);
+    if (!out) {
+        report_unwritable(to_path);
+        return std::nullopt;
+    }
+    RunReader run = read_run(std::move(in));
     int kept = 0;
     bool written = true;
     for (; written && !run.ended; advance(run)) {
@@ -131,7 +136,7 @@ std::optional<int> copy_frequent(const std::string& path, int min_games,
         ++kept;
     }
     if (read_error(run)) {
-        report_file_error("read", path);
+        report_unreadable(path);
         return std::nullopt;
     }
     if (!close_written(std::move(out), written, to_path)) return std::nullopt;
@@ -143,14 +148,16 @@ bool rename_run(const std::string& path, const std::string& new_path) {
     std::filesystem::rename(path, new_path, error);
     if (error) {
         errno = error.value();
-        report_file_error("write", new_path);
+        report_unwritable(new_path);
     }
     return !error;
 }
 
-void report_file_error(const char* task, const std::string& path) {
+void report_unreadable(const std::string& path) { engine_print("cannot read " + path); }
+
+void report_unwritable(const std::string& path) {
     const std::string reason = std::generic_category().message(errno);
-    engine_print(format("cannot %s %s: %s", task, path.c_str(), reason.c_str()));
+    engine_print(format("cannot write %s: %s", path.c_str(), reason.c_str()));
 }
 
 }  // namespace quon

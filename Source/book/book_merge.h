@@ -1,6 +1,6 @@
 #pragma once
-// Runs of book records in files: sorted as a book is, each key once. A failure is printed, with the
-// file and the reason; the files read are then as they were.
+// Runs of book records in files: sorted as a book is, each key once. A failure is printed; the
+// files read are then as they were.
 
 #include <optional>
 #include <string>
@@ -29,7 +29,8 @@ void sort_into_run(std::vector<BookRecord>& records);
 // Gives the file another name, in place of a file that has it.
 [[nodiscard]] bool rename_run(const std::string& path, const std::string& new_path);
 
-// "cannot TASK PATH: " and the system's reason, read from errno.
-void report_file_error(const char* task, const std::string& path);
+// Both print the failure; that of writing with the system's reason, read from errno.
+void report_unreadable(const std::string& path);
+void report_unwritable(const std::string& path);
 
 }  // namespace quon

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "board/fen.h"
 #include "board/movegen.h"
 #include "frontend/engine_options.h"
@@ -84,6 +86,46 @@ TEST(ParseSan, WrittenMovesAreReadBack) {
                 ASSERT_TRUE(read == move || read == NO_MOVE) << position_to_fen(p) << forms.san;
             }
             ASSERT_LT(refused, 40);
+        });
+    });
+}
+
+// Every move in every form, written out and compared.
+bool read_slowly(const Position& p, const std::string& text, Move& move) {
+    std::vector<Move> found;
+    for (const Move candidate : legal_moves(p)) {
+        const MoveForms forms = move_forms(p, {candidate, 0, p.board[move_from(candidate)], 0});
+        const std::string all[] = {forms.coord, forms.san, forms.file, forms.rank};
+        const auto same = [&](const std::string& form) {
+            return !form.empty() && form.substr(0, form.find('+')) == text;
+        };
+        if (std::any_of(std::begin(all), std::end(all), same)) found.push_back(candidate);
+    }
+    move = found.size() == 1 ? found[0] : NO_MOVE;
+    return found.size() == 1;
+}
+
+TEST(ParseSan, AgreesWithComparingAllForms) {
+    captured_output([] {
+        Random random(62);
+        visit_random_positions(scaled(150), 63, [&](Game& game) {
+            const Position& p = game.position;
+            MoveEntry list[MAX_LIST];
+            for (const MoveEntry *entry = list, *end = gen_all(p, list); entry != end; ++entry) {
+                const MoveForms forms = move_forms(p, *entry);
+                for (std::string text : {forms.coord, forms.san, forms.file, forms.rank}) {
+                    text = text.substr(0, text.find('+'));
+                    // Castling is compared with 'o', and a last "b" asks for a bishop.
+                    if (text.empty() || text[0] == 'O' || text[0] == '0' || text.back() == 'b')
+                        continue;
+                    if (pick(random, 3) == 0) text[0] = "abKQRN"[pick(random, 6)];
+                    Move expected = NO_MOVE;
+                    Move read = NO_MOVE;
+                    const bool found = read_slowly(p, text, expected);
+                    ASSERT_EQ(parse_san(p, text, read), found) << position_to_fen(p) << text;
+                    ASSERT_EQ(read, expected) << position_to_fen(p) << text;
+                }
+            }
         });
     });
 }

@@ -91,7 +91,27 @@ TEST_F(ParamFile, EveryKindOfKey) {
               "7 4 101 11 77 250 -30 -9 300");
     EXPECT_EQ(format("%d %d %d %d", options.book_variety, options.book_depth,
                      options.syzygy_probe_depth5, options.syzygy_probe_depth6),
-              "12 44 3 4");  // the depth has eight bits
+              "12 255 3 4");
+}
+
+TEST_F(ParamFile, Ranges) {
+    const std::tuple<std::string, std::string, int, int> cases[] = {
+        {"BookVariety=1\nBookDepth=0", "", 1, 0},
+        {"BookVariety=32767\nBookDepth=255", "", 32767, 255},
+        {"BookVariety=0", "BookVariety is 1 to 32767: 0 becomes 1\n", 1, 24},
+        {"BookVariety=-30", "BookVariety is 1 to 32767: -30 becomes 1\n", 1, 24},
+        {"BookVariety=65536", "BookVariety is 1 to 32767: 65536 becomes 32767\n", 32767, 24},
+        {"BookDepth=-1", "BookDepth is 0 to 255: -1 becomes 0\n", 30, 0},
+        {"BookDepth=256", "BookDepth is 0 to 255: 256 becomes 255\n", 30, 255},
+    };
+    for (const auto& [lines, message, variety, depth] : cases) {
+        options.book_variety = 30;
+        options.book_depth = 24;
+        load(lines + "\n");
+        EXPECT_EQ(printed, message + no_tables);
+        EXPECT_EQ(options.book_variety, variety) << lines;
+        EXPECT_EQ(options.book_depth, depth) << lines;
+    }
 }
 
 TEST_F(ParamFile, FileNames) {

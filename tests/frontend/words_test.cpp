@@ -37,6 +37,13 @@ TEST(Words, Numbers) {
     EXPECT_EQ(to_real("-1e999"), std::numeric_limits<double>::lowest());
 }
 
+TEST(Words, FromFirstLetter) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},    {"12.", ""},   {"1/2-1/2", ""}, {"e4", "e4"},       {"12...Nf6+", "Nf6+"},
+        {"[z", "z"}, {"@Z1", "Z1"}, {"{`A", "A"},    {"1.\xC3\xA9", ""}, {"0-0", ""}};
+    for (const auto& [text, expected] : cases) EXPECT_EQ(from_first_letter(text), expected) << text;
+}
+
 TEST(Words, Blanks) {
     EXPECT_EQ(without_leading_blanks("  a b "), "a b ");
     EXPECT_EQ(without_trailing_blanks("  a b "), "  a b");

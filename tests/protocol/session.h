@@ -6,8 +6,9 @@
 namespace quon::test {
 
 struct Session : Process {
-    // Without the log there is no echo of the commands.
-    explicit Session(const Lines& arguments = {"-nolog"}) : Process(arguments) {}
+    // Without the log there is no echo of the commands. `elsewhere`: see Process.
+    explicit Session(const Lines& arguments = {"-nolog"}, const std::string& elsewhere = {})
+        : Process(arguments, elsewhere) {}
 
     // What is answered to the lines, but for the start-up's line about speed.
     Lines answers(Lines lines) {

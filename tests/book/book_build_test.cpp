@@ -1,0 +1,330 @@
+// Building books: games of the test's own making in every spelling, real games, and what can go
+// wrong.
+
+#include "book/book_build.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "board/fen.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "book/book.h"
+#include "frontend/output.h"
+#include "support/book_support.h"
+
+namespace quon::test {
+namespace {
+
+struct BookBuild : testing::Test {
+    BookDirectory directory;
+
+    // Builds a book from the text; returns what is printed.
+    static std::string build(const std::string& pgn) {
+        write_file("book.pgn", pgn);
+        return build();
+    }
+    static std::string build() {
+        const auto game = game_after("d2d4");
+        const std::string printed = captured_output([&] { build_book(game->position); });
+        const bool begun = std::filesystem::exists("book.pgn");
+        EXPECT_EQ(position_to_fen(game->position) == START_FEN, begun);
+        EXPECT_EQ(game->game_ply, begun ? 0 : 1);
+        for (const char* path : {"tmp.opn", "tmp__0.opn", "tmp__1.opn"}) {
+            EXPECT_FALSE(std::filesystem::is_regular_file(path)) << path;
+        }
+        return printed;
+    }
+    // The same text nine times, so that all of it is kept; the records with a ninth of the
+    // counters.
+    static Records build_nine(const std::string& pgn) {
+        std::string text;
+        for (int i = 0; i < 9; ++i) text += pgn;
+        build(text);
+        Records records = records_of(read_file("book.opn"));
+        for (BookRecord& r : records) {
+            EXPECT_EQ(r.losses % 9 + r.wins % 9 + r.draws % 9, 0);
+            r = {r.key, u16(r.losses / 9), u16(r.wins / 9), u16(r.draws / 9)};
+        }
+        return records;
+    }
+};
+
+// The records of one game's first moves (coordinates).
+Records records_along(const std::string& moves, const std::string& result) {
+    GameCount count;
+    const auto game = make_game(START_FEN);
+    Records records;
+    for (const std::string& text : split(moves, ' ')) {
+        make_move(game->position, parse_coordinates(game->position, text));
+        const bool white_moved = game->position.side == BLACK;
+        const bool decided = result == "1-0" || result == "0-1";
+        const bool won = decided && white_moved == (result == "1-0");
+        records.push_back(
+            record_of(game->position, decided && !won ? 1 : 0, won ? 1 : 0, decided ? 0 : 1));
+    }
+    return in_order(records);
+}
+
+TEST_F(BookBuild, Spellings) {
+    const std::string open = "e2e4 e7e5 g1f3 b8c6";
+    const std::string castled = "e2e4 e7e5 g1f3 b8c6 f1c4 f8c5 e1g1 g8f6 d2d3 e8g8";
+    const std::string long_comment(600, 'x');
+    const std::string fifty = [] {
+        std::string moves;
+        for (int i = 0; i < 15; ++i) moves += "Nf3 Nf6 Ng1 Ng8 ";
+        return moves;
+    }();
+    const struct {
+        std::string text, moves;
+    } cases[] = {
+        {"1. e4 e5 2. Nf3 Nc6 *", open},
+        {"1.e4 e5 2.Nf3 2...Nc6", open},
+        {"e2e4 e7e5 Ng1f3? Nf3 Nc6", "e2e4 e7e5"},  // what cannot be read ends the game
+        {"1. e4 $1 {King's pawn} e5 $146 2. Nf3 (2. d4 exd4 (2... d5)) 2... Nc6", open},
+        {"1. e4{a}e5 2. Nf3(2. d4)Nc6", open},
+        {"1. e4 {[%eval 0.3]\n[%clk 1] ; d5\n(x {nested} y)} e5 2. Nf3 {" + long_comment +
+             " d5} Nc6",
+         open},
+        {"1. e4 e5\n; 2. d4 d5\n[Remark \"2. d4\"]\n;" + long_comment + " d4 d5\n2. Nf3 Nc6", open},
+        {"1. e4 } ) e5 2. Nf3 Nc6", open},
+        {"1. e4 e5 2. Nf3+ Nc6# 3. Qh9 Bb5 1-0", open},
+        {"1. e4 e5 2. Nf3 Nc6 0-1", open},  // "0-1" is no move
+        {"1.e4 e5 2.Nf3 Nc6 3.Bc4 Bc5 4.0-0 Nf6 5.d3 O-O", castled},
+        {"1.e4 e5 2.Nf3 Nc6 3.Bc4 Bc5 4.O-O Nf6 5.d3 5...0-0", castled},
+        {fifty, ""},
+    };
+    for (const std::string result : {"1-0", "0-1", "1/2-1/2", "*"}) {
+        for (const auto& c : cases) {
+            if (c.moves.empty()) continue;
+            const std::string pgn = "[Event \"x\"]\n[Result \"" + result + "\"]\n\n" + c.text;
+            EXPECT_EQ(build_nine(pgn + "\n\n"), records_along(c.moves, result)) << pgn;
+        }
+    }
+    // Fifty plies are recorded of sixty; four positions occur again and again.
+    const Records records = build_nine("[Result \"1-0\"]\n" + fifty + "\n");
+    ASSERT_EQ(records.size(), 4U);
+    int plies = 0;
+    for (const BookRecord& r : records) plies += game_count(r);
+    EXPECT_EQ(plies, 50);
+}
+
+TEST_F(BookBuild, WhatStandsBeforeTheFirstResult) {
+    // Moves without a tag are a drawn game from the start position; with the next tag a new game
+    // begins.
+    std::string pgn = "1. e4 e5\n";
+    for (int i = 0; i < 9; ++i) pgn += "[Result \"0-1\"]\n1. e4 c5\n";
+    build(pgn);
+    const Records records = in_order({record_of(game_after("e2e4")->position, 9, 0, 1),
+                                      record_of(game_after("e2e4 c7c5")->position, 0, 9, 0)});
+    EXPECT_EQ(records_of(read_file("book.opn")), records);
+}
+
+// One game per line, tags and all.
+TEST_F(BookBuild, LongLines) {
+    std::string pgn = "[Result \"1-0\"]\n";
+    GameCount count;
+    const auto game = make_game(START_FEN);
+    Random random(3);
+    for (int ply = 0; ply < 50; ++ply) {
+        play_random(*game, random, 1);
+        count_position(count, game->position, "1-0");
+        const Move move = game->last_move;
+        pgn += format("%d. {  a comment of no use at all } %s ", ply / 2 + 1,
+                      move_to_text(move & PROMOTION_MASK ? NO_MOVE : move).c_str());
+    }
+    std::string nine;
+    for (int i = 0; i < 9; ++i) nine += pgn + "1-0\n";
+    build(nine);
+    for (auto& [fen, outcomes] : count) {
+        outcomes = {9 * outcomes.losses, 9 * outcomes.wins, 9 * outcomes.draws};
+    }
+    expect_book("book.opn", count);
+}
+
+// A move as a game might spell it.
+std::string spelled(const Position& p, Move move, Random& random) {
+    const int piece = p.board[move_from(move)];
+    const MoveForms forms = move_forms(p, {move, 0, u8(piece), 0});
+    const std::string choices[] = {forms.san, forms.san, forms.file, forms.rank};
+    const std::string text = choices[pick(random, 4)];
+    Move read = NO_MOVE;
+    return !text.empty() && parse_san(p, text, read) && read == move ? text : forms.coord;
+}
+
+std::string chatter(Random& random) {
+    const std::string words[] = {
+        "",         "", "", "", "{ e4 e5 (d4) }", "(1. d4 d5)", "$12", "\n", "{[%clk 0:01]}\n",
+        "({;} Nf3)"};
+    return words[pick(random, int(std::size(words)))] + (pick(random, 3) ? " " : "\n");
+}
+
+TEST_F(BookBuild, RandomGamesAgainstMap) {
+    const int games = 5200;  // more than one merge
+    Random random(11);
+    GameCount count;
+    std::string pgn;
+    captured_output([&] {
+        for (int n = 0; n < games; ++n) {
+            const std::string results[] = {"1-0", "0-1", "1/2-1/2", "*"};
+            const std::string result = results[pick(random, 4)];
+            const auto game = make_game(START_FEN);
+            const Position& p = game->position;
+            pgn += "[Event \"?\"]\n[Result \"" + result + "\"]\n\n";
+            const int plies = n % 50 == 0 ? 60 : 4 + pick(random, 3);
+            for (int ply = 0; ply < plies; ++ply) {
+                const std::vector<Move> moves = legal_moves(p);
+                if (moves.empty()) break;
+                const std::size_t choices =
+                    ply < 5 ? std::min<std::size_t>(3, moves.size()) : moves.size();
+                const Move move = moves[random() % choices];
+                if (ply % 2 == 0) pgn += format("%d.%s", ply / 2 + 1, pick(random, 2) ? " " : "");
+                pgn += spelled(p, move, random) + " " + chatter(random);
+                make_move(game->position, move);
+                if (ply < 50) count_position(count, p, result);
+            }
+            pgn += result + "\n\n";
+        }
+    });
+    const std::string dots(25, '.');  // every 200 games, the 5,000th included
+    EXPECT_EQ(build(pgn), dots + "\nmerging...\n..\nmerging...\npruning...\ndone");
+    expect_book("book.opn", count);
+}
+
+// Games without variations, in the plainest way: what is no comment, number or result is a move.
+GameCount count_games(const std::vector<std::string>& lines) {
+    GameCount count;
+    std::unique_ptr<Game> game;
+    std::string result;
+    bool comment = false;
+    bool over = true;
+    for (const std::string& line : lines) {
+        if (!comment && line.starts_with("[")) {
+            if (!line.starts_with("[Result ")) continue;
+            result = line.substr(9, line.find('"', 9) - 9);
+            game = make_game(START_FEN);
+            over = false;
+            continue;
+        }
+        for (const std::string& word : split(over ? "" : line, ' ')) {
+            if (word.starts_with("{")) comment = true;
+            Move move = NO_MOVE;
+            if (!comment && !word.empty() && std::isalpha(static_cast<unsigned char>(word[0])) &&
+                game->game_ply < 50) {
+                // Some moves are written so that two pieces could make them.
+                over = !parse_san(game->position, word, move);
+                if (over) break;
+                make_move(game->position, move);
+                count_position(count, game->position, result);
+            }
+            if (word.ends_with("}")) comment = false;
+        }
+    }
+    return count;
+}
+
+struct RealGames : BookBuild, testing::WithParamInterface<const char*> {};
+
+TEST_P(RealGames, AgainstMap) {
+    const std::string name = GetParam();
+    const std::vector<std::string> lines = shared_lines("/data/pgn/" + name + ".pgn");
+    if (lines.empty()) GTEST_SKIP() << name << " is not there";
+    std::filesystem::copy_file(QUON_SHARED_DIR "/data/pgn/" + name + ".pgn", "book.pgn");
+    EXPECT_TRUE(build().ends_with("\npruning...\ndone"));
+    GameCount count;
+    captured_output([&] { count = count_games(lines); });
+    expect_book("book.opn", count);
+
+    const std::vector<std::string> reference =
+        shared_lines("/reference/tools/book-" + name + ".txt");
+    if (reference.empty()) return;
+    std::vector<std::string> own;
+    for (const BookRecord& r : records_of(read_file("book.opn"))) {
+        own.push_back(
+            format("%04x %08x %d %d %d", r.key.key16, r.key.key32, r.losses, r.wins, r.draws));
+    }
+    EXPECT_EQ(own, reference);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, RealGames, testing::Values("engine-games", "master-games"));
+
+TEST_F(BookBuild, OddFilesDoNoHarm) {
+    const std::string folder = QUON_SHARED_DIR "/data/pgn/odd";
+    if (!std::filesystem::exists(folder)) GTEST_SKIP();
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::string printed = build(read_file(entry.path()));
+        EXPECT_TRUE(printed.ends_with("pruning...\ndone")) << entry.path();
+        EXPECT_EQ(open_book("book.opn"), "") << entry.path();
+    }
+}
+
+TEST_F(BookBuild, NoGames) {
+    write_file("book.opn", "old");
+    write_file("quon.opn", bytes_of({{{0x8000, 1}, 1, 2, 3}}));
+    open_book("quon.opn");
+    EXPECT_EQ(build(), "");  // no book.pgn
+    EXPECT_EQ(read_file("book.opn"), "old");
+    EXPECT_FALSE(book_in_use());
+    EXPECT_EQ(options.book_file, "");
+
+    write_file("tmp.opn", bytes_of({{{0x8000, 1}, 9, 9, 9}}));  // left by one that was killed
+    EXPECT_EQ(build("no games\n"), ".\nmerging...\npruning...\ndone");
+    EXPECT_EQ(read_file("book.opn"), "");
+}
+
+TEST_F(BookBuild, FailuresLeaveTheOldBook) {
+    write_file("book.opn", "old");
+    std::string pgn;
+    for (int i = 0; i < 9; ++i) pgn += "[Result \"1-0\"]\n1. e4 e5\n";
+
+    std::filesystem::create_directories("tmp__0.opn/full");
+    EXPECT_EQ(build(pgn), "cannot write tmp__0.opn: Is a directory\n");
+    std::filesystem::remove_all("tmp__0.opn");
+    std::filesystem::create_directories("tmp.opn/full");
+    EXPECT_EQ(build(pgn), "cannot read tmp.opn\n");
+    std::filesystem::remove_all("tmp.opn");
+    std::filesystem::remove("book.pgn");
+    std::filesystem::create_directory("book.pgn");
+    EXPECT_EQ(build(), "cannot read book.pgn\n");
+    std::filesystem::remove("book.pgn");
+    EXPECT_EQ(read_file("book.opn"), "old");
+
+    std::filesystem::remove("book.opn");
+    std::filesystem::create_directory("book.opn");
+    EXPECT_TRUE(build(pgn).ends_with("pruning...cannot write book.opn: Is a directory\n"));
+}
+
+// A full disk, as far as a program can tell.
+TEST_F(BookBuild, NoRoom) {
+    Random random(5);
+    std::string pgn;
+    for (int n = 0; n < 100; ++n) {
+        const auto game = make_game(START_FEN);
+        pgn += "[Result \"1-0\"]\n";
+        for (int ply = 0; ply < 50 && play_random(*game, random, 1) == 1; ++ply) {
+            if (game->last_move & PROMOTION_MASK) break;
+            pgn += move_to_text(game->last_move) + " ";
+        }
+        pgn += "\n";
+    }
+    write_file("book.pgn", pgn);
+    write_file("book.opn", "old");
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    for (const rlim_t bytes : {5000, 10000}) {
+        const rlimit small = {bytes, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        const std::string printed = build();
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(printed, "cannot write tmp__0.opn: File too large\n");
+        EXPECT_EQ(read_file("book.opn"), "old");
+    }
+    std::signal(SIGXFSZ, SIG_DFL);
+}
+
+}  // namespace
+}  // namespace quon::test

@@ -1,0 +1,144 @@
+// The opening book in a game, and the console's commands for it.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "board/fen.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "protocol/session.h"
+#include "support/book_support.h"
+
+namespace quon::test {
+namespace {
+
+struct BookSession : testing::Test {
+    BookDirectory directory;
+
+    // A book in which White opens e2e4 and Black answers c7c5, without chance.
+    void small_book() const {
+        Records records;
+        for (const char* moves : {"e2e4", "e2e4 c7c5"}) {
+            records.push_back(record_of(game_after(moves)->position, 0, 9, 0));
+        }
+        write_file("quon.opn", bytes_of(in_order(records)));
+    }
+};
+
+const Lines E4_LINES = {"info string   move  result    wins losses  draws",
+                        "info string   e2e4   100.0%       9      0      0",
+                        "info string book move is e2e4", "bestmove e2e4"};
+
+TEST_F(BookSession, OwnBook) {
+    small_book();
+    Session session({"-nolog"}, directory.path);
+    EXPECT_TRUE(names_move(session.best_move({"go depth 2"})));  // it is off
+    EXPECT_EQ(session.answers({"setoption name OwnBook value true"}),
+              Lines{"info string OwnBook set to true"});
+    session.send({"go infinite"});
+    EXPECT_EQ(session.read_to("bestmove"), E4_LINES);
+    session.send({"position startpos moves e2e4", "go wtime 1000 btime 1000"});
+    EXPECT_TRUE(contains(session.read_to("bestmove"), "info string book move is c7c5"));
+    // Off the book it searches, and says nothing of the book.
+    session.send({"position startpos moves e2e4 c7c6", "go depth 2"});
+    Lines lines = session.read_to("bestmove");
+    EXPECT_TRUE(names_move(lines.back())) << lines.back();
+    EXPECT_EQ(lines_with(lines, "info string"), Lines{});
+    // A ponder search is answered when it is asked for.
+    session.send({"position startpos", "go ponder"});
+    session.read_to("info string book move is e2e4");
+    EXPECT_TRUE(session.silent_for(50));
+    EXPECT_EQ(session.best_move({"ponderhit"}), "bestmove e2e4");
+}
+
+TEST_F(BookSession, Depth) {
+    const std::string shuffle = "g1f3 g8f6 f3g1 f6g8 ";
+    write_file("quon.rc", "BookDepth = 4\nBookVariety = 1\n");
+    Records records;
+    for (const char* moves : {"", "e2e4", "g1f3"}) {
+        records.push_back(record_of(game_after(moves)->position, 0, 9, 0));
+    }
+    records.push_back(record_of(game_after("g1f3 g8f6")->position, 0, 9, 0));
+    write_file("quon.opn", bytes_of(in_order(records)));
+    Session session({"-nolog"}, directory.path);
+    session.send({"setoption name OwnBook value true"});
+    for (const auto& [game, book] : std::initializer_list<std::pair<std::string, bool>>{
+             {shuffle, true}, {shuffle + "g1f3", false}}) {
+        session.send({"position startpos moves " + game, "go depth 1"});
+        EXPECT_EQ(lines_with(session.read_to("bestmove"), "info string book move").empty(), !book);
+    }
+}
+
+TEST_F(BookSession, BookThatCannotBeRead) {
+    write_file("quon.rc", "QuonBook = mine.opn\n");
+    Session session({"-nolog"}, directory.path);
+    const Lines lines = session.answers({"setoption name OwnBook value true"});
+    EXPECT_TRUE(contains(lines, "info string book file mine.opn cannot be read"));
+    EXPECT_TRUE(names_move(session.best_move({"go depth 1"})));
+}
+
+// Plays against itself from the largest collection, in the book and out of it.
+TEST_F(BookSession, RealBook) {
+    const std::string games = QUON_SHARED_DIR "/data/pgn/engine-games.pgn";
+    if (!std::filesystem::exists(games)) GTEST_SKIP() << "no games";
+    std::filesystem::copy_file(games, "book.pgn");
+    {
+        Session console({"-c", "-nolog"}, directory.path);
+        console.send({"mkbook", "quit"});
+        const Ending ending = console.wait();
+        EXPECT_EQ(ending.lines.back(), "pruning...");  // "done" ends no line
+        EXPECT_EQ(ending.errors, "");
+    }
+    write_file("quon.rc", "QuonBook = book.opn\n");
+    const Records records = records_of(read_file("book.opn"));
+    const auto in_book = [&](const Position& p) {
+        const BookKey key = record_key(p);
+        return std::any_of(records.begin(), records.end(),
+                           [&](const BookRecord& r) { return r.key == key; });
+    };
+    Session session({"-nolog"}, directory.path);
+    session.send({"setoption name OwnBook value true"});
+    for (int round = 0; round < scaled(5); ++round) {
+        const auto game = make_game(START_FEN);
+        std::string moves;
+        int book_moves = 0;
+        bool left = false;
+        for (int ply = 0; ply < 30; ++ply) {
+            session.send(
+                {"position startpos" + (moves.empty() ? "" : " moves" + moves), "go depth 1"});
+            const Lines lines = session.read_to("bestmove");
+            const Lines book = lines_with(lines, "info string book move is ");
+            const std::string best = split(lines.back(), ' ')[1];
+            const std::vector<Move> legal = legal_moves(game->position);
+            const Move move = parse_coordinates(game->position, best);
+            ASSERT_NE(std::find(legal.begin(), legal.end(), move), legal.end()) << best;
+            make_move(game->position, move);
+            if (book.empty()) {
+                left = true;
+            } else {
+                EXPECT_EQ(book[0].substr(book[0].size() - 4), best);
+                EXPECT_TRUE(in_book(game->position)) << position_to_fen(game->position);
+                ++book_moves;
+            }
+            moves += " " + best;
+        }
+        EXPECT_GE(book_moves, 4);
+        EXPECT_TRUE(left);
+    }
+}
+
+TEST_F(BookSession, Console) {
+    small_book();
+    Session session({"-c", "-nolog"}, directory.path);
+    session.read_to("info string et=");
+    session.send({"book", "quit"});
+    const Lines lines = session.wait().lines;
+    const Lines expected = {"   move  result    wins losses  draws",
+                            "   e2e4   100.0%       9      0      0", "book move is e2e4", ""};
+    ASSERT_GE(lines.size(), expected.size());
+    EXPECT_EQ(Lines(lines.end() - 4, lines.end()), expected);
+}
+
+}  // namespace
+}  // namespace quon::test
