@@ -144,15 +144,32 @@ std::string normalized(std::string_view input) {
     return text;
 }
 
-// False if no form of the move can be the text: nearly all forms end with the destination, so that
-// few moves need to be written out.
-bool may_match(const MoveEntry& entry, std::string_view text) {
-    const std::string_view body = text.substr(0, text.find('='));
-    if (body.empty() || !std::isdigit(static_cast<unsigned char>(body.back()))) {
-        // A pawn's two files, or castling.
-        return type_of(entry.piece) == PAWN || type_of(entry.piece) == KING;
-    }
-    return body.ends_with(square_name[move_to(entry.move)]);
+// What a text tells of its move before any move is written out.
+struct Clues {
+    int type;         // NO_TYPE when the text does not begin with a piece's letter
+    int destination;  // NO_SQUARE when it does not end with one: a pawn's two files, castling
+};
+
+int ending_square(std::string_view body) {
+    if (body.size() < 2) return NO_SQUARE;
+    const int file = body[body.size() - 2] - 'a';
+    const int rank = body[body.size() - 1] - '1';
+    const bool on_board = 0 <= file && file < 8 && 0 <= rank && rank < 8;
+    return on_board ? make_square(file, rank) : NO_SQUARE;
+}
+
+Clues clues_of(std::string_view text) {
+    const std::size_t letter = std::string_view(PIECE_LETTERS).find(text[0], KNIGHT);
+    return {letter == std::string_view::npos ? NO_TYPE : int(letter),
+            ending_square(text.substr(0, text.find('=')))};
+}
+
+// False only if no form of the move can be a text with these clues.
+bool may_match(const MoveEntry& entry, const Clues& clues) {
+    const int type = type_of(entry.piece);
+    if (clues.destination == NO_SQUARE) return type == PAWN || type == KING;
+    return move_to(entry.move) == clues.destination &&
+           (clues.type == NO_TYPE || clues.type == type);
 }
 
 bool matches(const MoveForms& forms, std::string_view text) {
@@ -165,13 +182,14 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
     out_move = NO_MOVE;
     const std::string text = normalized(input);
     if (text.empty()) return false;
+    const Clues clues = clues_of(text);
     MoveEntry list[MAX_LIST];
     const MoveEntry* end = gen_all(p, list);
     const KingGuard guard = king_guard(p);
     int count = 0;
     Move found = NO_MOVE;
     for (const MoveEntry* entry = list; entry != end; ++entry) {
-        if (may_match(*entry, text) && matches(forms_without_check(p, *entry), text) &&
+        if (may_match(*entry, clues) && matches(forms_without_check(p, *entry), text) &&
             is_legal(p, entry->move, guard)) {
             ++count;
             found = entry->move;

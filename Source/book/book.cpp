@@ -35,7 +35,7 @@ void complain(const char* problem) {
 }
 
 // Numbers the records; false if they are out of order.
-bool read_index(std::FILE* file) {
+bool read_index(RecordReader& file) {
     bool sorted = true;
     BookRecord record{};
     for (BookRecord last{}; read_record(file, record); last = record) {
@@ -53,10 +53,10 @@ void load_bucket(int bucket) {
     book.cached_bucket = NO_BUCKET;
     const int start = book.index[bucket];
     if (start == NO_RECORD) return;
-    const BookFile file = open_for_reading(options.book_file);
-    if (!file || std::fseek(file.get(), long{start} * RECORD_SIZE, SEEK_SET) != 0) return;
+    RecordReader file = open_records(options.book_file, start);
+    if (!file) return;
     BookRecord record{};
-    while (book.cache.size() < MAX_CACHED && read_record(file.get(), record) &&
+    while (book.cache.size() < MAX_CACHED && read_record(file, record) &&
            bucket_of(record.key) >= bucket) {
         book.cache.push_back(record);
     }
@@ -76,9 +76,9 @@ void book_open() {
     if (path.empty()) return;
     std::error_code unknown;
     if (path == DEFAULT_BOOK && !std::filesystem::exists(path, unknown)) return;
-    const BookFile file = open_for_reading(path);
-    const bool sorted = file && read_index(file.get());
-    if (!file || std::ferror(file.get())) {
+    RecordReader file = open_records(path);
+    const bool sorted = file && read_index(file);
+    if (!file || read_failed(file)) {
         book_close();
         return complain("cannot be read");
     }

@@ -16,7 +16,7 @@ namespace {
 
 // A run that is read from front to back, from a file or from memory.
 struct RunReader {
-    BookFile file;
+    RecordReader file;
     std::span<const BookRecord> memory;
     BookRecord front{};
     bool ended = false;
@@ -24,7 +24,7 @@ struct RunReader {
 
 void advance(RunReader& run) {
     if (run.file) {
-        run.ended = !read_record(run.file.get(), run.front);
+        run.ended = !read_record(run.file, run.front);
     } else if (run.memory.empty()) {
         run.ended = true;
     } else {
@@ -33,19 +33,17 @@ void advance(RunReader& run) {
     }
 }
 
-bool read_error(const RunReader& run) { return run.file && std::ferror(run.file.get()); }
+bool broken(const RunReader& run) { return run.file && read_failed(run.file); }
 
-RunReader read_run(BookFile file, std::span<const BookRecord> memory = {}) {
+RunReader read_run(RecordReader file, std::span<const BookRecord> memory = {}) {
     RunReader run{std::move(file), memory};
     advance(run);
     return run;
 }
 
 // False, with a message, if not all of it has reached the file.
-bool close_written(BookFile file, bool written, const std::string& path) {
-    const int error = errno;
-    if (std::fclose(file.release()) == 0 && written) return true;
-    if (!written) errno = error;
+bool finish(RecordWriter& out, bool written, const std::string& path) {
+    if (written && close_records(out)) return true;
     report_unwritable(path);
     return false;
 }
@@ -70,20 +68,20 @@ BookRecord take_front(RunReader& a, RunReader& b) {
 }
 
 bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to) {
-    BookFile out = open_for_writing(to);
+    RecordWriter out = create_records(to);
     if (!out) {
         report_unwritable(to);
         return false;
     }
     bool written = true;
     while (written && !(a.ended && b.ended)) {
-        written = write_record(out.get(), take_front(a, b));
+        written = write_record(out, take_front(a, b));
     }
-    if (read_error(a) || read_error(b)) {
+    if (broken(a) || broken(b)) {
         report_unreadable(from);
         return false;
     }
-    return close_written(std::move(out), written, to);
+    return finish(out, written, to);
 }
 
 }  // namespace
@@ -106,23 +104,23 @@ void sort_into_run(std::vector<BookRecord>& records) {
 
 bool merge_runs(const std::string& path, const std::vector<BookRecord>& run,
                 const std::string& to_path) {
-    return merge(read_run(open_for_reading(path)), read_run({}, run), path, to_path);
+    return merge(read_run(open_records(path)), read_run({}, run), path, to_path);
 }
 
 bool merge_runs(const std::string& path, const std::string& other_path,
                 const std::string& to_path) {
-    return merge(read_run(open_for_reading(path)), read_run(open_for_reading(other_path)),
+    return merge(read_run(open_records(path)), read_run(open_records(other_path)),
                  path + " or " + other_path, to_path);
 }
 
 std::optional<int> copy_frequent(const std::string& path, int min_games,
                                  const std::string& to_path) {
-    BookFile in = open_for_reading(path);
+    RecordReader in = open_records(path);
     if (!in) {
         report_unreadable(path);
         return std::nullopt;
     }
-    BookFile out = open_for_writing(to_path);
+    RecordWriter out = create_records(to_path);
     if (!out) {
         report_unwritable(to_path);
         return std::nullopt;
@@ -132,14 +130,14 @@ std::optional<int> copy_frequent(const std::string& path, int min_games,
     bool written = true;
     for (; written && !run.ended; advance(run)) {
         if (game_count(run.front) < min_games) continue;
-        written = write_record(out.get(), run.front);
+        written = write_record(out, run.front);
         ++kept;
     }
-    if (read_error(run)) {
+    if (broken(run)) {
         report_unreadable(path);
         return std::nullopt;
     }
-    if (!close_written(std::move(out), written, to_path)) return std::nullopt;
+    if (!finish(out, written, to_path)) return std::nullopt;
     return kept;
 }
 

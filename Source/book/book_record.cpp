@@ -2,6 +2,8 @@
 
 #include "book/book_record.h"
 
+#include <cerrno>
+
 namespace quon {
 
 namespace {
@@ -18,32 +20,66 @@ void put32(u8* bytes, u32 value) {
     put16(bytes + 2, u16(value >> 16));
 }
 
+constexpr std::size_t BLOCK_SIZE = 4096 * RECORD_SIZE;
+
+// False at the end of the file or of its last whole record.
+bool read_block(RecordReader& reader) {
+    reader.block.resize(BLOCK_SIZE);
+    reader.block.resize(std::fread(reader.block.data(), 1, BLOCK_SIZE, reader.file.get()));
+    reader.next = 0;
+    return reader.block.size() >= RECORD_SIZE;
+}
+
+bool write_block(RecordWriter& writer) {
+    const std::size_t size = writer.block.size();
+    const bool written = std::fwrite(writer.block.data(), 1, size, writer.file.get()) == size;
+    writer.block.clear();
+    return written;
+}
+
 }  // namespace
 
-BookFile open_for_reading(const std::string& path) {
-    return BookFile(std::fopen(path.c_str(), "rb"));
+RecordReader open_records(const std::string& path, int first) {
+    RecordReader reader{BookFile(std::fopen(path.c_str(), "rb")), {}};
+    if (first > 0 && reader &&
+        std::fseek(reader.file.get(), long{first} * long{RECORD_SIZE}, SEEK_SET) != 0) {
+        reader.file.reset();
+    }
+    return reader;
 }
 
-BookFile open_for_writing(const std::string& path) {
-    return BookFile(std::fopen(path.c_str(), "wb"));
-}
-
-bool read_record(std::FILE* file, BookRecord& record) {
-    u8 bytes[RECORD_SIZE];
-    if (std::fread(bytes, RECORD_SIZE, 1, file) != 1) return false;
+bool read_record(RecordReader& reader, BookRecord& record) {
+    if (reader.block.size() - reader.next < RECORD_SIZE && !read_block(reader)) return false;
+    const u8* const bytes = reader.block.data() + reader.next;
+    reader.next += RECORD_SIZE;
     record = {
         {get16(bytes), get32(bytes + 2)}, get16(bytes + 6), get16(bytes + 8), get16(bytes + 10)};
     return true;
 }
 
-bool write_record(std::FILE* file, const BookRecord& record) {
+bool read_failed(const RecordReader& reader) { return std::ferror(reader.file.get()) != 0; }
+
+RecordWriter create_records(const std::string& path) {
+    return {BookFile(std::fopen(path.c_str(), "wb")), {}};
+}
+
+bool write_record(RecordWriter& writer, const BookRecord& record) {
     u8 bytes[RECORD_SIZE] = {};
     put16(bytes, record.key.key16);
     put32(bytes + 2, record.key.key32);
     put16(bytes + 6, record.losses);
     put16(bytes + 8, record.wins);
     put16(bytes + 10, record.draws);
-    return std::fwrite(bytes, RECORD_SIZE, 1, file) == 1;
+    writer.block.insert(writer.block.end(), bytes, bytes + RECORD_SIZE);
+    return writer.block.size() < BLOCK_SIZE || write_block(writer);
+}
+
+bool close_records(RecordWriter& writer) {
+    const bool written = write_block(writer);
+    const int error = errno;
+    const bool closed = std::fclose(writer.file.release()) == 0;
+    if (!written) errno = error;
+    return written && closed;
 }
 
 }  // namespace quon

@@ -5,12 +5,13 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "book/book_key.h"
 
 namespace quon {
 
-constexpr int RECORD_SIZE = 14;
+constexpr std::size_t RECORD_SIZE = 14;
 
 struct BookRecord {
     BookKey key;
@@ -33,12 +34,32 @@ struct CloseBookFile {
 };
 using BookFile = std::unique_ptr<std::FILE, CloseBookFile>;
 
-// Both open in binary mode; empty on failure, with the reason in errno.
-BookFile open_for_reading(const std::string& path);
-BookFile open_for_writing(const std::string& path);
+// A book file read or written from front to back, many records at a time. An empty `file` means
+// that it could not be opened; errno holds the reason.
+struct RecordReader {
+    BookFile file;
+    std::vector<u8> block;
+    std::size_t next = 0;  // first byte of the block not handed out
 
+    explicit operator bool() const { return file != nullptr; }
+};
+struct RecordWriter {
+    BookFile file;
+    std::vector<u8> block;
+
+    explicit operator bool() const { return file != nullptr; }
+};
+
+// Starts at the record of that number.
+RecordReader open_records(const std::string& path, int first = 0);
 // False at the end of the file, in front of a cut record, and after an error.
-bool read_record(std::FILE* file, BookRecord& record);
-bool write_record(std::FILE* file, const BookRecord& record);
+bool read_record(RecordReader& reader, BookRecord& record);
+bool read_failed(const RecordReader& reader);
+
+// Empties a file that is there.
+RecordWriter create_records(const std::string& path);
+// Both are false when something could not be written; errno holds the reason.
+bool write_record(RecordWriter& writer, const BookRecord& record);
+[[nodiscard]] bool close_records(RecordWriter& writer);
 
 }  // namespace quon
