@@ -41,6 +41,7 @@ constexpr int NOBODY = 2;          // the winner of a drawn or unfinished game
 
 struct Builder {
     Position& position;
+    Progress progress = start_progress();
     std::vector<BookRecord> run = {};  // one record for each position recorded since the last flush
     int games = 0;
     // Of the current game.
@@ -53,6 +54,7 @@ struct Builder {
 };
 
 bool flush(Builder& b) {
+    end_progress(b.progress);  // for what is printed now
     sort_into_run(b.run);
     if (!merge_runs(RUN_FILE, b.run, MERGED_FILE) || !rename_run(MERGED_FILE, RUN_FILE))
         return false;
@@ -136,19 +138,20 @@ bool take_line_piece(Builder& b, const LinePiece& piece) {
     return true;
 }
 
-void report_progress(Progress& progress, const Builder& b, const LineReader& reader) {
-    if (!progress_due(progress)) return;
+void report_progress(Builder& b, const LineReader& reader) {
+    if (!progress_due(b.progress)) return;
     const double megabytes = double(reader.bytes_read) / 1e6;
     const std::string text =
-        format("%d games, %.1f MB/s", b.games, megabytes / (progress_seconds(progress) + 0.001));
-    show_progress(progress, text, double(reader.bytes_read), double(reader.file_size));
+        format("%d games, %.1f MB/s", b.games, megabytes / (progress_seconds(b.progress) + 0.001));
+    show_progress(b.progress, text, double(reader.bytes_read), double(reader.file_size));
 }
 
-bool read_games(Builder& b, LineReader& reader, Progress& progress) {
+bool read_games(Builder& b, LineReader& reader) {
     for (LinePiece piece; next_piece(reader, piece);) {
         if (!take_line_piece(b, piece)) return false;
-        if (b.skip_line) report_progress(progress, b, reader);
+        if (b.skip_line) report_progress(b, reader);
     }
+    end_progress(b.progress);
     if (!read_failed(reader)) return true;
     report_unreadable(GAMES_FILE);
     return false;
@@ -178,15 +181,13 @@ void build_book(Position& position) {
     position_from_fen(position, START_FEN);
 
     Builder b{position};
-    Progress progress = start_progress();
-    const bool merged = read_games(b, reader, progress) && flush(b) && merge_into_book();
+    const bool merged = read_games(b, reader) && flush(b) && merge_into_book();
     const std::optional<int> kept = merged ? prune_into_book() : std::nullopt;
-    end_progress(progress);
     remove_temporaries();
     if (kept) print_unlogged("done");
     if (kept && output_is_terminal()) {
         print_unlogged(format("\n%d games, %d positions kept, %.1f seconds\n", b.games, *kept,
-                              progress_seconds(progress)));
+                              progress_seconds(b.progress)));
     }
     position_from_fen(position, START_FEN);
 }
