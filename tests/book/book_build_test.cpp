@@ -315,7 +315,7 @@ TEST_F(BookBuild, NoRoom) {
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
-    for (const rlim_t bytes : {5000, 10000}) {
+    for (const rlim_t bytes : {rlim_t{5000}, rlim_t{10000}}) {
         const rlimit small = {bytes, before.rlim_max};
         setrlimit(RLIMIT_FSIZE, &small);
         const std::string printed = build();

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 
 #include "support/book_support.h"
@@ -47,11 +48,12 @@ void add(Model& model, const Records& records) {
 
 Records limited(const Model& model) {
     Records records;
+    const auto limit = [](i64 counter) { return u16(std::min<i64>(counter, 60000)); };
     for (const auto& [key, counters] : model) {
-        const auto count = [&](int i) {
-            return u16(std::min<i64>(counters[std::size_t(i)], 60000));
-        };
-        records.push_back({{u16(key.first), key.second}, count(0), count(1), count(2)});
+        records.push_back({{u16(key.first), key.second},
+                           limit(counters[0]),
+                           limit(counters[1]),
+                           limit(counters[2])});
     }
     return records;
 }
