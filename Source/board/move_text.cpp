@@ -1,5 +1,5 @@
-// Move text. The SAN reader does not parse: it writes every move in all forms and looks for the
-// text.
+// Move text. The SAN reader does not parse: it writes the moves that the text may mean in all forms
+// and looks for the text.
 
 #include "board/move_text.h"
 
@@ -93,10 +93,6 @@ void piece_forms(const Position& p, const MoveEntry& entry, MoveForms& forms) {
         forms.rank = "0-0-0";
     }
 }
-
-}  // namespace
-
-namespace {
 
 MoveForms forms_without_check(const Position& p, const MoveEntry& entry) {
     MoveForms forms;

@@ -149,7 +149,7 @@ void report_progress(Builder& b, const LineReader& reader) {
 bool read_games(Builder& b, LineReader& reader) {
     for (LinePiece piece; next_piece(reader, piece);) {
         if (!take_line_piece(b, piece)) return false;
-        if (b.skip_line) report_progress(b, reader);
+        report_progress(b, reader);
     }
     end_progress(b.progress);
     if (!read_failed(reader)) return true;
@@ -184,9 +184,9 @@ void build_book(Position& position) {
     const bool merged = read_games(b, reader) && flush(b) && merge_into_book();
     const std::optional<int> kept = merged ? prune_into_book() : std::nullopt;
     remove_temporaries();
-    if (kept) print_unlogged("done");
+    if (kept) print_unlogged("done\n");
     if (kept && output_is_terminal()) {
-        print_unlogged(format("\n%d games, %d positions kept, %.1f seconds\n", b.games, *kept,
+        print_unlogged(format("%d games, %d positions kept, %.1f seconds\n", b.games, *kept,
                               progress_seconds(b.progress)));
     }
     position_from_fen(position, START_FEN);

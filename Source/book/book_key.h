@@ -14,7 +14,7 @@ struct BookKey {
 };
 
 // The order of records in a book is descending in this number.
-constexpr u64 rank_of_key(BookKey key) { return u64{key.key16} << 32 | key.key32; }
+constexpr u64 sort_number(BookKey key) { return u64{key.key16} << 32 | key.key32; }
 
 // The key of the pieces; the top bit of key16 is whatever came out.
 BookKey book_key(const Position& p);

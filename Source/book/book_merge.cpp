@@ -41,6 +41,17 @@ RunReader read_run(RecordReader file, std::span<const BookRecord> memory = {}) {
     return run;
 }
 
+// A run that may be missing; false, with a message, if it is there and cannot be opened.
+bool open_run(const std::string& path, RunReader& run) {
+    RecordReader file = open_records(path);
+    if (!file && errno != ENOENT) {
+        report_unreadable(path);
+        return false;
+    }
+    run = read_run(std::move(file));
+    return true;
+}
+
 // False, with a message, if not all of it has reached the file.
 bool finish(RecordWriter& out, bool written, const std::string& path) {
     if (written && close_records(out)) return true;
@@ -104,13 +115,16 @@ void sort_into_run(std::vector<BookRecord>& records) {
 
 bool merge_runs(const std::string& path, const std::vector<BookRecord>& run,
                 const std::string& to_path) {
-    return merge(read_run(open_records(path)), read_run({}, run), path, to_path);
+    RunReader old_run;
+    return open_run(path, old_run) && merge(std::move(old_run), read_run({}, run), path, to_path);
 }
 
 bool merge_runs(const std::string& path, const std::string& other_path,
                 const std::string& to_path) {
-    return merge(read_run(open_records(path)), read_run(open_records(other_path)),
-                 path + " or " + other_path, to_path);
+    RunReader run;
+    RunReader other_run;
+    return open_run(path, run) && open_run(other_path, other_run) &&
+           merge(std::move(run), std::move(other_run), path + " or " + other_path, to_path);
 }
 
 std::optional<int> copy_frequent(const std::string& path, int min_games,
@@ -151,11 +165,11 @@ bool rename_run(const std::string& path, const std::string& new_path) {
     return !error;
 }
 
-void report_unreadable(const std::string& path) { engine_print("cannot read " + path); }
+void report_unreadable(const std::string& path) { engine_print("\ncannot read " + path); }
 
 void report_unwritable(const std::string& path) {
     const std::string reason = std::generic_category().message(errno);
-    engine_print(format("cannot write %s: %s", path.c_str(), reason.c_str()));
+    engine_print(format("\ncannot write %s: %s", path.c_str(), reason.c_str()));
 }
 
 }  // namespace quon

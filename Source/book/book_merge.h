@@ -29,7 +29,8 @@ void sort_into_run(std::vector<BookRecord>& records);
 // Gives the file another name, in place of a file that has it.
 [[nodiscard]] bool rename_run(const std::string& path, const std::string& new_path);
 
-// Both print the failure; that of writing with the system's reason, read from errno.
+// Both print the failure, on a line of its own; that of writing with the system's reason, read from
+// errno.
 void report_unreadable(const std::string& path);
 void report_unwritable(const std::string& path);
 

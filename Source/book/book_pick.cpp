@@ -83,7 +83,7 @@ std::vector<Candidate> find_candidates(Position& p) {
 }
 
 // Chance adds up to a share of the largest weight to every candidate's own.
-Move draw(const std::vector<Candidate>& candidates) {
+Move choose_by_chance(const std::vector<Candidate>& candidates) {
     double largest = 0;
     for (const Candidate& candidate : candidates) largest = std::max(largest, candidate.weight);
     Move chosen = NO_MOVE;
@@ -104,7 +104,7 @@ Move book_pick(Position& p) {
     if (!book_in_use() || position_problem(p) != nullptr) return NO_MOVE;
     // A game that has left the book does not come back.
     if (p.owner->game_ply > 0 && !book_find(record_key(p))) return NO_MOVE;
-    return draw(find_candidates(p));
+    return choose_by_chance(find_candidates(p));
 }
 
 void book_show(Position& p, bool announce) {

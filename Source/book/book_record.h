@@ -26,7 +26,7 @@ constexpr int game_count(const BookRecord& r) { return r.losses + r.wins + r.dra
 
 // True if `a` stands before `b` in a book.
 constexpr bool stands_before(const BookRecord& a, const BookRecord& b) {
-    return rank_of_key(a.key) > rank_of_key(b.key);
+    return sort_number(a.key) > sort_number(b.key);
 }
 
 struct CloseBookFile {

@@ -20,10 +20,10 @@ constexpr std::size_t MAX_LINE = 254;
 constexpr std::string_view BLANKS = " \t\r\n";
 
 struct Range {
-    int low;
-    int high;
+    i64 low;
+    i64 high;
 };
-constexpr Range ANY_NUMBER = {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()};
+constexpr Range ANY_NUMBER = {std::numeric_limits<i64>::min(), std::numeric_limits<i64>::max()};
 
 // A key and the field it sets: one value, or a term's opening and ending half.
 struct Key {
@@ -38,11 +38,13 @@ struct Key {
     Key(std::string_view key, Pair& field) : name(key), pair(&field) {}
     Key(std::string_view key, u8& field, Range allowed) : name(key), byte(&field), range(allowed) {}
 
-    void set(int first, int second) const {
-        const int used = std::clamp(first, range.low, range.high);
+    void set(i64 first, i64 second) const {
+        const i64 used = std::clamp(first, range.low, range.high);
         if (used != first) {
-            engine_print(format("%s is %d to %d: %d becomes %d", std::string(name).c_str(),
-                                range.low, range.high, first, used));
+            engine_print(format("%s%s is %d to %d: %s becomes %d",
+                                options.uci_mode ? "info string " : "", std::string(name).c_str(),
+                                int(range.low), int(range.high), std::to_string(first).c_str(),
+                                int(used)));
         }
         if (value) *value = i16(used);
         if (pair) *pair = {i16(first), i16(second)};
@@ -169,8 +171,8 @@ void read_setting(std::ifstream& file, std::string_view line, const std::vector<
     for (const BlockKey& block : BLOCK_KEYS) {
         if (block.name == name) return read_block(file, record.pst[block.type], block.phase);
     }
-    const int first = int(to_integer(take_token(line, BLANKS)));
-    const int second = int(to_integer(take_token(line, BLANKS)));
+    const i64 first = to_integer(take_token(line, BLANKS));
+    const i64 second = to_integer(take_token(line, BLANKS));
     for (const Key& key : keys) {
         if (key.name == name) key.set(first, second);
     }

@@ -125,12 +125,12 @@ TEST_F(BookMerge, Failures) {
         EXPECT_FALSE(rename_run("a.opn", "folder"));
     });
     EXPECT_EQ(output,
-              "cannot write folder: Is a directory\n"
-              "cannot read folder\n"
-              "cannot read a.opn or folder\n"
-              "cannot write nowhere/c.opn: No such file or directory\n"
-              "cannot read none.opn\n"
-              "cannot write folder: Is a directory\n");
+              "\ncannot write folder: Is a directory\n"
+              "\ncannot read folder\n"
+              "\ncannot read a.opn or folder\n"
+              "\ncannot write nowhere/c.opn: No such file or directory\n"
+              "\ncannot read none.opn\n"
+              "\ncannot write folder: Is a directory\n");
 }
 
 }  // namespace

@@ -98,11 +98,14 @@ TEST_F(ParamFile, Ranges) {
     const std::tuple<std::string, std::string, int, int> cases[] = {
         {"BookVariety=1\nBookDepth=0", "", 1, 0},
         {"BookVariety=32767\nBookDepth=255", "", 32767, 255},
-        {"BookVariety=0", "BookVariety is 1 to 32767: 0 becomes 1\n", 1, 24},
-        {"BookVariety=-30", "BookVariety is 1 to 32767: -30 becomes 1\n", 1, 24},
-        {"BookVariety=65536", "BookVariety is 1 to 32767: 65536 becomes 32767\n", 32767, 24},
-        {"BookDepth=-1", "BookDepth is 0 to 255: -1 becomes 0\n", 30, 0},
-        {"BookDepth=256", "BookDepth is 0 to 255: 256 becomes 255\n", 30, 255},
+        {"BookVariety=0", "info string BookVariety is 1 to 32767: 0 becomes 1\n", 1, 24},
+        {"BookVariety=-30", "info string BookVariety is 1 to 32767: -30 becomes 1\n", 1, 24},
+        {"BookVariety=65536", "info string BookVariety is 1 to 32767: 65536 becomes 32767\n", 32767,
+         24},
+        {"BookVariety=3000000000",
+         "info string BookVariety is 1 to 32767: 3000000000 becomes 32767\n", 32767, 24},
+        {"BookDepth=-1", "info string BookDepth is 0 to 255: -1 becomes 0\n", 30, 0},
+        {"BookDepth=256", "info string BookDepth is 0 to 255: 256 becomes 255\n", 30, 255},
     };
     for (const auto& [lines, message, variety, depth] : cases) {
         options.book_variety = 30;

@@ -87,7 +87,7 @@ TEST_F(BookSession, RealBook) {
         Session console({"-c", "-nolog"}, directory.path);
         console.send({"mkbook", "quit"});
         const Ending ending = console.wait();
-        EXPECT_EQ(ending.lines.back(), "pruning...");  // "done" ends no line
+        EXPECT_EQ(ending.lines.back(), "done");
         EXPECT_EQ(ending.errors, "");
     }
     write_file("quon.rc", "QuonBook = book.opn\n");
