@@ -23,6 +23,7 @@
 #include "search/search_params.h"
 #include "search/strength.h"
 #include "search/threads.h"
+#include "syzygy/tbprobe.h"
 #include "tools/bench.h"
 
 namespace quon {
@@ -80,6 +81,7 @@ void run_protocol() {
     position_from_fen(game.position, START_FEN);
     calibrate();
     apply_search_params();
+    tb_init(options.syzygy_path);
     position_from_fen(game.position, START_FEN);
     if (!options.uci_mode) print_board(game.position);
     control.go_request = NO_SEARCH;

@@ -14,6 +14,7 @@
 #include "frontend/words.h"
 #include "search/hash.h"
 #include "search/strength.h"
+#include "search/tablebases.h"
 #include "search/threads.h"
 
 namespace quon {
@@ -99,8 +100,8 @@ void set_log(std::string_view value) {
 }
 
 void set_syzygy_path(std::string_view value) {
-    options.syzygy_path = value.empty() ? "." : std::string(value.substr(0, MAX_SYZYGY_PATH));
-    engine_print("info string SyzygyPath set to '" + options.syzygy_path + "'");
+    finish_search();
+    tb_set_path(std::string(value.substr(0, MAX_SYZYGY_PATH)));
 }
 
 void set_probe_depth(i16& depth, std::string_view value, const char* name) {

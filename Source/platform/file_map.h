@@ -11,7 +11,12 @@ namespace quon {
 // empty.
 using MappedFile = std::span<const std::byte>;
 
-MappedFile map_file(const std::string& path);
-void unmap_file(MappedFile file);
+// `error`, if given, receives the system's error when an opened file cannot be mapped, else 0.
+MappedFile map_file(const std::string& path, int* error = nullptr);
+// 0, or the system's error.
+int unmap_file(MappedFile file);
+
+// A file (no directory, no device) that can be opened for reading.
+bool readable_file(const std::string& path);
 
 }  // namespace quon

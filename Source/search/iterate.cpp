@@ -15,6 +15,7 @@
 #include "search/result.h"
 #include "search/score.h"
 #include "search/search.h"
+#include "search/tablebases.h"
 #include "search/threads.h"
 
 namespace quon {
@@ -71,6 +72,7 @@ bool prepare_root(ThreadData& t) {
     t.plies[0].static_eval = -t.root_eval;
     t.plies[1].hash_move = NO_MOVE;
     t.plies[1].move_count = 0;
+    t.plies[1].tb_result = NO_TB_RESULT;
 
     if (!has_legal_move(t.position)) {
         t.root_score = i16(checked ? mated_in(1) : DRAW_SCORE);
@@ -110,7 +112,7 @@ bool iterations_done(int depth) {
 }  // namespace
 
 void iterate(ThreadData& t) {
-    if (!prepare_root(t)) return;
+    if (!prepare_root(t) || decide_root(t)) return;
     for (int depth = 1; depth <= MAX_ITERATION; ++depth) {
         t.iteration = u8(depth);
         run.current_depth = i8(depth);
@@ -152,11 +154,17 @@ void jitter_root_order(ThreadData& t) {
     }
 }
 
+// The main search thread has decided about tablebases and is past the first iteration.
+bool main_thread_ahead() {
+    return run.root_decided.load(std::memory_order_acquire) && run.current_depth > 1;
+}
+
 }  // namespace
 
 void iterate_worker(ThreadData& t) {
     if (!prepare_root(t)) return;
-    while (run.current_depth <= 1 && !stopped()) sleep_ms(1);
+    while (!main_thread_ahead() && !stopped()) sleep_ms(1);
+    if (run.root_tb_result != NO_TB_RESULT) return;
     for (int depth = 1; depth <= MAX_ITERATION && !stopped(); ++depth) {
         if (depth_is_crowded(depth)) ++depth;
         t.iteration = u8(depth);

@@ -16,6 +16,7 @@
 #include "search/search.h"
 #include "search/search_params.h"
 #include "search/strength.h"
+#include "search/tablebases.h"
 
 namespace quon {
 
@@ -67,6 +68,7 @@ void start_record(Node& node) {
     record.hash_move = NO_MOVE;
     record.in_iid = false;
     record.singular = false;
+    record.tb_result = NO_TB_RESULT;
     PlyRecord& grandchild = node.t.plies[node.ply + 2];
     grandchild.killer_null = grandchild.killer1 = grandchild.killer2 = grandchild.killer_evasion =
         NO_MOVE;
@@ -281,6 +283,8 @@ int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, int node
     start_record(node);
     if (is_draw(p, ply < TWOFOLD_PLY ? 3 : 2)) return DRAW_SCORE;
 
+    int score = 0;
+    if (probe_node(t, ply, depth, alpha, beta, score)) return score;
     if (depth > 0) hash_prefetch(p);
     node.eval = evaluate_node(t, ply, node.in_check);
     node.record.static_eval = node.eval;
@@ -292,7 +296,6 @@ int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, int node
     if (table_cutoff(node)) return node.alpha;
     predict_from_table(node);
 
-    int score = 0;
     if (!node.in_check) {
         if (razoring(node, score)) return score;
         if (static_eval_pruning(node)) return node.beta;

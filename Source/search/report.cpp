@@ -11,6 +11,7 @@
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/score.h"
+#include "search/tablebases.h"
 #include "search/threads.h"
 
 namespace quon {
@@ -24,13 +25,11 @@ constexpr int SHOWN_WHILE_SEARCHING = 8;  // moves of a console line
 constexpr int SHOWN_AT_END = 32;
 constexpr char CONSOLE_BREAK[] = "\n                              ";  // after every eighth move
 
-constexpr int TB_LOSS = 0;
-constexpr int TB_WIN = 4;
 constexpr int TB_SCORE = 9800;
 
 // A known result of the root outweighs what the search thinks, except for mates it has found.
 int shown_score(int score) {
-    if (run.root_tb_result < 0) return score;
+    if (run.root_tb_result == NO_TB_RESULT) return score;
     if (run.root_tb_result == TB_WIN) return score <= 9898 ? TB_SCORE : score;
     if (run.root_tb_result == TB_LOSS) return score >= -9899 ? -TB_SCORE : score;
     return 0;

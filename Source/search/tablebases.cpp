@@ -1,0 +1,147 @@
+// Tablebases at the root and in the tree.
+//
+// While the root's own result is unknown, a node is probed when it has just been reached by a
+// capture, a pawn move or castling, and its result is its score. Once a result is known, the nodes
+// below are probed for moves that give it away; which of the moves that keep it is best stays the
+// search's business.
+
+#include "search/tablebases.h"
+
+#include <algorithm>
+
+#include "board/legality.h"
+#include "frontend/engine_options.h"
+#include "frontend/output.h"
+#include "search/control.h"
+#include "search/result.h"
+#include "search/score.h"
+
+namespace quon {
+
+namespace {
+
+constexpr int ROOT_DEPTH = 70;            // of the root's probes
+constexpr int LARGE_TABLE = 6;            // pieces from which syzygy_probe_depth6 counts
+constexpr int PLAY_TABLE_MOVE_AFTER = 6;  // fifty-move count up to which a search chooses the move
+constexpr int TB_WIN_SCORE = 9799;
+constexpr int TB_LOSS_SCORE = -9800;
+constexpr int TABLE_DEPTH =
+    MAX_ITERATION + 1;  // marks a result of the tables: no search gets there
+
+bool probing_allowed(const Position& p) {
+    return popcount64(occupied(p)) <= tb_largest && p.castle == 0;
+}
+
+// Less a ply for each step from the root, so that near wins are worth more.
+int score_of_result(int result, int ply) {
+    if (result == TB_LOSS) return TB_LOSS_SCORE + ply;
+    return result == TB_WIN ? TB_WIN_SCORE - ply : DRAW_SCORE;
+}
+
+Move move_of_result(u32 result) {
+    constexpr Move PROMOTIONS[] = {0, PROMOTE_QUEEN, PROMOTE_ROOK, PROMOTE_BISHOP, PROMOTE_KNIGHT};
+    return make_code(result_from(result), result_to(result), PROMOTIONS[result_promotion(result)]);
+}
+
+int probe_at(ThreadData& t, int ply, int depth) {
+    const int result = tb_wdl(t.position, depth);
+    t.plies[ply].tb_result = result;
+    if (result != NO_TB_RESULT) t.tb_hits.add(1);
+    return result;
+}
+
+void publish_table_move(ThreadData& t, Move move) {
+    t.tb_hits.add(1);
+    t.root_line = {};
+    t.root_line[1] = move;
+    t.root_score = i16(score_of_result(run.root_tb_result, 0));
+    t.best_depth = TABLE_DEPTH;
+    t.iteration = u8{1};
+    t.sel_depth = u8{2};
+    publish_result(t);
+    control.stop_flag = STOP;
+}
+
+}  // namespace
+
+ProbePosition probe_position(const Position& p, int fifty) {
+    const auto both = [&p](int type) { return p.bb[WHITE][type] | p.bb[BLACK][type]; };
+    return {.white = p.bb[WHITE][0],
+            .black = p.bb[BLACK][0],
+            .kings = both(KING),
+            .queens = both(QUEEN),
+            .rooks = both(ROOK),
+            .bishops = both(BISHOP),
+            .knights = both(KNIGHT),
+            .pawns = both(PAWN),
+            .rule50 = u8(fifty),
+            .ep = p.ep == NO_SQUARE ? u8{0} : p.ep,
+            .turn = p.side == WHITE ? u8{1} : u8{0}};
+}
+
+void tb_set_path(std::string path) {
+    options.syzygy_path = path.empty() ? "." : std::move(path);
+    engine_print("info string SyzygyPath set to '" + options.syzygy_path + "'");
+    tb_init(options.syzygy_path);
+}
+
+int tb_wdl(const Position& p, int depth) {
+    if (depth < options.syzygy_probe_depth5 || !probing_allowed(p)) return NO_TB_RESULT;
+    if (popcount64(occupied(p)) == LARGE_TABLE && depth < options.syzygy_probe_depth6) {
+        return NO_TB_RESULT;
+    }
+    int success = 0;
+    const int value = tb_probe_wdl(probe_position(p, 0), success);
+    return success ? value + 2 : NO_TB_RESULT;
+}
+
+int tb_root(const Position& p, int& out_wdl, int& out_dtz, Move& out_move) {
+    const u32 result = tb_probe_root(probe_position(p, p.fifty), nullptr);
+    if (result == TB_FAILED || result == TB_CHECKMATE || result == TB_STALEMATE) {
+        return NO_TB_RESULT;
+    }
+    out_wdl = result_wdl(result);
+    out_dtz = result_dtz(result);
+    out_move = move_of_result(result);
+    return out_wdl;
+}
+
+bool decide_root(ThreadData& t) {
+    const Position& p = t.position;
+    Move root_tb_move = NO_MOVE;
+    int result = NO_TB_RESULT;
+    if (options.syzygy_probe_depth5 <= ROOT_DEPTH && probing_allowed(p)) {
+        int wdl = 0;
+        int dtz = 0;
+        result = tb_root(p, wdl, dtz, root_tb_move);
+    }
+    if (result == NO_TB_RESULT) result = tb_wdl(p, ROOT_DEPTH);
+    run.root_tb_result = result;
+    run.root_decided.store(true, std::memory_order_release);
+    t.plies[1].tb_result = result;
+    const bool play =
+        root_tb_move != NO_MOVE && p.fifty > PLAY_TABLE_MOVE_AFTER && is_legal(p, root_tb_move);
+    if (play) publish_table_move(t, root_tb_move);
+    return play;
+}
+
+bool probe_tables(ThreadData& t, int ply, int depth, int alpha, int beta, int& score) {
+    const int parent = t.plies[ply - 1].tb_result;
+    if (parent != NO_TB_RESULT) {
+        const int result = probe_at(t, ply, depth);
+        if (result != NO_TB_RESULT && result > TB_WIN - parent) {
+            score = beta;
+            return true;
+        }
+    }
+    if (t.position.fifty == 0 && run.root_tb_result == NO_TB_RESULT) {
+        const int result = probe_at(t, ply, depth);
+        if (result != NO_TB_RESULT) {
+            score = std::max(alpha, score_of_result(result, ply));
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace quon
