@@ -38,6 +38,7 @@ TEST(UciOptions, Replies) {
     const EngineOptions kept = options;
     const SearchLimits kept_limits = limits;
     const std::string long_path(129, 'p');
+    const std::string no_tables = "\ninfo string found 0 tablebases";
     const struct {
         std::string rest, reply;
     } cases[] = {
@@ -50,8 +51,9 @@ TEST(UciOptions, Replies) {
         {"MoveOverhead value 5001", "MoveOverhead set to 5000 ms"},
         {"MoveOverhead value -1", "MoveOverhead set to 0 ms"},
         {"MoveOverhead value 250", "MoveOverhead set to 250 ms"},
-        {"SyzygyPath value", "SyzygyPath set to '.'"},
-        {"SyzygyPath value " + long_path + "q", "SyzygyPath set to '" + long_path + "'"},
+        {"SyzygyPath value", "SyzygyPath set to '.'" + no_tables},
+        {"SyzygyPath value " + long_path + "q", "SyzygyPath set to '" + long_path + "'" + no_tables},
+        {"SyzygyPath value <empty>", "SyzygyPath set to '<empty>'"},
         {"SyzygyProbeDepth5 value 0", "SyzygyProbeDepth5 set to 1"},
         {"SyzygyProbeDepth6 value 101", "SyzygyProbeDepth6 set to 100"},
     };

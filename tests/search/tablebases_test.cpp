@@ -1,0 +1,189 @@
+// The search with tablebases.
+
+#include "search/tablebases.h"
+
+#include <gtest/gtest.h>
+
+#include "board/make.h"
+#include "search/report.h"
+#include "search/score.h"
+#include "support/board_support.h"
+#include "support/search_support.h"
+#include "syzygy/reference_tables.h"
+
+namespace quon::test {
+namespace {
+
+class TablebaseSearch : public testing::Test {
+protected:
+    void SetUp() override {
+        if (tb_largest == 0) GTEST_SKIP() << "the tables are not there";
+    }
+    const SearchRig rig{1, 2};
+    const LoadedTables tables;
+};
+
+// The counters of a position text are not read: the count is set on the board.
+SearchResult search_with_fifty(const std::string& fen, int fifty, int depth) {
+    set_game(fen);
+    game.position.fifty = u8(fifty);
+    return SearchRig::search_game(depth);
+}
+
+constexpr struct {
+    const char* fen;
+    int result;
+} ROOTS[] = {
+    {"8/8/8/3k4/8/8/8/KR6 w - -", TB_WIN},      {"8/8/8/3k4/8/8/8/KR6 b - -", TB_LOSS},
+    {"8/8/8/3k4/8/8/8/KB6 w - -", 2},           {"8/8/4k3/8/8/2K5/3QP3/8 w - -", TB_WIN},
+    {"8/4k3/8/8/2Q5/8/1p6/1K6 b - -", TB_LOSS}, {"8/2k5/8/8/8/3n4/3P4/3K4 w - -", 2},
+};
+
+int bound_of(int result) { return result == TB_WIN ? 9799 : result == TB_LOSS ? -9800 : 0; }
+
+TEST_F(TablebaseSearch, TableMoveIsPlayedLateInTheCount) {
+    for (const auto& c : ROOTS) {
+        for (const int fifty : {3, 6, 7, 10}) {
+            SCOPED_TRACE(c.fen);
+            const SearchResult result = search_with_fifty(c.fen, fifty, 4);
+            EXPECT_EQ(run.root_tb_result, c.result);
+            if (fifty > 6) {
+                EXPECT_EQ(result.score, bound_of(c.result));
+                EXPECT_EQ(result.nodes, 0U);
+                EXPECT_EQ(totals.tb_hits, 1U);
+                EXPECT_EQ(result.line.size(), 1U);
+                EXPECT_EQ(line_problem(c.fen, result.line), "");
+            } else {
+                EXPECT_GT(result.nodes, 0U);
+                EXPECT_EQ(thread_data(1).nodes, 0U) << "workers rest";
+            }
+        }
+    }
+}
+
+// Played on from a late count, the table moves win before the hundredth ply.
+TEST_F(TablebaseSearch, WinsWithinTheCount) {
+    set_game("8/8/8/3k4/8/8/8/KR6 w - -");
+    game.position.fifty = 60;
+    for (int ply = 0; ply <= 40; ++ply) {
+        const SearchResult result = SearchRig::search_game(4);
+        if (result.line.empty()) {
+            EXPECT_EQ(result.score, -9999);
+            EXPECT_LE(game.position.fifty, 100);
+            return;
+        }
+        EXPECT_EQ(run.root_tb_result, ply % 2 == 0 ? TB_WIN : TB_LOSS);
+        make_move(game.position, result.line[0]);
+    }
+    FAIL() << "no mate";
+}
+
+// Too late to win: the rule makes a draw of it.
+TEST_F(TablebaseSearch, SpoiledByTheCount) {
+    const SearchResult result = search_with_fifty("8/8/8/3k4/8/8/8/KR6 w - -", 90, 4);
+    EXPECT_EQ(run.root_tb_result, 3);
+    EXPECT_EQ(result.score, 0);
+}
+
+TEST_F(TablebaseSearch, WhenTablesAreAsked) {
+    const std::string rook = "8/8/8/3k4/8/8/8/R3K3 w - -";
+    const std::string castling = "8/8/8/3k4/8/8/8/R3K3 w Q -";
+    const std::string six = "8/2q5/8/3k4/8/2n5/8/RBK5 w - -";
+    const struct {
+        std::string fen;
+        int depth5, depth6, largest, depth, result;
+    } cases[] = {
+        {rook, 1, 2, 5, 1, TB_WIN},           {rook, 1, 2, 5, 0, NO_TB_RESULT},
+        {rook, 5, 2, 5, 4, NO_TB_RESULT},     {rook, 5, 9, 5, 5, TB_WIN},
+        {castling, 1, 2, 5, 9, NO_TB_RESULT}, {rook, 1, 2, 2, 9, NO_TB_RESULT},
+        {six, 1, 2, 5, 9, NO_TB_RESULT},
+    };
+    for (const auto& c : cases) {
+        options.syzygy_probe_depth5 = i16(c.depth5);
+        options.syzygy_probe_depth6 = i16(c.depth6);
+        tb_largest = c.largest;
+        EXPECT_EQ(tb_wdl(make_game(c.fen)->position, c.depth), c.result) << c.fen;
+    }
+}
+
+TEST_F(TablebaseSearch, NoRootResultFromAHighDepth) {
+    for (const auto& [depth5, result] : {std::pair{70, TB_WIN}, {71, NO_TB_RESULT}}) {
+        options.syzygy_probe_depth5 = i16(depth5);
+        search_with_fifty("8/8/8/3k4/8/8/8/KR6 w - -", 10, 3);
+        EXPECT_EQ(run.root_tb_result, result);
+    }
+    options.syzygy_probe_depth5 = 1;
+    search_with_fifty("8/8/8/3k4/8/8/8/R3K3 w Q -", 10, 3);
+    EXPECT_EQ(run.root_tb_result, NO_TB_RESULT) << "castling rights";
+    EXPECT_GT(totals.nodes, 0U);
+}
+
+// Below a root with a result, moves that give it away are cut; without one, captures and pawn moves
+// into the tables are scored at once.
+TEST_F(TablebaseSearch, ProbesInTheTree) {
+    SearchRig::search("8/8/8/3k4/8/8/8/KR6 w - -", 3);
+    EXPECT_GT(totals.tb_hits, 0U) << "below a known root";
+    const struct {
+        const char* fen;
+        int score;
+    } cases[] = {
+        {"8/8/3k4/7n/8/8/8/4K2R w K -", 9798},    // takes the knight, and gives up castling
+        {"k7/1B6/2N5/8/8/7K/8/7Q b - -", -9797},  // must take the bishop
+        {"k7/1Q6/2N5/8/8/8/p7/K7 b - -", 0},      // must take the queen
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(SearchRig::search(c.fen, 4).score, c.score) << c.fen;
+        EXPECT_EQ(run.root_tb_result, NO_TB_RESULT) << "no table";
+        EXPECT_GT(totals.tb_hits, 0U);
+    }
+    // Tables that are taken away: nothing is asked any more.
+    tb_init("");
+    SearchRig::search(cases[0].fen, 4);
+    EXPECT_EQ(totals.tb_hits, 0U);
+}
+
+// Won, drawn and lost positions of all endings: the search that plays on below a known root keeps
+// the result in its move.
+TEST_F(TablebaseSearch, KeepsTheResult) {
+    const std::vector<ReferenceRow> rows = reference_rows();
+    int kept = 0;
+    for (std::size_t i = 0; i < rows.size(); i += std::size_t(std::max(1, 160 / scaled(1)))) {
+        const ReferenceRow& row = rows[i];
+        const SearchResult result = SearchRig::search(row.fen, 5);
+        if (result.line.empty()) continue;
+        const auto played = make_game(row.fen);
+        make_move(played->position, result.line[0]);
+        int success = 0;
+        const int after = tb_probe_wdl(probe_position(played->position, 0), success);
+        if (success == 0) continue;
+        ++kept;
+        EXPECT_EQ(-after, row.wdl) << row.fen << " " << line_text(result.line);
+    }
+    EXPECT_GT(kept, 40);
+}
+
+// What the search finds without tables is what the tables say.
+TEST_F(TablebaseSearch, AgreesWithASearchWithout) {
+    constexpr struct {
+        const char* fen;
+        int sign;  // of the score
+    } KNOWN[] = {
+        {"8/8/8/5K2/1Q6/6k1/8/8 w - -", 1},  {"8/8/8/3k4/8/8/1p6/K7 w - -", 0},
+        {"8/1P6/8/3k4/8/8/8/K7 w - -", 1},   {"8/8/8/8/5k2/8/5p1K/8 b - -", 1},
+        {"8/8/8/5K2/1q6/6k1/8/8 w - -", -1}, {"8/8/8/8/5k2/8/5P2/5K2 w - -", 0},
+    };
+    for (const auto& c : KNOWN) {
+        SCOPED_TRACE(c.fen);
+        SearchRig::search(c.fen, 8);
+        const int with = run.root_tb_result;
+        tb_init("");
+        const int without = SearchRig::search(c.fen, 14).score;
+        captured_output([] { tb_init(table_directory()); });
+        const int sign = with == TB_WIN ? 1 : with == TB_LOSS ? -1 : 0;
+        EXPECT_EQ(sign, c.sign);
+        EXPECT_EQ(without > 300 ? 1 : without < -300 ? -1 : 0, c.sign) << without;
+    }
+}
+
+}  // namespace
+}  // namespace quon::test

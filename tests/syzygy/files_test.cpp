@@ -1,0 +1,129 @@
+// Finding and opening table files, and what is said about them.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "support/board_support.h"
+#include "syzygy/reference_tables.h"
+#include "syzygy/table_writer.h"
+
+namespace quon::test {
+namespace {
+
+std::string init_output(const std::string& path) {
+    return captured_output([&] { tb_init(path); });
+}
+
+std::string found(int count) {
+    return "info string found " + std::to_string(count) + " tablebases\n";
+}
+
+std::vector<std::string> sides_of(int pieces) {
+    std::vector<std::string> sides = {"K"};
+    for (; pieces > 0; --pieces) {
+        std::vector<std::string> longer;
+        for (const std::string& side : sides) {
+            const std::string letters = "QRBNP";
+            const auto last = side.size() == 1 ? 0 : letters.find(side.back());
+            for (const char letter : letters.substr(last)) longer.push_back(side + letter);
+        }
+        sides = longer;
+    }
+    return sides;
+}
+
+std::vector<std::string> all_names() {
+    std::vector<std::string> names;
+    for (int strong = 1; strong <= 4; ++strong) {
+        for (int weak = 0; weak <= std::min(strong, 4 - strong); ++weak) {
+            for (const std::string& first : sides_of(strong)) {
+                bool before = strong == weak;  // in a pair the stronger side is named first
+                for (const std::string& second : sides_of(weak)) {
+                    before &= second != first;
+                    if (!before) names.push_back(first + "v" + second);
+                }
+            }
+        }
+    }
+    return names;
+}
+
+TEST(TableFiles, EveryNameIsRegistered) {
+    const std::vector<std::string> names = all_names();
+    ASSERT_EQ(names.size(), 5U + 15 + 15 + 75 + 35 + 120 + 175 + 70);
+    const TableDirectory directory;
+    for (const std::string& name : names) directory.write(name + ".rtbw", "");
+    EXPECT_EQ(init_output(directory.path), found(510));
+    EXPECT_EQ(tb_largest, 6);
+    for (const char* none : {"", "<empty>"}) {
+        EXPECT_EQ(init_output(none), "");
+        EXPECT_EQ(tb_largest, 0);
+    }
+}
+
+TEST(TableFiles, OnlyTableNamesCount) {
+    const TableDirectory directory;
+    for (const char* name : {"KQvK.rtbw", "KvKQ.rtbw", "KRvKQ.rtbw", "KNQvK.rtbw", "KQvK.rtbz",
+                             "KRvK.rtbz", "KQQQQQvK.rtbw", "KRvK.rtbw.txt"}) {
+        directory.write(name, "");
+    }
+    std::filesystem::create_directory(directory.path + "/KBvK.rtbw");
+    EXPECT_EQ(init_output(directory.path), found(1));
+    EXPECT_EQ(tb_largest, 3);
+}
+
+TEST(TableFiles, DirectoriesInOrder) {
+    const TableDirectory first;
+    const TableDirectory second;
+    first.write("KQvK.rtbw", "");
+    second.write("KQvK.rtbw", "");
+    second.write("KRvKP.rtbw", "");
+    const std::string too_long(255, 'd');
+    const struct {
+        std::string path;
+        int tables, largest;
+    } cases[] = {
+        {first.path, 1, 3},
+        {first.path + ";" + second.path, 2, 4},
+        {";" + second.path + ";;" + first.path + ";", 2, 4},
+        {"/no/such;" + first.path, 1, 3},
+        {first.path + ":" + second.path, 0, 0},
+        {first.path + ";" + too_long + ";" + second.path, 1, 3},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(init_output(c.path), found(c.tables)) << c.path;
+        EXPECT_EQ(tb_largest, c.largest) << c.path;
+    }
+}
+
+// Standard error during repeated failing probes of the position.
+std::string complaints(const std::string& fen) {
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 3; ++i) {
+        int success = 1;
+        tb_probe_wdl(probe_of(fen), success);
+        EXPECT_EQ(success, 0);
+        EXPECT_EQ(tb_probe_root(probe_of(fen), nullptr), TB_FAILED);
+    }
+    return testing::internal::GetCapturedStderr();
+}
+
+TEST(TableFiles, FailuresAreReportedOnce) {
+    const TableDirectory directory;
+    for (const char* name : {"KQvK.rtbw", "KRvK.rtbw", "KNvKP.rtbw"}) directory.write(name, "");
+    directory.write("KBvK.rtbw", "not a table");
+    directory.load();
+    std::filesystem::remove(directory.path + "/KQvK.rtbw");
+    std::filesystem::remove(directory.path + "/KNvKP.rtbw");
+    EXPECT_EQ(complaints("8/8/8/3k4/8/8/8/KQ6 w - -"), "Could not find KQvK.rtbw\n");
+    EXPECT_EQ(complaints("7K/8/8/8/8/8/8/kr6 b - -"), "Corrupted table.\n");
+    EXPECT_EQ(complaints("8/8/8/3k4/8/8/8/K1B5 w - -"), "Corrupted table.\n");
+    EXPECT_EQ(complaints("6n1/8/1P6/3k4/8/8/8/K7 w - -"), "Could not find KNvKP.rtbw\n")
+        << "named by the stronger side";
+    EXPECT_EQ(complaints("8/8/8/3k4/8/8/8/KN6 w - -"), "") << "never registered";
+}
+
+}  // namespace
+}  // namespace quon::test

@@ -1,0 +1,221 @@
+// The root probe: its moves, its choice, and the fifty-move rule.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "board/make.h"
+#include "board/move_text.h"
+#include "search/tablebases.h"
+#include "support/board_support.h"
+#include "syzygy/reference_tables.h"
+#include "syzygy/tbprobe_position.h"
+
+namespace quon::test {
+namespace {
+
+constexpr int LONGEST_GAME = 400;  // plies, far beyond any ending of the data
+
+Move move_of(u32 result) {
+    constexpr Move PROMOTIONS[] = {0, PROMOTE_QUEEN, PROMOTE_ROOK, PROMOTE_BISHOP, PROMOTE_KNIGHT};
+    return make_code(result_from(result), result_to(result), PROMOTIONS[result_promotion(result)]);
+}
+
+std::vector<u32> all_results(const ProbePosition& position) {
+    std::vector<u32> results(TB_MAX_MOVES + 1);
+    tb_probe_root(position, results.data());
+    results.erase(std::find(results.begin(), results.end(), TB_FAILED), results.end());
+    return results;
+}
+
+// Moves of the prober's own generator, all played.
+std::vector<Move> prober_moves(const ProbePosition& position) {
+    std::vector<Move> moves;
+    ProbeMoves list;
+    ProbePosition child;
+    list_moves(position, MoveKind::ALL, list);
+    for (const ProbeMove& move : list) {
+        if (!play(position, move, child)) continue;
+        const u32 squares = u32(move.to) << 4 | u32(move.from) << 10 | u32(move.promotion) << 16;
+        moves.push_back(move_of(squares));
+    }
+    return moves;
+}
+
+// What the prober's position after a move should be; it leaves out an ep square of no use.
+void expect_same_board(const ProbePosition& child, const Position& p) {
+    const ProbePosition expected = probe_position(p, p.fifty);
+    for (const auto set : {&ProbePosition::white, &ProbePosition::black, &ProbePosition::kings,
+                           &ProbePosition::queens, &ProbePosition::rooks, &ProbePosition::bishops,
+                           &ProbePosition::knights, &ProbePosition::pawns}) {
+        ASSERT_EQ(child.*set, expected.*set);
+    }
+    ASSERT_EQ(child.turn, expected.turn);
+    ASSERT_EQ(child.rule50, expected.rule50);
+    ASSERT_TRUE(child.ep == 0 || child.ep == expected.ep);
+}
+
+// Small positions rich in pawns, with promotions, pins and en passant.
+constexpr const char* SMALL_POSITIONS[] = {
+    "8/2P5/8/k2pP3/8/8/5p2/K5r1 w - d6", "3n4/2P1P3/8/1k6/8/8/3pp3/K1N5 w - -",
+    "8/8/8/8/k2Pp2R/8/8/4K3 b - d3",     "7k/8/8/3Pp3/8/8/1b6/K6B w - e6",
+    "8/8/1q6/8/3Pp3/4k3/8/6K1 b - d3",   "4k3/8/8/8/8/8/3PPP2/4K1b1 w - -",
+};
+
+TEST(ProberMoves, AgreeWithTheBoard) {
+    Random random(1);
+    for (int round = 0; round < scaled(400); ++round) {
+        const auto played = make_game(SMALL_POSITIONS[round % int(std::size(SMALL_POSITIONS))]);
+        Position& p = played->position;
+        for (int ply = 0; ply < 12; ++ply) {
+            const ProbePosition position = probe_position(p, p.fifty);
+            std::vector<Move> own = prober_moves(position);
+            std::vector<Move> moves = legal_moves(p);
+            if (moves.empty()) break;
+            const Move next = moves[std::size_t(pick(random, int(moves.size())))];
+            std::sort(own.begin(), own.end());
+            std::sort(moves.begin(), moves.end());
+            ASSERT_EQ(own, moves);
+
+            ProbeMoves list;
+            ProbePosition child{};
+            list_moves(position, MoveKind::ALL, list);
+            for (const ProbeMove& move : list) {
+                const u32 squares =
+                    u32(move.to) << 4 | u32(move.from) << 10 | u32(move.promotion) << 16;
+                if (move_of(squares) == next) play(position, move, child);
+            }
+            make_move(p, next);
+            expect_same_board(child, p);
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+class RootProbe : public testing::Test {
+protected:
+    void SetUp() override {
+        if (rows.empty()) GTEST_SKIP() << "the tables are not there";
+    }
+    const std::vector<ReferenceRow> rows = reference_rows();
+    const LoadedTables tables;
+};
+
+// Both sides play the prober's moves: the win lasts until mate, and each stretch up to a capture or
+// a pawn move is no longer than announced (a ply of rounding aside).
+void play_out(const std::string& fen) {
+    const auto played = make_game(fen);
+    Position& p = played->position;
+    bool winner_moves = true;
+    int left = 0;  // plies of the stretch
+    for (int ply = 0; ply < LONGEST_GAME; ++ply, winner_moves = !winner_moves) {
+        const u32 result = tb_probe_root(probe_position(p, p.fifty), nullptr);
+        if (result == TB_CHECKMATE) {
+            ASSERT_FALSE(winner_moves);
+            return;
+        }
+        ASSERT_NE(result, TB_FAILED) << "ply " << ply;
+        ASSERT_EQ(result_wdl(result), winner_moves ? TB_WIN : TB_LOSS) << "ply " << ply;
+        if (p.fifty == 0) left = result_dtz(result) + 1;
+        ASSERT_GE(left--, 0) << "ply " << ply;
+        make_move(p, move_of(result));
+    }
+    FAIL() << "no end";
+}
+
+// Endings all of whose promotions and captures have tables here.
+bool is_closed(const ProbePosition& p) {
+    return popcount64(p.white | p.black) <= 4 && !more_than_one(p.pawns & p.white) &&
+           !more_than_one(p.pawns & p.black);
+}
+
+TEST_F(RootProbe, WonPositionsAreWon) {
+    int won = 0;
+    for (const ReferenceRow& row : rows) {
+        if (row.wdl != 2 || !is_closed(probe_of(row.fen)) || won++ % 8 >= scaled(1)) continue;
+        SCOPED_TRACE(row.fen);
+        play_out(row.fen);
+        if (HasFatalFailure()) return;
+    }
+    EXPECT_GT(won, 1000);
+}
+
+// The choice is one of the listed moves, none of which does better.
+TEST_F(RootProbe, ChoosesTheBestListedMove) {
+    int compared = 0;
+    for (std::size_t i = 0; i < rows.size(); i += 7) {
+        SCOPED_TRACE(rows[i].fen);
+        const ProbePosition position = probe_of(rows[i].fen);
+        const u32 chosen = tb_probe_root(position, nullptr);
+        const std::vector<u32> results = all_results(position);
+        if (chosen == TB_FAILED || results.empty()) continue;
+        ++compared;
+        ASSERT_EQ(results.size(), legal_moves(make_game(rows[i].fen)->position).size());
+        int best = 0;
+        for (const u32 result : results) best = std::max(best, result_wdl(result));
+        ASSERT_EQ(result_wdl(chosen), best);
+        constexpr u32 MOVE_BITS = 0xFFFF0;
+        ASSERT_TRUE(std::any_of(results.begin(), results.end(), [&](u32 result) {
+            return ((result ^ chosen) & MOVE_BITS) == 0 && result_wdl(result) == best;
+        }));
+    }
+    EXPECT_GT(compared, 1000);
+}
+
+// A win that needs d plies counts while d more fit below the hundred.
+TEST_F(RootProbe, FiftyMoveRule) {
+    int tried = 0;
+    for (std::size_t i = 0; i < rows.size(); i += 5) {
+        const ReferenceRow& row = rows[i];
+        if (!row.dtz || std::abs(row.wdl) != 2) continue;
+        ProbePosition position = probe_of(row.fen);
+        const u32 fresh = tb_probe_root(position, nullptr);
+        if (fresh == TB_FAILED || fresh == TB_CHECKMATE) continue;
+        SCOPED_TRACE(row.fen);
+        ++tried;
+        const int distance = std::abs(*row.dtz);
+        ASSERT_EQ(result_dtz(fresh), distance);
+        for (const auto& [rule50, in_time] :
+             {std::pair{100 - distance, true}, {101 - distance, false}}) {
+            position.rule50 = u8(rule50);
+            const u32 result = tb_probe_root(position, nullptr);
+            const int won = in_time ? 4 : 3;
+            ASSERT_EQ(result_wdl(result), row.wdl > 0 ? won : 4 - won);
+            ASSERT_EQ(result_dtz(result), distance);
+        }
+    }
+    EXPECT_GT(tried, 500);
+}
+
+TEST_F(RootProbe, PositionsWithoutAnAnswer) {
+    const struct {
+        const char* fen;
+        u32 result;
+    } cases[] = {
+        {"k7/1Q6/1K6/8/8/8/8/8 b - -", TB_CHECKMATE},
+        {"k7/2Q5/1K6/8/8/8/8/8 b - -", TB_STALEMATE},
+        {"8/8/8/8/8/5k2/5p2/5K2 w - -", TB_STALEMATE},
+        {"k7/1Q6/1K6/8/8/8/8/8 w - -", TB_FAILED},  // Black is in check
+        {"8/8/8/8/8/8/8/kRK3 w - -", TB_FAILED},
+        {"8/8/8/8/2kK4/8/8/Q7 w - -", TB_FAILED},  // kings touch
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(tb_probe_root(probe_of(c.fen), nullptr), c.result) << c.fen;
+
+    const ProbePosition good = probe_of("8/8/8/3k4/8/8/1P6/K7 w - -");
+    ASSERT_NE(tb_probe_root(good, nullptr), TB_FAILED);
+    std::vector<ProbePosition> damaged(6, good);
+    damaged[0].kings |= good.pawns;
+    damaged[1].white |= good.black;
+    damaged[2].kings ^= good.black;
+    damaged[3].queens |= bit(H8);
+    damaged[4].white |= bit(H8);
+    damaged[5].pawns = bit(H8);
+    damaged[5].white ^= good.pawns | bit(H8);
+    for (std::size_t i = 0; i < damaged.size(); ++i) {
+        EXPECT_EQ(tb_probe_root(damaged[i], nullptr), TB_FAILED) << i;
+    }
+}
+
+}  // namespace
+}  // namespace quon::test
