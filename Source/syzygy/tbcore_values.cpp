@@ -10,6 +10,7 @@ namespace {
 
 constexpr u32 SINGLE_VALUE = 0x80;
 constexpr u32 NO_SYMBOL = 0xFFF;  // as the second half: the first half is a value
+constexpr u32 MAX_SYMBOLS = 0x1000;  // as many as the halves can name
 constexpr int MAX_CODE_BITS = 32;
 constexpr int MAX_BLOCK_LOG = 30;
 constexpr int MAX_SPAN_LOG = 32;
@@ -81,6 +82,7 @@ bool read_codes(TableValues& values, TableCursor& cursor, int max_bits, int min_
     const std::byte* const first_symbols = cursor.take(2 * u64(lengths) + 2);
     if (!first_symbols) return false;
     const u32 symbols = read_u16(first_symbols + 2 * lengths);
+    if (symbols > MAX_SYMBOLS) return false;
     values.symbols = cursor.take(3 * u64(symbols) + (symbols & 1));
     return values.symbols && derive_codes(values, first_symbols, lengths) &&
            resolve_symbols(values, symbols);
