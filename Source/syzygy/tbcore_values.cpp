@@ -9,7 +9,7 @@ namespace quon {
 namespace {
 
 constexpr u32 SINGLE_VALUE = 0x80;
-constexpr u32 NO_SYMBOL = 0xFFF;  // as the second half: the first half is a value
+constexpr u32 NO_SYMBOL = 0xFFF;     // as the second half: the first half is a value
 constexpr u32 MAX_SYMBOLS = 0x1000;  // as many as the halves can name
 constexpr int MAX_CODE_BITS = 32;
 constexpr int MAX_BLOCK_LOG = 30;
