@@ -32,11 +32,13 @@ struct Key {
     Pair* pair = nullptr;
     u8* byte = nullptr;
     Range range = ANY_NUMBER;  // of a single value
+    Relaxed<i16>* shared = nullptr;
 
     Key(std::string_view key, i16& field, Range allowed = ANY_NUMBER)
         : name(key), value(&field), range(allowed) {}
     Key(std::string_view key, Pair& field) : name(key), pair(&field) {}
     Key(std::string_view key, u8& field, Range allowed) : name(key), byte(&field), range(allowed) {}
+    Key(std::string_view key, Relaxed<i16>& field) : name(key), shared(&field) {}
 
     void set(i64 first, i64 second) const {
         const i64 used = std::clamp(first, range.low, range.high);
@@ -49,6 +51,7 @@ struct Key {
         if (value) *value = i16(used);
         if (pair) *pair = {i16(first), i16(second)};
         if (byte) *byte = u8(used);
+        if (shared) *shared = i16(used);
     }
 };
 

@@ -36,8 +36,9 @@ struct EngineOptions {
     u8 book_depth = 24;                  // plies
     i16 book_variety = 30;               // 1 or more
     std::string syzygy_path;             // at most MAX_SYZYGY_PATH characters
-    i16 syzygy_probe_depth5 = 1;  // plies; the option allows 1..100, the parameter file any value
-    i16 syzygy_probe_depth6 = 2;
+    // Plies; the option allows 1..100, the parameter file any value.
+    Relaxed<i16> syzygy_probe_depth5 = i16{1};
+    Relaxed<i16> syzygy_probe_depth6 = i16{2};
     Relaxed<double> output_delay = 0.0;         // seconds of search before progress lines
     Relaxed<double> target_nps = NO_NPS_LIMIT;  // node-rate cap per search thread
     double calibration_nps = 0.0;               // measured at start-up

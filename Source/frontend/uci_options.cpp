@@ -104,9 +104,9 @@ void set_syzygy_path(std::string_view value) {
     tb_set_path(std::string(value.substr(0, MAX_SYZYGY_PATH)));
 }
 
-void set_probe_depth(i16& depth, std::string_view value, const char* name) {
+void set_probe_depth(Relaxed<i16>& depth, std::string_view value, const char* name) {
     depth = i16(to_spin(value, 1, 100));
-    engine_print(format("info string %s set to %d", name, depth));
+    engine_print(format("info string %s set to %d", name, depth.get()));
 }
 
 std::string check(bool on) { return std::string("check default ") + check_text(on); }

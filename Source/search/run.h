@@ -42,7 +42,7 @@ struct SearchRun {
     Relaxed<i8> current_depth = i8{0};    // the main search thread's iteration
     Relaxed<i8> main_done_depth = i8{0};  // last iteration that it completed
     int second_score = 0;  // second-best root score of the iteration; the main search thread's own
-    Relaxed<int> root_tb_result = -1;  // tablebase result of the root, -1 for none
+    Relaxed<int> root_tb_result = -1;        // tablebase result of the root, -1 for none
     std::atomic<bool> root_decided = false;  // set behind root_tb_result: workers may read it
 
     std::mutex output_mutex;  // one info line, or one currmove block, at a time

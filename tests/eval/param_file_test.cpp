@@ -90,7 +90,7 @@ TEST_F(ParamFile, EveryKindOfKey) {
                      r.rook_trapped.en, r.tune),
               "7 4 101 11 77 250 -30 -9 300");
     EXPECT_EQ(format("%d %d %d %d", options.book_variety, options.book_depth,
-                     options.syzygy_probe_depth5, options.syzygy_probe_depth6),
+                     options.syzygy_probe_depth5.get(), options.syzygy_probe_depth6.get()),
               "12 255 3 4");
 }
 
