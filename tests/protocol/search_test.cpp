@@ -128,6 +128,7 @@ TEST(SearchSession, CommandsThatEndIt) {
         {"setoption name Threads value 3", "info string Threads set to 3"},
         {"setoption name Threads value 1", "info string Threads set to 1"},
         {"setoption name Clear Hash", "info string Hash table cleared"},
+        {"setoption name SyzygyPath value <empty>", "info string SyzygyPath set to '<empty>'"},
     };
     for (const char* go : {"go infinite", "go ponder"}) {
         for (const auto& c : cases) {
