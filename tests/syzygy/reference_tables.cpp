@@ -28,8 +28,8 @@ LoadedTables::LoadedTables(const std::string& path) {
 LoadedTables::~LoadedTables() { tb_init(""); }
 
 ProbePosition probe_of(const std::string& fen) {
-    const Position& p = make_game(fen)->position;
-    return probe_position(p, p.fifty);
+    const auto loaded = make_game(fen);
+    return probe_position(loaded->position, loaded->position.fifty);
 }
 
 namespace {
