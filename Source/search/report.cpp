@@ -11,7 +11,6 @@
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/score.h"
-#include "search/tablebases.h"
 #include "search/threads.h"
 
 namespace quon {

@@ -15,6 +15,11 @@ constexpr int MAX_ITERATION = 68;
 // A principal variation: entry 1 is the best move, entry 2 the expected reply, 0 ends it.
 using Line = Table<Relaxed<Move>, MAX_PLY>;
 
+// Tablebase results for the side to move; the ones between are drawn under the fifty-move rule.
+constexpr int NO_TB_RESULT = -1;
+constexpr int TB_LOSS = 0;
+constexpr int TB_WIN = 4;
+
 struct SearchRun {
     // Set by time_setup before the threads start, constant during a search.
     double start_time = 0;                 // seconds on the monotonic clock
@@ -22,7 +27,7 @@ struct SearchRun {
     int root_side = WHITE;
     int multipv = 1;
     int depth_limit = NO_DEPTH_LIMIT;
-    Relaxed<bool> finished = false;  // the search ended by itself: depth limit or mate
+    Relaxed<bool> finished = false;  // the search ended by itself: depth limit, mate or table move
 
     Relaxed<double> elapsed = 0.0;  // seconds since start_time, as of the last time check
 
@@ -42,8 +47,8 @@ struct SearchRun {
     Relaxed<i8> current_depth = i8{0};    // the main search thread's iteration
     Relaxed<i8> main_done_depth = i8{0};  // last iteration that it completed
     int second_score = 0;  // second-best root score of the iteration; the main search thread's own
-    Relaxed<int> root_tb_result = -1;        // tablebase result of the root, -1 for none
-    std::atomic<bool> root_decided = false;  // set behind root_tb_result: workers may read it
+    Relaxed<int> root_tb_result = NO_TB_RESULT;  // of the tablebases, for the side to move
+    std::atomic<bool> root_decided = false;      // set behind root_tb_result: workers may read it
 
     std::mutex output_mutex;  // one info line, or one currmove block, at a time
 };

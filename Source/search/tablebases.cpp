@@ -25,8 +25,8 @@ constexpr int LARGE_TABLE = 6;            // pieces from which syzygy_probe_dept
 constexpr int PLAY_TABLE_MOVE_AFTER = 6;  // fifty-move count up to which a search chooses the move
 constexpr int TB_WIN_SCORE = 9799;
 constexpr int TB_LOSS_SCORE = -9800;
-constexpr int TABLE_DEPTH =
-    MAX_ITERATION + 1;  // marks a result of the tables: no search gets there
+// Marks a result of the tables: no search gets there.
+constexpr int TABLE_DEPTH = MAX_ITERATION + 1;
 
 bool probing_allowed(const Position& p) {
     return popcount64(occupied(p)) <= tb_largest && p.castle == 0;
@@ -59,7 +59,8 @@ void publish_table_move(ThreadData& t, Move move) {
     t.iteration = u8{1};
     t.sel_depth = u8{2};
     publish_result(t);
-    control.stop_flag = STOP;
+    run.finished = true;
+    if (!stopped()) control.stop_flag = STOP;
 }
 
 }  // namespace

@@ -3,15 +3,11 @@
 
 #include <string>
 
+#include "search/run.h"
 #include "search/thread_data.h"
 #include "syzygy/tbprobe.h"
 
 namespace quon {
-
-// Results for the side to move; the ones between are drawn under the fifty-move rule.
-constexpr int NO_TB_RESULT = -1;
-constexpr int TB_LOSS = 0;
-constexpr int TB_WIN = 4;
 
 // `fifty` in plies.
 ProbePosition probe_position(const Position& p, int fifty);

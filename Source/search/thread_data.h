@@ -23,7 +23,7 @@ struct PlyRecord : EvalNotes {
     int beta;
     bool in_iid;     // internal iterative deepening of this node is running
     bool singular;   // the hash move was found singular
-    int tb_result;   // of the tablebases: 0 lost to 4 won, -1 none
+    int tb_result;   // of the tablebases; NO_TB_RESULT without one
     int move_count;  // moves searched so far
     Move hash_move;
     Move killer_null;  // killer of nodes reached by a null move

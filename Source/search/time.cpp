@@ -41,7 +41,7 @@ void reset_run() {
     run.easy_state = u8{0};
     run.current_depth = i8{0};
     run.main_done_depth = i8{0};
-    run.root_tb_result = -1;
+    run.root_tb_result = NO_TB_RESULT;
     run.root_decided = false;
     hash_start_search(game.game_ply + 1);
     control.stop_flag = RUN;

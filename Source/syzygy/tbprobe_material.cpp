@@ -2,7 +2,7 @@
 
 #include "syzygy/tbprobe_material.h"
 
-#include <string>
+#include <string_view>
 
 #include "board/bitboard.h"
 
@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view PIECE_LETTERS = " PNBRQK";  // by type
 
 // The bits of a mixing function. Its start is such that no bucket of the registry gets more than
-// four materials (tests/syzygy/files_test.cpp registers them all).
+// four materials.
 constexpr Table<u64, 16> make_piece_keys() {
     Table<u64, 16> keys{};
     u64 state = 4;
