@@ -30,8 +30,7 @@ Book book;
 constexpr int bucket_of(BookKey key) { return key.key16 >> 6; }
 
 void complain(const char* problem) {
-    engine_print(format("%sbook file %s %s", options.uci_mode ? "info string " : "",
-                        options.book_file.c_str(), problem));
+    engine_print(format("%sbook file %s %s", message_prefix(), options.book_file.c_str(), problem));
 }
 
 // Numbers the records; false if they are out of order.

@@ -54,7 +54,6 @@ struct Builder {
 };
 
 bool flush(Builder& b) {
-    end_progress(b.progress);  // for what is printed now
     sort_into_run(b.run);
     if (!merge_runs(RUN_FILE, b.run, MERGED_FILE) || !rename_run(MERGED_FILE, RUN_FILE))
         return false;
@@ -151,7 +150,7 @@ bool read_games(Builder& b, LineReader& reader) {
         if (!take_line_piece(b, piece)) return false;
         report_progress(b, reader);
     }
-    end_progress(b.progress);
+    end_progress();
     if (!read_failed(reader)) return true;
     report_unreadable(GAMES_FILE);
     return false;

@@ -43,10 +43,9 @@ struct Key {
     void set(i64 first, i64 second) const {
         const i64 used = std::clamp(first, range.low, range.high);
         if (used != first) {
-            engine_print(format("%s%s is %d to %d: %s becomes %d",
-                                options.uci_mode ? "info string " : "", std::string(name).c_str(),
-                                int(range.low), int(range.high), std::to_string(first).c_str(),
-                                int(used)));
+            engine_print(format("%s%s is %d to %d: %s becomes %d", message_prefix(),
+                                std::string(name).c_str(), int(range.low), int(range.high),
+                                std::to_string(first).c_str(), int(used)));
         }
         if (value) *value = i16(used);
         if (pair) *pair = {i16(first), i16(second)};

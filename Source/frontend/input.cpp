@@ -28,7 +28,7 @@ bool ended = false;
 
 void end_line() {
     if (partial_line.size() > USUAL_LINE) {
-        engine_print(format("%s%s %d characters", options.uci_mode ? "info string " : "",
+        engine_print(format("%s%s %d characters", message_prefix(),
                             partial_line_cut ? "line cut at" : "long line of",
                             int(partial_line.size())));
     }

@@ -19,8 +19,17 @@ constexpr char LOG_NAME[] = "quon.log";
 std::mutex print_mutex;  // guards both streams: a line appears whole in each
 std::FILE* log_file = nullptr;
 Relaxed<bool> lost = false;
+bool status_shown = false;  // guarded by print_mutex
+
+constexpr char REWRITE_LINE[] = "\r\x1b[K";
+
+void erase_status() {
+    if (status_shown) std::fputs(REWRITE_LINE, stderr);
+    status_shown = false;
+}
 
 void write_output(std::string_view text) {
+    erase_status();
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (std::fflush(stdout) != 0 || !written) lost = true;
 }
@@ -49,6 +58,16 @@ void log_line(std::string_view text) {
     const std::string line = std::string(text) + "\n";
     const std::lock_guard lock(print_mutex);
     write_log(line);
+}
+
+const char* message_prefix() { return options.uci_mode ? "info string " : ""; }
+
+void show_status_line(std::string_view text) {
+    const std::lock_guard lock(print_mutex);
+    erase_status();
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+    status_shown = !text.empty();
 }
 
 std::string format(const char* pattern, ...) {

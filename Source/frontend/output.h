@@ -18,6 +18,13 @@ void print_unlogged(std::string_view text);
 // The line to the log file alone, under the same two conditions.
 void log_line(std::string_view text);
 
+// What a message begins with: "info string " where a front end reads it, nothing in console mode.
+const char* message_prefix();
+
+// A line on standard error that is rewritten in place and gives way to whatever is printed. An
+// empty text removes it.
+void show_status_line(std::string_view text);
+
 // printf into a string.
 [[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
 

@@ -2,7 +2,6 @@
 
 #include "frontend/progress.h"
 
-#include <cstdio>
 #include <string>
 
 #include "frontend/output.h"
@@ -14,11 +13,10 @@ namespace quon {
 namespace {
 
 constexpr double PERIOD = 0.2;  // seconds between two writings
-constexpr char REWRITE_LINE[] = "\r\x1b[K";
 
 }  // namespace
 
-Progress start_progress() { return {monotonic_seconds(), 0, error_output_is_terminal(), false}; }
+Progress start_progress() { return {monotonic_seconds(), 0, error_output_is_terminal()}; }
 
 double progress_seconds(const Progress& progress) {
     return monotonic_seconds() - progress.start_time;
@@ -35,15 +33,10 @@ void show_progress(Progress& progress, std::string_view text, double done, doubl
         const int left = int(progress_seconds(progress) * (total - done) / done + 0.5);
         line += format(", %.0f %%, %d:%02d left", 100 * done / total, left / 60, left % 60);
     }
-    std::fprintf(stderr, "%s%s", REWRITE_LINE, line.c_str());
-    std::fflush(stderr);
+    show_status_line(line);
     progress.shown_at = monotonic_seconds();
-    progress.on_screen = true;
 }
 
-void end_progress(Progress& progress) {
-    if (progress.on_screen) std::fputs(REWRITE_LINE, stderr);
-    progress.on_screen = false;
-}
+void end_progress() { show_status_line(""); }
 
 }  // namespace quon

@@ -9,7 +9,6 @@ struct Progress {
     double start_time;  // monotonic seconds
     double shown_at;    // when the line was written last
     bool wanted;        // a person watches
-    bool on_screen;
 };
 
 Progress start_progress();
@@ -20,6 +19,6 @@ bool progress_due(const Progress& progress);
 // total are in any one unit. At most five times a second, however often it is called.
 void show_progress(Progress& progress, std::string_view text, double done, double total);
 // Removes the line.
-void end_progress(Progress& progress);
+void end_progress();
 
 }  // namespace quon

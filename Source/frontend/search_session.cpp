@@ -24,8 +24,7 @@ bool searchable() {
     if (game.position.fifty > MAX_FIFTY) return false;
     const char* const problem = position_problem(game.position);
     if (problem == nullptr) return true;
-    engine_print(std::string(options.uci_mode ? "info string " : "") +
-                 "illegal position: " + problem);
+    engine_print(format("%sillegal position: %s", message_prefix(), problem));
     return false;
 }
 
@@ -43,8 +42,8 @@ Move book_move() {
 
 // The book's move becomes the result of a search that has already ended.
 void take_book_move(Move move) {
-    engine_print(format("%sbook move is %s%s", options.uci_mode ? "info string " : "",
-                        square_name[move_from(move)], square_name[move_to(move)]));
+    engine_print(format("%sbook move is %s%s", message_prefix(), square_name[move_from(move)],
+                        square_name[move_to(move)]));
     run.shared_score = i16{0};
     run.shared_line[1] = move;
     control.stop_flag = STOP;
