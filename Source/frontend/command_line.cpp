@@ -16,9 +16,10 @@
 namespace quon {
 
 // What follows the word. ENDS: nothing, and the program ends after the switch.
-enum class Takes { NOTHING, INTEGER, REAL, ENDS };
+enum class Takes { NOTHING, INTEGER, REAL, FILE_NAME, ENDS };
 
 struct Argument {
+    std::string text;
     i64 integer;
     double real;
 };
@@ -30,6 +31,7 @@ struct Switch {
     void (*apply)(const Argument& argument, RunMode& mode);
     const char* help;
     double above = -std::numeric_limits<double>::infinity();  // refuses numbers that are not
+    bool anywhere = false;  // the word may stand inside a longer one; not listed in the help
 };
 
 namespace {
@@ -76,6 +78,28 @@ void set_threads(const Argument& argument, RunMode&) {
     options.threads = u8(std::clamp(low_byte, 1, MAX_THREADS));
 }
 
+void choose(RunMode& mode, Job job) { mode.job = std::min(mode.job, job); }
+
+template <int VARIANT, bool SINGLE_THREAD = false>
+void choose_bench(const Argument&, RunMode& mode) {
+    choose(mode, Job::BENCH);
+    mode.bench_variant = VARIANT;
+    mode.bench_single_thread |= SINGLE_THREAD;
+}
+
+template <Job JOB>
+void choose_with_tune_file(const Argument& argument, RunMode& mode) {
+    choose(mode, JOB);
+    options.tune_file = argument.text;
+}
+
+template <int VARIANT>
+void choose_scan(const Argument& argument, RunMode& mode) {
+    choose(mode, Job::PGN_SCAN);
+    mode.scan_variant = VARIANT;
+    mode.scan_file = argument.text;
+}
+
 void show_help(const Argument&, RunMode&);
 
 constexpr Switch SWITCHES[] = {
@@ -101,15 +125,28 @@ constexpr Switch SWITCHES[] = {
     {"-quiet", Takes::NOTHING, "", be_quiet, "neither log nor progress lines"},
     {"-uci_extra", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_extra = true; },
      "mark progress lines with the search thread"},
-    {"-bench", Takes::NOTHING, "", [](const Argument&, RunMode& mode) { mode.bench_variant = 1; },
+    {"-bench", Takes::NOTHING, "", choose_bench<1>,
      "search ten positions to depth 17 (or -d), print times, and end"},
-    {"-bench2", Takes::NOTHING, "", [](const Argument&, RunMode& mode) { mode.bench_variant = 2; },
-     "the same with twenty positions"},
-    {"-pbench", Takes::NOTHING, "",
-     [](const Argument&, RunMode& mode) {
-         mode = {.bench_variant = 1, .bench_single_thread = true};
-     },
+    {"-bench2", Takes::NOTHING, "", choose_bench<2>, "the same with twenty positions"},
+    {"-pbench", Takes::NOTHING, "", choose_bench<1, true>,
      "-bench in the main thread alone, always to depth 17"},
+    {"-anepd", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TEST_SUITE>,
+     "search the positions of an EPD test suite, count solutions, and end"},
+    {"-scan_pgn1", Takes::FILE_NAME, "FILE", choose_scan<1>,
+     "write the games with blunders marked to tmp.pgn and tmpX.epd"},
+    {"-scan_pgn2", Takes::FILE_NAME, "FILE", choose_scan<2>,
+     "write positions with the games' results to tmp.epd"},
+    {"-scan_pgn3", Takes::FILE_NAME, "FILE", choose_scan<3>,
+     "write positions up to the decisive one to tmp.epd"},
+    {"-scan_pgn4", Takes::FILE_NAME, "FILE", choose_scan<4>,
+     "write rook endings with one pawn to tmp.epd"},
+    // Without a variant it runs nothing, but a file name behind it is no switch.
+    {.word = "-scan_pgn",
+     .takes = Takes::FILE_NAME,
+     .argument_name = "FILE",
+     .apply = [](const Argument& a, RunMode& mode) { mode.scan_file = a.text; },
+     .help = "",
+     .anywhere = true},
     {"--help", Takes::ENDS, "", show_help, "print this text and end"},
     {"--version", Takes::ENDS, "", [](const Argument&, RunMode&) { print_name(); },
      "print the engine's name and end"},
@@ -118,27 +155,45 @@ constexpr Switch SWITCHES[] = {
 void show_help(const Argument&, RunMode&) {
     std::string text = "usage: quon [switch ...]\n\n";
     for (const Switch& row : SWITCHES) {
+        if (row.anywhere) continue;
         const std::string word = std::string(row.word) + " " + row.argument_name;
         text += format("  %-18s %s\n", word.c_str(), row.help);
     }
     text +=
-        "\nOther words are ignored. Without -bench, -bench2 and -pbench, commands are read from "
-        "standard input.";
+        "\nOther words are ignored. Without a switch that says \"and end\" or \"write\", commands "
+        "are "
+        "read from standard input.";
     engine_print(text);
 }
 
 const Switch* find_switch(std::string_view word) {
-    const auto* const row = std::find_if(std::begin(SWITCHES), std::end(SWITCHES),
-                                         [&](const Switch& s) { return s.word == word; });
+    const auto* const row =
+        std::find_if(std::begin(SWITCHES), std::end(SWITCHES), [&](const Switch& s) {
+            return s.anywhere ? word.find(s.word) != std::string_view::npos : s.word == word;
+        });
     return row == std::end(SWITCHES) ? nullptr : row;
 }
 
-Argument to_argument(const std::string& text) { return {to_integer(text), to_real(text)}; }
+Argument to_argument(const std::string& text) { return {text, to_integer(text), to_real(text)}; }
 
 // Says on standard error why the program cannot start.
 int refuse(const std::string& reason) {
     std::fprintf(stderr, "quon: %s\n", reason.c_str());
     return 1;
+}
+
+// Why a switch cannot take the argument; "" if it can.
+std::string argument_problem(const Switch& row, const std::string& argument) {
+    const std::string word(row.word);
+    if (row.takes == Takes::FILE_NAME && argument.size() > MAX_TOOL_FILE_NAME) {
+        return format("%s takes a file name of at most %d characters", word.c_str(),
+                      int(MAX_TOOL_FILE_NAME));
+    }
+    if (row.takes != Takes::FILE_NAME && to_real(argument) <= row.above) {
+        return format("%s needs a number above %.0f, not '%s'", word.c_str(), row.above,
+                      argument.c_str());
+    }
+    return "";
 }
 
 }  // namespace
@@ -162,9 +217,9 @@ CommandLine read_command_line(const std::vector<std::string>& words) {
                 return line;
             }
             argument = words[i];
-            if (to_real(argument) <= row->above) {
-                line.exit_status = refuse(format("%s needs a number above %.0f, not '%s'",
-                                                 word.c_str(), row->above, argument.c_str()));
+            const std::string problem = argument_problem(*row, argument);
+            if (!problem.empty()) {
+                line.exit_status = refuse(problem);
                 return line;
             }
         }

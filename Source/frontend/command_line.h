@@ -5,12 +5,20 @@
 #include <string>
 #include <vector>
 
+#include "board/types.h"
+
 namespace quon {
 
-// What the process does once it has started.
+// What the process does once it has started. When several are asked for the first of this list
+// runs.
+enum class Job : u8 { TEST_SUITE, PGN_SCAN, MATCH, BENCH, TUNING_SET, TUNE, PROTOCOL };
+
 struct RunMode {
-    int bench_variant = 0;  // 0: the protocol loop, otherwise the benchmark
+    Job job = Job::PROTOCOL;
+    int bench_variant = 1;  // of Job::BENCH
     bool bench_single_thread = false;
+    int scan_variant = 0;  // of Job::PGN_SCAN, 1..4
+    std::string scan_file;
 };
 
 struct Switch;

@@ -19,6 +19,7 @@ constexpr int NO_DEPTH_LIMIT = 66;
 constexpr double NEVER = 9999;  // output_delay that silences progress lines
 constexpr double NO_NPS_LIMIT = 1000000000.0;
 constexpr std::size_t MAX_FILE_NAME = 139;
+constexpr std::size_t MAX_TOOL_FILE_NAME = 140;
 constexpr std::size_t MAX_SYZYGY_PATH = 129;
 
 struct EngineOptions {
@@ -43,6 +44,8 @@ struct EngineOptions {
     Relaxed<double> target_nps = NO_NPS_LIMIT;  // node-rate cap per search thread
     double calibration_nps = 0.0;               // measured at start-up
     double elo_max = 0.0;      // Elo of the unthrottled engine, from the calibration
+    std::string tune_file;     // positions of the tuners and of the test-suite runner
+    std::string match_file;    // games of the self-play match
     u32 timer_resolution = 0;  // ms; 0 where the system has no such setting
 };
 

@@ -67,10 +67,16 @@ bool command_pending() { return !pending_input.empty(); }
 
 bool input_ended() { return ended; }
 
-void process_input() {
+bool next_command(std::string& command) {
     read_lines();
-    if (!command_pending()) return;
-    const std::string command = take_command();
+    if (!command_pending()) return false;
+    command = take_command();
+    return true;
+}
+
+void process_input() {
+    std::string command;
+    if (!next_command(command)) return;
     if (options.uci_mode || command == "uci") {
         handle_uci_command(command);
     } else if (!command.empty()) {

@@ -1,9 +1,14 @@
 #pragma once
 // Commands as lines from standard input. Main thread only.
 
+#include <string>
+
 namespace quon {
 
-// Reads what standard input holds and handles at most one command; never waits for input.
+// Reads what standard input holds and takes the next command; false when none is whole yet. Never
+// waits for input.
+bool next_command(std::string& command);
+// The same, and handles the command.
 void process_input();
 
 // A whole command has been read and waits for process_input.

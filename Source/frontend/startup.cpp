@@ -2,6 +2,7 @@
 
 #include "frontend/startup.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -25,16 +26,24 @@
 #include "search/threads.h"
 #include "syzygy/tbprobe.h"
 #include "tools/bench.h"
+#include "tools/epd_runner.h"
+#include "tools/pgn_scan.h"
 
 namespace quon {
 
 namespace {
 
 constexpr char PARAM_FILE[] = "quon.rc";
-constexpr u32 TIMER_PERIOD_MS = 5;
 
-void set_timer_period() {
-    switch (request_timer_period(TIMER_PERIOD_MS, options.timer_resolution)) {
+// A match is many short searches; unless its limits are all wide every millisecond counts.
+u32 wanted_timer_period_ms(const RunMode& mode) {
+    const bool long_searches =
+        limits.depth_limit > 5 && limits.fixed_time > 0.1 && limits.max_nodes > 99999;
+    return mode.job == Job::MATCH && !long_searches ? 1 : 5;
+}
+
+void set_timer_period(const RunMode& mode) {
+    switch (request_timer_period(wanted_timer_period_ms(mode), options.timer_resolution)) {
         case TimerStatus::NO_CAPABILITIES:
             print_unlogged("error setting timer resolution\n");
             break;
@@ -70,14 +79,14 @@ bool start(const CommandLine& line, RunMode& mode) {
     book_open();
     // 7. The search threads.
     if (!create_threads(options.threads)) return refuse("the search threads cannot be created");
-    set_timer_period();
+    set_timer_period(mode);
     // 8. What the search and the evaluation derive from the parameters.
     apply_search_params();
     init_eval_tables();
     return true;
 }
 
-void run_protocol() {
+bool run_protocol() {
     position_from_fen(game.position, START_FEN);
     calibrate();
     apply_search_params();
@@ -87,7 +96,22 @@ void run_protocol() {
     control.go_request = NO_SEARCH;
     control.quit_requested = false;
     main_loop();
+    return true;
 }
+
+// What the command line can ask for; false from a tool whose output could not be written.
+struct JobRow {
+    Job job;
+    bool (*run)(const RunMode& mode);
+};
+
+constexpr JobRow JOBS[] = {
+    {Job::TEST_SUITE, [](const RunMode&) { return run_test_suite(options.tune_file); }},
+    {Job::PGN_SCAN, [](const RunMode& m) { return scan_pgn(m.scan_file, m.scan_variant); }},
+    {Job::BENCH,
+     [](const RunMode& m) { return run_bench(m.bench_variant, m.bench_single_thread); }},
+    {Job::PROTOCOL, [](const RunMode&) { return run_protocol(); }},
+};
 
 void shut_down() {
     destroy_threads();
@@ -104,13 +128,11 @@ int run_program(const std::vector<std::string>& words) {
     if (line.exit_status) return *line.exit_status;
     RunMode mode;
     if (!start(line, mode)) return 1;
-    if (mode.bench_variant != 0) {
-        run_bench(mode.bench_variant, mode.bench_single_thread);
-    } else {
-        run_protocol();
-    }
+    const auto* const row = std::find_if(std::begin(JOBS), std::end(JOBS),
+                                         [&](const JobRow& j) { return j.job == mode.job; });
+    const bool done = row->run(mode);
     shut_down();
-    return 0;
+    return done ? 0 : 1;
 }
 
 }  // namespace quon

@@ -66,7 +66,7 @@ void search_in_main_thread() {
 
 }  // namespace
 
-void run_bench(int variant, bool single_thread) {
+bool run_bench(int variant, bool single_thread) {
     limits.fixed_time = SECONDS_PER_POSITION;
     options.output_delay = NEVER;
     if (single_thread || limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;
@@ -92,6 +92,7 @@ void run_bench(int variant, bool single_thread) {
     engine_print(format("total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time,
                         total_nodes, total_nodes / total_time));
     control.quit_requested = true;
+    return true;
 }
 
 }  // namespace quon

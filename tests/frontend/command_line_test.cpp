@@ -66,12 +66,39 @@ TEST_F(CommandLineTest, Numbers) {
     EXPECT_EQ(options.target_nps, 1000000.0);
 }
 
-TEST_F(CommandLineTest, Benchmark) {
-    EXPECT_EQ(apply("").bench_variant, 0);
-    EXPECT_EQ(apply("-bench").bench_variant, 1);
+// Of several jobs one wins, whatever their order on the command line.
+TEST_F(CommandLineTest, Jobs) {
+    const struct {
+        const char* words;
+        Job job;
+        int scan_variant;
+    } cases[] = {
+        {"", Job::PROTOCOL, 0},
+        {"-bench", Job::BENCH, 0},
+        {"-bench|-scan_pgn2|games", Job::PGN_SCAN, 2},
+        {"-scan_pgn4|games|-scan_pgn1|games|-bench", Job::PGN_SCAN, 1},
+        {"-scan_pgn1|-anepd|-scan_pgn3|games", Job::PGN_SCAN, 3},
+        {"-scan_pgn3|a|-anepd|suite", Job::TEST_SUITE, 3},
+        // A variant that there is not runs nothing, but takes its file name.
+        {"-scan_pgn|games", Job::PROTOCOL, 0},
+        {"-scan_pgn5|-bench", Job::PROTOCOL, 0},
+        {"no-scan_pgn1|-bench", Job::PROTOCOL, 0},
+        {"-scan_pgn2|a|x-scan_pgnx|games", Job::PGN_SCAN, 2},
+    };
+    for (const auto& c : cases) {
+        const RunMode mode = apply(c.words);
+        EXPECT_EQ(mode.job, c.job) << c.words;
+        EXPECT_EQ(mode.scan_variant, c.scan_variant) << c.words;
+        if (mode.job == Job::PGN_SCAN) {
+            EXPECT_EQ(mode.scan_file, "games") << c.words;
+        }
+    }
     EXPECT_EQ(apply("-bench|-bench2").bench_variant, 2);
     EXPECT_EQ(apply("-pbench").bench_variant, 1);
     EXPECT_TRUE(apply("-pbench").bench_single_thread);
+    const std::string longest(140, 'n');
+    apply("-anepd|first|-anepd|" + longest);
+    EXPECT_EQ(options.tune_file, longest);
 }
 
 }  // namespace

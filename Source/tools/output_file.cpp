@@ -1,0 +1,29 @@
+#include "tools/output_file.h"
+
+namespace quon {
+
+bool create_output(OutputFile& output, const std::string& name) {
+    output = {name, nullptr};
+    output.file.reset(std::fopen(name.c_str(), "wb"));
+    return output.file != nullptr;
+}
+
+void write_text(OutputFile& output, std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), output.file.get()) != text.size()) {
+        output.failed = true;
+    }
+}
+
+void flush_output(OutputFile& output) {
+    if (std::fflush(output.file.get()) != 0) output.failed = true;
+}
+
+bool close_output(OutputFile& output) {
+    if (std::fclose(output.file.release()) != 0) output.failed = true;
+    if (output.failed) {
+        std::fprintf(stderr, "quon: %s could not be written whole\n", output.name.c_str());
+    }
+    return !output.failed;
+}
+
+}  // namespace quon

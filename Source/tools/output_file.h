@@ -1,0 +1,26 @@
+#pragma once
+// A text file that a tool writes. The first write that fails is remembered, so that the tool can
+// end, and is told once when the file is closed.
+
+#include <string>
+#include <string_view>
+
+#include "frontend/line_reader.h"
+
+namespace quon {
+
+struct OutputFile {
+    std::string name;
+    std::unique_ptr<std::FILE, CloseFile> file;
+    bool failed = false;
+};
+
+// An empty file in place of an older one; false if it cannot be created.
+bool create_output(OutputFile& output, const std::string& name);
+void write_text(OutputFile& output, std::string_view text);
+// Hands everything to the system: what is written survives the end of the process.
+void flush_output(OutputFile& output);
+// False if anything could not be written; says so on standard error.
+bool close_output(OutputFile& output);
+
+}  // namespace quon

@@ -1,0 +1,13 @@
+#pragma once
+// The PGN scanner: replays games whose comments carry engine scores and writes their positions.
+
+#include <string>
+
+namespace quon {
+
+// Writes "tmp.pgn" (variant 1) or "tmp.epd" (2 to 4), and "tmpX.epd", and prints how many games
+// were read and positions written. A file that cannot be opened ends it silently. False if output
+// could not be written.
+bool scan_pgn(const std::string& path, int variant);
+
+}  // namespace quon
