@@ -132,9 +132,6 @@ void final_report(int score) {
     print_info(0, 0, run.shared_depth, score, run.shared_line);
 }
 
-namespace {
-
-// Growth of the node count per iteration over the last four.
 double effective_branching() {
     const int depth = run.main_done_depth;
     if (depth < 6) return 2.0;
@@ -143,6 +140,8 @@ double effective_branching() {
     if (last == 0 || earlier == 0) return 2.0;
     return std::pow(last / earlier, 0.25);
 }
+
+namespace {
 
 double percent(u64 hits, u64 probes) { return double(hits) * 100 / double(probes + 1); }
 

@@ -21,6 +21,9 @@ void print_currmove(int depth, Move move, int number);
 // The last info line of a search.
 void final_report(int score);
 
+// Growth of the node count per iteration over the last four; 2 for a search of fewer than six.
+double effective_branching();
+
 // The closing lines of console mode.
 void print_console_statistics();
 

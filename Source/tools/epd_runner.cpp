@@ -1,7 +1,186 @@
+// The test-suite runner. A deep search runs on the search threads while the main thread watches the
+// clock; a shallow one is over too soon for that and runs on the main thread itself.
+
 #include "tools/epd_runner.h"
+
+#include "board/fen.h"
+#include "board/move_text.h"
+#include "eval/eval_tables.h"
+#include "frontend/engine_options.h"
+#include "frontend/line_reader.h"
+#include "frontend/output.h"
+#include "frontend/progress.h"
+#include "platform/interrupt.h"
+#include "platform/terminal.h"
+#include "search/control.h"
+#include "search/hash.h"
+#include "search/report.h"
+#include "search/search.h"
+#include "search/search_params.h"
+#include "search/threads.h"
+#include "search/time.h"
+#include "tools/output_file.h"
+#include "tools/tool_input.h"
 
 namespace quon {
 
-bool run_test_suite(const std::string&) { return true; }
+namespace {
+
+constexpr char UNSOLVED_NAME[] = "unsolved.epd";
+constexpr std::size_t MAX_LINE = 253;  // characters; what a line has beyond them is passed over
+constexpr std::size_t SHORTEST_RECORD = 10;
+constexpr int SHALLOW_DEPTH = 5;
+constexpr int CHECK_MS = 5;  // between time checks
+
+struct Suite {
+    LineReader reader;
+    OutputFile unsolved;
+    Progress progress;
+    bool show_status;  // the status line would not get between the lines of the searches
+    int count = 0;
+    int correct = 0;
+    u64 nodes = 0;
+    double seconds = 0;
+    i64 depth_sum = 0;
+    double branching_sum = 0;
+};
+
+bool tells_searches() { return options.output_delay != NEVER; }
+
+bool looks_like_record(const LinePiece& piece) {
+    return piece.starts_line && piece.text.size() >= SHORTEST_RECORD &&
+           std::string_view(" #;").find(piece.text[0]) == std::string_view::npos;
+}
+
+// Sets up the next position that can be searched; false at the end of the file.
+bool next_record(Suite& suite, EpdRecord& record) {
+    LinePiece piece;
+    while (next_piece(suite.reader, piece)) {
+        if (!looks_like_record(piece) || !parse_epd_line(piece.text, record)) continue;
+        position_from_fen(game.position, record.fen);
+        const char* const problem = position_problem(game.position);
+        if (problem == nullptr) return true;
+        std::fprintf(stderr, "quon: %s: illegal position: %s\n", record.fen.c_str(), problem);
+    }
+    return false;
+}
+
+void show_status(Suite& suite) {
+    if (!suite.show_status || !progress_due(suite.progress)) return;
+    show_progress(suite.progress, format("position %d, %d correct", suite.count, suite.correct),
+                  double(suite.reader.bytes_read), double(suite.reader.file_size));
+}
+
+ToolWish search_with_threads(Suite& suite) {
+    start_search_threads();
+    ToolWish wish = tool_wish();
+    while (busy_threads() != 0) {
+        time_check();
+        wish = tool_wish(CHECK_MS);
+        if (wish == ToolWish::STOP && !stopped()) control.stop_flag = STOP;
+        show_status(suite);
+    }
+    return wish;
+}
+
+// Looking at the input would cost as much as the shortest searches: it is done now and then.
+ToolWish search_in_main_thread(Suite& suite) {
+    ThreadData& thread = thread_data(0);
+    thread_prepare(thread);
+    iterate(thread);
+    run.shared_score = thread.root_score;
+    show_status(suite);
+    if ((suite.count & 255) == 255) {
+        time_check();
+        return tool_wish();
+    }
+    return interrupted() ? ToolWish::STOP : ToolWish::NONE;
+}
+
+bool read_move(const std::string& text, Move& move) {
+    return !text.empty() && parse_san(game.position, text, move);
+}
+
+void judge(Suite& suite, const EpdRecord& record) {
+    const Move best = run.shared_line[1];
+    Move move;
+    if (read_move(record.bm, move)) {
+        suite.correct += best == move;
+    } else if (read_move(record.am, move)) {
+        suite.correct += best != move;
+    } else if (run.shared_depth > 0) {
+        write_text(suite.unsolved, record.fen + "\n");
+        flush_output(suite.unsolved);
+    }
+}
+
+void print_search() {
+    final_report(run.shared_score);
+    const auto nodes = double(totals.nodes);
+    print_unlogged(format("move= %s, time= %0.3f, score= %d, nodes= %0.0f, %0.0fK nps\n",
+                          move_to_text(run.shared_line[1]).c_str(), run.elapsed.get(),
+                          int(run.shared_score), nodes, nodes / (run.elapsed + 0.001) / 1000));
+}
+
+// Searches the game position, which stands at the record.
+ToolWish run_record(Suite& suite, const EpdRecord& record) {
+    ++suite.count;
+    if (tells_searches()) {
+        engine_print(format("pos= %d", suite.count));
+        engine_print(record.fen);
+        print_board(game.position);
+    }
+    if (limits.depth_limit > 1) hash_clear();
+    time_setup();
+    const ToolWish wish = limits.depth_limit > SHALLOW_DEPTH ? search_with_threads(suite)
+                                                             : search_in_main_thread(suite);
+    update_elapsed();
+    collect_stats();
+    suite.nodes += totals.nodes;
+    suite.seconds += run.elapsed;
+    suite.depth_sum += run.shared_depth;
+    suite.branching_sum += effective_branching();
+    judge(suite, record);
+    if (tells_searches()) print_search();
+    control.search_mode = NO_SEARCH;
+    return wish;
+}
+
+void print_statistics(const Suite& suite) {
+    const auto nodes = double(suite.nodes);
+    const int divisor = suite.count > 0 ? suite.count : 1;
+    engine_print(format("%d / %d correct best moves", suite.correct, suite.count));
+    engine_print(format("total nodes= %0.0f", nodes));
+    engine_print(format("total time= %0.2f seconds", suite.seconds));
+    engine_print(format("avg depth= %0.1f", double(suite.depth_sum) / divisor));
+    engine_print(format("avg nodes= %0.1f", double(suite.nodes / u64(divisor))));
+    engine_print(format("node_rate= %0.0f", nodes / (suite.seconds + 0.01)));
+    engine_print(format("avg bf= %0.2f", suite.branching_sum / divisor));
+    engine_print("");
+}
+
+}  // namespace
+
+bool run_test_suite(const std::string& path) {
+    Suite suite;
+    if (!open_lines(suite.reader, path, MAX_LINE)) return true;
+    if (!create_output(suite.unsolved, UNSOLVED_NAME)) return true;
+    suite.progress = start_progress();
+    suite.show_status = !tells_searches() || !output_is_terminal();
+    start_tool_input();
+    engine_print(format("Analyzing %s...", path.c_str()));
+    init_eval_tables();
+    apply_search_params();
+    if (limits.depth_limit <= 1) options.hash_mode = 0;
+    ToolWish wish = ToolWish::NONE;
+    EpdRecord record;
+    while (wish == ToolWish::NONE && !suite.unsolved.failed && !output_lost() &&
+           next_record(suite, record)) {
+        wish = run_record(suite, record);
+    }
+    end_progress(suite.progress);
+    print_statistics(suite);
+    return close_output(suite.unsolved) && !output_lost();
+}
 
 }  // namespace quon
