@@ -196,6 +196,8 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
     return count == 1;
 }
 
+std::string normalized_san(std::string_view text) { return normalized(text); }
+
 namespace {
 
 // A position text may name an en-passant square that no pawn has passed. For pseudo-legal moves.

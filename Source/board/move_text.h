@@ -26,6 +26,10 @@ MoveForms move_forms(const Position& p, const MoveEntry& entry);
 // several match; prints "ambiguous move" to standard output when two do.
 bool parse_san(const Position& p, std::string_view text, Move& out_move);
 
+// The text as parse_san compares it: check and mate signs off, "e8Q" as "e8=Q", "O-O" and "0-0" as
+// "o-o".
+std::string normalized_san(std::string_view text);
+
 // Coordinate text as front ends write it: e2e4, e7e8q. Returns NO_MOVE unless the text names a
 // pseudo-legal move of the side to move that does not take a king.
 Move parse_coordinates(const Position& p, std::string_view text);

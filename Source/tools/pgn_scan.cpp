@@ -1,7 +1,106 @@
+// The PGN scanner: one pass over the file, a game at a time.
+
 #include "tools/pgn_scan.h"
+
+#include "frontend/engine_options.h"
+#include "frontend/line_reader.h"
+#include "frontend/output.h"
+#include "frontend/progress.h"
+#include "tools/game_reader.h"
+#include "tools/scan_writers.h"
+#include "tools/tool_input.h"
 
 namespace quon {
 
-bool scan_pgn(const std::string&, int) { return true; }
+namespace {
+
+constexpr std::size_t MAX_LINE = 254;  // characters; a longer line is taken as several
+constexpr int TOLD_GAMES = 100;        // a line on standard output for so many
+constexpr int PIECES_PER_LOOK = 256;   // between two looks at the input
+
+struct Scan {
+    const ScanVariant* variant;
+    LineReader lines;
+    GameReader reader;
+    ScanOutput output;
+    Progress progress;
+};
+
+void write_game(Scan& scan) {
+    GameReader& reader = scan.reader;
+    if (reader.moves.empty()) return;
+    if (reader.cut) {
+        std::fprintf(stderr, "quon: game %d is longer than %d plies and is cut\n", reader.games,
+                     int(MAX_SCAN_MOVES));
+    }
+    scan.variant->write_game(scan.output, reader);
+    next_game(reader);
+}
+
+void take_tag(Scan& scan, std::string_view line) {
+    write_game(scan);
+    GameReader& reader = scan.reader;
+    if (scan.variant->copies_tags) {
+        write_text(scan.output.main, std::string(line) + "\n");
+        if (line.find("Round ") != std::string_view::npos) {
+            write_text(scan.output.main, format("[Tag \"game_%d\"]\n", reader.games));
+        }
+    }
+    const int before = reader.games;
+    read_tag(reader, line);
+    if (reader.games != before && reader.games % TOLD_GAMES == 0) {
+        print_unlogged(format("game %d\n", reader.games));
+    }
+}
+
+bool output_failed(const Scan& scan) {
+    return scan.output.main.failed || scan.output.blunders.failed || output_lost();
+}
+
+// Somebody wants the scan to end, or there is no use in going on.
+bool must_end(Scan& scan) {
+    if (progress_due(scan.progress)) {
+        show_progress(scan.progress, format("game %d", scan.reader.games),
+                      double(scan.lines.bytes_read), double(scan.lines.file_size));
+    }
+    return tool_wish() != ToolWish::NONE || output_failed(scan);
+}
+
+// Ends early without the game that is being read.
+void read_games(Scan& scan) {
+    LinePiece piece;
+    for (int pieces = 1; next_piece(scan.lines, piece); ++pieces) {
+        if (is_tag_line(piece.text)) {
+            take_tag(scan, piece.text);
+        } else {
+            read_move_text(scan.reader, piece);
+        }
+        if (pieces % PIECES_PER_LOOK == 0 && must_end(scan)) return;
+    }
+    write_game(scan);
+    if (scan.reader.comment_depth > 0) std::fputs("quon: a comment is never closed\n", stderr);
+}
+
+}  // namespace
+
+bool scan_pgn(const std::string& path, int variant) {
+    Scan scan{};
+    scan.variant = &scan_variants[variant - 1];
+    if (!open_lines(scan.lines, path, MAX_LINE) ||
+        !create_output(scan.output.main, scan.variant->main_name) ||
+        !create_output(scan.output.blunders, "tmpX.epd")) {
+        return true;
+    }
+    options.log_enabled = true;
+    scan.progress = start_progress();
+    start_tool_input();
+    read_games(scan);
+    end_progress(scan.progress);
+    write_text(scan.output.main, "\n");
+    const bool written = close_output(scan.output.main) & close_output(scan.output.blunders);
+    print_unlogged(
+        format("games= %d, positions= %.0f\n", scan.reader.games, double(scan.output.positions)));
+    return written && !output_lost();
+}
 
 }  // namespace quon
