@@ -12,6 +12,7 @@ namespace quon {
 namespace {
 
 constexpr std::size_t MAX_COMMENT = 65536;  // characters that are looked at for a score
+constexpr std::string_view BLANKS("\0\t ", 3);
 constexpr i16 MATE_SCORE = 9000;
 
 bool contains(std::string_view text, std::string_view part) {
@@ -120,7 +121,7 @@ void read_move_text(GameReader& reader, const LinePiece& piece) {
             add_to_comment(reader, text);
             rest.remove_prefix(text.size());
         } else if (is_letter(c)) {
-            add_move(reader, take_token(rest, " "));
+            add_move(reader, take_token(rest, BLANKS));
         } else {
             rest.remove_prefix(1);
         }

@@ -85,6 +85,7 @@ void Process::send_bytes(const std::string& bytes) {
     }
 }
 
+void Process::interrupt() { kill(child_, SIGINT); }
 void Process::close_input() { close_end(input_); }
 void Process::close_output() { close_end(output_); }
 

@@ -1,0 +1,450 @@
+// The PGN scanner: what it reads from comments and move text, and its files against another
+// program's and against a reader that is written with regular expressions.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <regex>
+#include <sstream>
+
+#include "board/fen.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "frontend/output.h"
+#include "support/board_support.h"
+#include "support/tool_support.h"
+#include "tools/game_reader.h"
+
+namespace quon::test {
+namespace {
+
+const char* const PGN_DIRECTORY = QUON_SHARED_DIR "/data/pgn/";
+
+Lines scan_arguments(int variant, const std::string& file) {
+    return {"-nolog", "-hash", "1", format("-scan_pgn%d", variant), file};
+}
+
+std::string file_content(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+TEST(PgnScan, CommentScores) {
+    const struct {
+        const char* comment;
+        int white, black;
+    } cases[] = {
+        {"book", 0, 0},
+        {"from my notebook, +1.00/3", 0, 0},
+        {"+1.50/18 0.5s", 150, 150},
+        {"-1.50/18 0.5s", -150, -150},
+        {"2/1", 200, 200},
+        {"0.00/30 9.9s, some text", 0, 0},
+        // The nearest double to 0.29 is below it, and so is 0.29 * 100 below 29.
+        {"+0.35/12", 35, 35},
+        {"+0.29/12", 28, 28},
+        {"-0.29/12", -28, -28},
+        {"+M5/20", 9000, 9000},
+        {"-M5/20", -9000, -9000},
+        {" (Nf3) +0.12/14 3", 12, 12},
+        {"text/+0.50", 0, 0},
+        {"(Nf3 d5)+0.12/14", 0, 0},
+        {"eval 20, depth 12", 20, -20},
+        {"eval -20", -20, 20},
+        {"eval 1/2", 1, -1},
+        {"[%eval 0.57] [%clk 0:01:02]", 0, 0},
+        {"[%eval #-4]", 0, 0},
+        {"eval ", -29999, 29999},
+        {"eval", -29999, -29999},
+        {"", -29999, -29999},
+        {"no score here", -29999, -29999},
+        {"Book", -29999, -29999},
+        // Sixteen bits.
+        {"-320.00/1", -32000, -32000},
+        {"+777.77/1", 12241, 12241},
+        {"eval 32769", -32767, 32767},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(comment_score(c.comment, WHITE), c.white) << c.comment;
+        EXPECT_EQ(comment_score(c.comment, BLACK), c.black) << c.comment;
+    }
+}
+
+void read_line(GameReader& reader, std::string_view text) {
+    read_move_text(reader, {.text = text, .starts_line = true, .ends_line = true});
+}
+
+// The moves with their scores, "e4 35, e5 -10", read from lines of text.
+std::string moves_of(const std::string& text) {
+    GameReader reader;
+    for (const std::string& line : split(text, '\n')) read_line(reader, line);
+    std::string all;
+    for (const ScanMove& move : reader.moves) {
+        all += format("%s%s %d", all.empty() ? "" : ", ", move.text.c_str(), move.score);
+    }
+    return all;
+}
+
+TEST(PgnScan, MoveText) {
+    const struct {
+        std::string text, moves;
+    } cases[] = {
+        {"", ""},
+        {"1. e4 {+0.20/1} e5 {-0.10/1} 2. Nf3 1-0", "e4 20, e5 -10, Nf3 -30000"},
+        {"e4 e5", "e4 -10000, e5 -30000"},
+        {"1.e4 1...e5 $1 ! ?! 0-0 1/2-1/2 * e8=Q+", "e4 -10000, e5 -30000, e8=Q+ -30000"},
+        {"{+0.50/1} e4 {+0.20/1}", "e4 20"},
+        {"e4 {+0.20\n/1 two lines} e5", "e4 0, e5 -30000"},
+        {"e4 {+0.20/1\n two lines} e5", "e4 20, e5 -30000"},
+        {"e4 {eval\n7}", "e4 7"},
+        {"e4 {outer {+0.20/1} tail} e5", "e4 20, e5 -30000"},
+        {"e4 {a} {+0.20/1} e5", "e4 0, e5 -30000"},
+        {"e4 {text } {+0.20/1} e5", "e4 20, e5 -30000"},
+        {"e4 } {+0.20/1} } e5", "e4 20, e5 -30000"},
+        {"e4 {+0.20/1 e5 Nf3", "e4 -10000"},
+        {"1.e4{+0.20/1} e5 {-0.10/1}", "e4{+0.2 -10000, e5 -10"},
+        {"longtokenhere {+0.20/1}", "longtok 20"},
+        {"e4\t{+0.20/1}\te5" + std::string(3, '\0') + "Nf3", "e4 20, e5 -30000, Nf3 -30000"},
+        {"[%evp 3] e4", "evp -10000, e4 -30000"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(moves_of(c.text), c.moves) << c.text;
+}
+
+TEST(PgnScan, Tags) {
+    GameReader reader;
+    const struct {
+        const char* line;
+        int games;
+        GameResult result;
+    } cases[] = {
+        {"[Site \"x\"]", 0, GameResult::DRAW},
+        {"[Event \"x\"]", 1, GameResult::DRAW},
+        {"[Result \"0-1\"]", 1, GameResult::BLACK_WINS},
+        {"[EventDate \"x\"]", 1, GameResult::BLACK_WINS},
+        {"[Result \"1-0\"]", 1, GameResult::WHITE_WINS},
+        {"[Event \"y\"]", 2, GameResult::WHITE_WINS},
+        {"[Result \"*\"]", 2, GameResult::DRAW},
+    };
+    for (const auto& c : cases) {
+        EXPECT_TRUE(is_tag_line(c.line));
+        read_tag(reader, c.line);
+        EXPECT_EQ(reader.games, c.games) << c.line;
+        EXPECT_EQ(reader.result, c.result) << c.line;
+    }
+    for (const char* line : {"[%clk 1]", "", " [Event \"x\"]", "e4"}) {
+        EXPECT_FALSE(is_tag_line(line)) << line;
+    }
+}
+
+// However long the game and its comments are.
+TEST(PgnScan, Bounds) {
+    GameReader reader;
+    const std::string text = "Nf3 {+0.20/1 " + std::string(100, 'x') + "} Nf6 {book} Ng1 Ng8 ";
+    for (int i = 0; i < 2000; ++i) read_line(reader, text);
+    EXPECT_EQ(reader.moves.size(), MAX_SCAN_MOVES);
+    EXPECT_TRUE(reader.cut);
+    EXPECT_EQ(reader.moves.back().score, UNSCORED) << "not that of a move passed over";
+    next_game(reader);
+    read_line(reader, "e4 {+0.20/1 never closed");
+    for (int i = 0; i < 2000; ++i) read_line(reader, text.substr(13, 100));
+    EXPECT_LE(reader.comment.size(), 65536U);
+    read_line(reader, "}");
+    EXPECT_EQ(reader.moves.back().score, 20);
+}
+
+std::string sha256(const std::string& path) {
+    std::string line;
+    if (std::FILE* pipe = popen(("sha256sum " + path + " 2>/dev/null").c_str(), "r")) {
+        char text[65] = {};
+        if (std::fread(text, 1, 64, pipe) == 64) line = text;
+        pclose(pipe);
+    }
+    return line;
+}
+
+TEST(PgnScan, Reference) {
+    const std::vector<std::string> rows = shared_lines("/reference/tools/scan.csv");
+    if (rows.empty()) GTEST_SKIP() << "scan.csv is not there";
+    ASSERT_GT(rows.size(), 20U);
+    std::string done, last;
+    const ToolDirectory directory;
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        const std::vector<std::string> cells = split(rows[i], ';');
+        const std::string input = QUON_SHARED_DIR "/data/" + cells[1];
+        if (done != cells[0] + input) {
+            const Ending ending = directory.run(scan_arguments(std::stoi(cells[0]), input));
+            EXPECT_EQ(ending.status, 0);
+            ASSERT_FALSE(ending.lines.empty());
+            last = ending.lines.back();
+            done = cells[0] + input;
+        }
+        EXPECT_EQ(last, cells[2]) << rows[i];
+        const std::string content = directory.read(cells[3]);
+        EXPECT_EQ(std::to_string(std::count(content.begin(), content.end(), '\n')), cells[4])
+            << rows[i];
+        EXPECT_EQ(std::to_string(content.size()), cells[5]) << rows[i];
+        const std::string sum = sha256(directory.path() + "/" + cells[3]);
+        if (!sum.empty()) {
+            EXPECT_EQ(sum, cells[6]) << rows[i];
+        }
+    }
+    const char* const small[] = {"scan1-score-forms.pgn", "scan2-score-forms.epd",
+                                 "scan3-score-forms.epd", "scan4-score-forms.epd"};
+    for (int variant = 1; variant <= 4; ++variant) {
+        directory.run(
+            scan_arguments(variant, std::string(PGN_DIRECTORY) + "odd/fixture-score-forms.pgn"));
+        EXPECT_EQ(
+            directory.read(variant == 1 ? "tmp.pgn" : "tmp.epd"),
+            file_content(QUON_SHARED_DIR "/reference/tools/" + std::string(small[variant - 1])));
+    }
+}
+
+// The independent reader. A game as it is, moves with the text of their comment.
+struct PlainGame {
+    std::vector<std::pair<std::string, std::string>> moves;
+    std::string result;
+};
+
+std::vector<PlainGame> plain_games(const std::string& text) {
+    const std::regex tag("^\\[(\\w+) \"([^\"]*)\"\\]$");
+    const std::regex word("\\{([^}]*)\\}|([A-Za-z][^ ]*)");
+    std::vector<PlainGame> games;
+    std::string body;
+    const auto finish = [&] {
+        for (std::sregex_iterator it(body.begin(), body.end(), word), end; it != end; ++it) {
+            auto& moves = games.back().moves;
+            if ((*it)[2].matched) {
+                moves.emplace_back((*it)[2], "");
+            } else if (!moves.empty()) {
+                moves.back().second = (*it)[1];
+            }
+        }
+        body.clear();
+    };
+    for (const std::string& line : split(text, '\n')) {
+        std::smatch match;
+        if (!std::regex_match(line, match, tag)) {
+            body += line + " ";
+            continue;
+        }
+        if (match[1] == "Event") {
+            finish();
+            games.emplace_back();
+        }
+        if (match[1] == "Result") games.back().result = match[2];
+    }
+    finish();
+    return games;
+}
+
+// No value for a move without a comment.
+int plain_score(const std::string& comment, bool white) {
+    std::smatch match;
+    if (comment.empty()) return -30000;
+    if (comment == "book") return 0;
+    if (std::regex_search(comment, match, std::regex("eval (-?\\d+)"))) {
+        return std::stoi(match[1]) * (white ? 1 : -1);
+    }
+    if (std::regex_search(comment, match, std::regex("([+-])M\\d+/"))) {
+        return match[1] == "+" ? 9000 : -9000;
+    }
+    if (std::regex_search(comment, match, std::regex("([+-]?\\d+\\.\\d+)/"))) {
+        return int(std::stod(match[1]) * 100);
+    }
+    return -29999;
+}
+
+// The records of a game in variants 2 to 4.
+Lines plain_records(const PlainGame& plain, int variant) {
+    Lines records;
+    const auto board = make_game(START_FEN);
+    Position& p = board->position;
+    const int count = int(plain.moves.size());
+    for (int i = 0; i < count; ++i) {
+        const auto& [text, comment] = plain.moves[std::size_t(i)];
+        const int score = plain_score(comment, i % 2 == 0);
+        Move move = NO_MOVE;
+        if (!parse_san(p, text, move)) break;
+        const std::string fen = position_to_fen(p);
+        std::string spelling = text.substr(0, text.find_first_of("+#"));
+        if (spelling[0] == 'O') spelling = spelling == "O-O" ? "o-o" : "o-o-o";
+        std::string record = fen + " bm " + spelling + "; ce " + std::to_string(score) + ";";
+        const bool checked = attackers_by_steps(p, king_square(p, p.side), p.side ^ 1) != 0;
+        const std::string men =
+            std::regex_replace(fen.substr(0, fen.find(' ')), std::regex("[^pnbrqPNBRQ]"), "");
+        bool wanted = false;
+        if (variant == 2) {
+            wanted = i >= 16 && i < count - 6 && i <= 250 && std::abs(score) <= 899 && !checked;
+            record += " c9 \"" + plain.result + "\";";
+        } else if (variant == 3) {
+            wanted = i <= 200 && !checked;
+        } else {
+            std::string sorted = men;
+            std::sort(sorted.begin(), sorted.end());
+            wanted = sorted == "Rpr" || sorted == "PRr";
+            const bool draw = plain.result == "1/2-1/2";
+            const bool won = plain.result == (i % 2 == 0 ? "1-0" : "0-1");
+            record += draw ? " tune 0.50000;" : won ? " tune 1.00000;" : " tune 0.00000;";
+        }
+        if (wanted) records.push_back(record);
+        if (variant == 3 && std::abs(score) > 500) break;
+        make_game_move(*board, move);
+    }
+    return records;
+}
+
+TEST(PgnScan, IndependentReader) {
+    int compared = 0;
+    for (const char* name : {"engine-scores-slash.pgn", "engine-scores-eval.pgn"}) {
+        const std::string whole = file_content(std::string(PGN_DIRECTORY) + name);
+        if (whole.empty()) GTEST_SKIP() << "the games are not there";
+        std::size_t end = 0;
+        for (int i = 0; i <= scaled(15) && end != std::string::npos; ++i) {
+            end = whole.find("[Event ", end + 1);
+        }
+        const std::string text = whole.substr(0, end);
+        const ToolDirectory directory;
+        directory.write("games", text);
+        for (int variant = 2; variant <= 4; ++variant) {
+            Lines expected;
+            for (const PlainGame& game : plain_games(text)) {
+                for (const std::string& record : plain_records(game, variant)) {
+                    expected.push_back(record);
+                }
+            }
+            compared += int(expected.size());
+            const Ending ending = directory.run(scan_arguments(variant, "games"));
+            EXPECT_TRUE(matches(ending.lines.back(),
+                                format("games= \\d+, positions= %d", int(expected.size()))))
+                << ending.lines.back();
+            const Lines written = split(directory.read("tmp.epd"), '\n');
+            ASSERT_GE(written.size(), expected.size());
+            for (std::size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(written[i], expected[i]);
+            EXPECT_EQ(directory.read("tmpX.epd"), "");
+        }
+    }
+    EXPECT_GT(compared, 100);
+}
+
+// A game of knights going to and fro, with a comment for each move.
+std::string shuttle(int moves, const std::function<std::string(int i)>& comment) {
+    constexpr const char* TEXTS[] = {"Nf3", "Nf6", "Ng1", "Ng8"};
+    std::string text;
+    for (int i = 0; i < moves; ++i) text += TEXTS[i % 4] + comment(i) + "\n";
+    return text;
+}
+
+std::string no_comment(int) { return ""; }
+std::string even(int) { return " {0.00/9}"; }
+
+// White errs at its eighth move: Black thinks better of its position from then on.
+TEST(PgnScan, Blunders) {
+    const struct {
+        int after;  // Black's score from its reply on, in centipawns
+        bool blunder;
+    } cases[] = {{51, true}, {50, false}};
+    const ToolDirectory directory;
+    for (const auto& c : cases) {
+        const auto comment = [&](int i) {
+            return format(" {0.%02d/9}", i >= 14 && i % 2 == 1 ? c.after : 0);
+        };
+        directory.write("games", "[Event \"a\"]\n[Round \"1\"]\n" + shuttle(30, comment));
+        const Ending ending = directory.run(scan_arguments(1, "games"));
+        EXPECT_EQ(ending.lines, Lines{"games= 1, positions= 0"});
+        const Lines lines = split(directory.read("tmp.pgn"), '\n');
+        ASSERT_GT(lines.size(), 18U);
+        EXPECT_EQ(lines[2], "[Tag \"game_1\"]");
+        const std::string am = "rnbqkb1r/pppppppp/5n2/8/8/5N2/PPPPPPPP/RNBQKB1R w KQkq - am Ng1;";
+        const std::string bm = "rnbqkb1r/pppppppp/5n2/8/8/8/PPPPPPPP/RNBQKBNR b KQkq - bm Ng8;";
+        EXPECT_EQ(lines[3 + 14], "  8.  Ng1     {  0.00" + (c.blunder ? " ? " + am : "") + "}");
+        EXPECT_EQ(lines[3 + 15], format("      Ng8     { %5.2f", -c.after / 100.0) +
+                                     (c.blunder ? " ! " + bm : "") + "}");
+        EXPECT_EQ(directory.read("tmpX.epd"), c.blunder ? bm + "\n" : "");
+    }
+}
+
+// Nothing is refused, whatever the file is like, and every game is counted.
+TEST(PgnScan, OddFiles) {
+    std::error_code error;
+    int files = 0;
+    const ToolDirectory directory;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::string(PGN_DIRECTORY) + "odd", error)) {
+        std::string content = file_content(entry.path());
+        if (content.starts_with("\xEF\xBB\xBF")) content.erase(0, 3);
+        int games = 0;
+        for (const std::string& line : split(content, '\n')) {
+            games += line.starts_with("[") && line.find("Event ") != std::string::npos;
+        }
+        const Ending ending = directory.run(scan_arguments(1, entry.path()));
+        EXPECT_EQ(ending.status, 0) << entry.path();
+        ASSERT_FALSE(ending.lines.empty());
+        EXPECT_EQ(ending.lines.back(), format("games= %d, positions= 0", games)) << entry.path();
+        ++files;
+    }
+    if (files == 0) GTEST_SKIP() << "the files are not there";
+}
+
+TEST(PgnScan, LongGame) {
+    const ToolDirectory directory;
+    directory.write("games", "[Event \"a\"]\n" + shuttle(3000, even) + "[Event \"b\"]\n" +
+                                 shuttle(8, no_comment) + "{ never closed");
+    const Ending ending = directory.run(scan_arguments(1, "games"));
+    EXPECT_EQ(ending.lines, Lines{"games= 2, positions= 0"});
+    EXPECT_NE(ending.errors.find("game 1 is longer than 800 plies"), std::string::npos);
+    EXPECT_NE(ending.errors.find("never closed"), std::string::npos);
+    const std::string listing = directory.read("tmp.pgn");
+    EXPECT_EQ(std::count(listing.begin(), listing.end(), '\n'), 1 + 800 + 1 + 1 + 8 + 1 + 1);
+}
+
+TEST(PgnScan, Failures) {
+    const ToolDirectory directory;
+    const Ending missing = directory.run(scan_arguments(2, "games"));
+    EXPECT_EQ(missing.status, 0);
+    EXPECT_EQ(missing.lines, Lines{});
+    EXPECT_EQ(missing.errors, "");
+    if (!directory.make_full("tmp.epd")) GTEST_SKIP() << "no such device";
+    directory.write("games", "[Event \"a\"]\n" + shuttle(8, no_comment) + "\n");
+    const Ending full = directory.run(scan_arguments(3, "games"));
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.errors.find("tmp.epd"), std::string::npos) << full.errors;
+}
+
+// A long scan ends early, and its file holds whole records and the closing line end.
+TEST(PgnScan, EarlyEnd) {
+    const ToolDirectory directory;
+    std::string games;
+    for (int i = 0; i < 20000; ++i) {
+        games += "[Event \"a\"]\n" + shuttle(60, even);
+    }
+    directory.write("games", games);
+    void (*const ends[])(Process&) = {[](Process& p) {
+                                          p.send({"isready", "quit"});
+                                      },
+                                      [](Process& p) { p.send({"stop"}); },
+                                      [](Process& p) { p.close_input(); },
+                                      [](Process& p) { p.interrupt(); }};
+    for (const auto end : ends) {
+        Process process(scan_arguments(2, "games"), directory.path());
+        process.read_to("game 100");
+        end(process);
+        const Ending ending = process.wait();
+        EXPECT_EQ(ending.status, 0);
+        ASSERT_FALSE(ending.lines.empty());
+        EXPECT_TRUE(matches(ending.lines.back(), "games= \\d{3,4}, positions= \\d+"))
+            << ending.lines.back();
+        const std::string written = directory.read("tmp.epd");
+        const auto lines = std::count(written.begin(), written.end(), '\n');
+        EXPECT_TRUE(ending.lines.back().ends_with(format("positions= %d", int(lines - 1))));
+        EXPECT_TRUE(written.ends_with("c9 \"1/2-1/2\";\n\n"));
+    }
+}
+
+}  // namespace
+}  // namespace quon::test
