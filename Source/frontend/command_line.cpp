@@ -160,9 +160,8 @@ void show_help(const Argument&, RunMode&) {
         text += format("  %-18s %s\n", word.c_str(), row.help);
     }
     text +=
-        "\nOther words are ignored. Without a switch that says \"and end\" or \"write\", commands "
-        "are "
-        "read from standard input.";
+        "\nOther words are ignored. Without a benchmark or another tool, commands are read from "
+        "standard input.";
     engine_print(text);
 }
 

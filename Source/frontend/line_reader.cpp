@@ -88,4 +88,10 @@ bool next_piece(LineReader& reader, LinePiece& piece) {
 
 bool read_failed(const LineReader& reader) { return std::ferror(reader.file.get()) != 0; }
 
+bool read_well(const LineReader& reader, const std::string& path) {
+    if (!read_failed(reader)) return true;
+    std::fprintf(stderr, "quon: %s cannot be read\n", path.c_str());
+    return false;
+}
+
 }  // namespace quon

@@ -48,5 +48,7 @@ bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
 // makes read_failed true.
 bool next_piece(LineReader& reader, LinePiece& piece);
 bool read_failed(const LineReader& reader);
+// The opposite, and says on standard error what failed.
+bool read_well(const LineReader& reader, const std::string& path);
 
 }  // namespace quon

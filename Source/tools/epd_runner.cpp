@@ -164,6 +164,7 @@ void print_statistics(const Suite& suite) {
 bool run_test_suite(const std::string& path) {
     Suite suite;
     if (!open_lines(suite.reader, path, MAX_LINE)) return true;
+    if (overwrites_input(path, UNSOLVED_NAME)) return false;
     if (!create_output(suite.unsolved, UNSOLVED_NAME)) return true;
     suite.progress = start_progress();
     suite.show_status = !tells_searches() || !output_is_terminal();
@@ -180,7 +181,8 @@ bool run_test_suite(const std::string& path) {
     }
     end_progress(suite.progress);
     print_statistics(suite);
-    return close_output(suite.unsolved) && !output_lost();
+    const bool written = close_output(suite.unsolved) && !output_lost();
+    return read_well(suite.reader, path) && written;
 }
 
 }  // namespace quon

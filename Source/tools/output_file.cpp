@@ -1,6 +1,17 @@
 #include "tools/output_file.h"
 
+#include <filesystem>
+
 namespace quon {
+
+bool overwrites_input(const std::string& input, const std::string& output) {
+    std::error_code unknown;
+    const bool same = std::filesystem::equivalent(input, output, unknown);
+    if (same) {
+        std::fprintf(stderr, "quon: %s would be overwritten while it is read\n", input.c_str());
+    }
+    return same;
+}
 
 bool create_output(OutputFile& output, const std::string& name) {
     output = {name, nullptr};

@@ -15,6 +15,8 @@ struct OutputFile {
     bool failed = false;
 };
 
+// True, and said on standard error, if a tool would overwrite the file that it reads.
+bool overwrites_input(const std::string& input, const std::string& output);
 // An empty file in place of an older one; false if it cannot be created.
 bool create_output(OutputFile& output, const std::string& name);
 void write_text(OutputFile& output, std::string_view text);

@@ -14,6 +14,7 @@ namespace quon {
 
 namespace {
 
+constexpr char BLUNDERS_NAME[] = "tmpX.epd";
 constexpr std::size_t MAX_LINE = 254;  // characters; a longer line is taken as several
 constexpr int TOLD_GAMES = 100;        // a line on standard output for so many
 constexpr int PIECES_PER_LOOK = 256;   // between two looks at the input
@@ -86,9 +87,12 @@ void read_games(Scan& scan) {
 bool scan_pgn(const std::string& path, int variant) {
     Scan scan{};
     scan.variant = &scan_variants[variant - 1];
-    if (!open_lines(scan.lines, path, MAX_LINE) ||
-        !create_output(scan.output.main, scan.variant->main_name) ||
-        !create_output(scan.output.blunders, "tmpX.epd")) {
+    if (!open_lines(scan.lines, path, MAX_LINE)) return true;
+    for (const char* name : {scan.variant->main_name, BLUNDERS_NAME}) {
+        if (overwrites_input(path, name)) return false;
+    }
+    if (!create_output(scan.output.main, scan.variant->main_name) ||
+        !create_output(scan.output.blunders, BLUNDERS_NAME)) {
         return true;
     }
     options.log_enabled = true;
@@ -100,7 +104,7 @@ bool scan_pgn(const std::string& path, int variant) {
     const bool written = close_output(scan.output.main) & close_output(scan.output.blunders);
     print_unlogged(
         format("games= %d, positions= %.0f\n", scan.reader.games, double(scan.output.positions)));
-    return written && !output_lost();
+    return read_well(scan.lines, path) && written && !output_lost();
 }
 
 }  // namespace quon

@@ -409,6 +409,12 @@ TEST(PgnScan, Failures) {
     EXPECT_EQ(missing.status, 0);
     EXPECT_EQ(missing.lines, Lines{});
     EXPECT_EQ(missing.errors, "");
+    directory.write("tmp.pgn", "1. e4");
+    EXPECT_EQ(directory.run(scan_arguments(1, "tmp.pgn")).status, 1);
+    EXPECT_EQ(directory.read("tmp.pgn"), "1. e4") << "not overwritten while it is read";
+    const Ending unreadable = directory.run(scan_arguments(1, directory.path()));
+    EXPECT_EQ(unreadable.status, 1);
+    EXPECT_NE(unreadable.errors.find("cannot be read"), std::string::npos) << unreadable.errors;
     if (!directory.make_full("tmp.epd")) GTEST_SKIP() << "no such device";
     directory.write("games", "[Event \"a\"]\n" + shuttle(8, no_comment) + "\n");
     const Ending full = directory.run(scan_arguments(3, "games"));
