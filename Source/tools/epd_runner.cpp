@@ -60,6 +60,7 @@ bool next_record(Suite& suite, EpdRecord& record) {
         position_from_fen(game.position, record.fen);
         const char* const problem = position_problem(game.position);
         if (problem == nullptr) return true;
+        end_progress(suite.progress);
         std::fprintf(stderr, "quon: %s: illegal position: %s\n", record.fen.c_str(), problem);
     }
     return false;

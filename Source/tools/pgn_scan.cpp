@@ -31,6 +31,7 @@ void write_game(Scan& scan) {
     GameReader& reader = scan.reader;
     if (reader.moves.empty()) return;
     if (reader.cut) {
+        end_progress(scan.progress);
         std::fprintf(stderr, "quon: game %d is longer than %d plies and is cut\n", reader.games,
                      int(MAX_SCAN_MOVES));
     }
