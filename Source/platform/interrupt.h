@@ -7,7 +7,9 @@ namespace quon {
 // second one ends the process at once. Main thread, after init_events.
 void catch_interrupts();
 
-// True once one has come.
+// True once one has come since then.
 bool interrupted();
+// From now on the first one ends the process again.
+void release_interrupts();
 
 }  // namespace quon

@@ -183,6 +183,7 @@ bool run_test_suite(const std::string& path) {
     end_progress(suite.progress);
     print_statistics(suite);
     const bool written = close_output(suite.unsolved) && !output_lost();
+    end_tool_input();
     return read_well(suite.reader, path) && written;
 }
 

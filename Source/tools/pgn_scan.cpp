@@ -103,6 +103,7 @@ bool scan_pgn(const std::string& path, int variant) {
     end_progress(scan.progress);
     write_text(scan.output.main, "\n");
     const bool written = close_output(scan.output.main) & close_output(scan.output.blunders);
+    end_tool_input();
     print_unlogged(
         format("games= %d, positions= %.0f\n", scan.reader.games, double(scan.output.positions)));
     return read_well(scan.lines, path) && written && !output_lost();

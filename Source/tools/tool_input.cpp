@@ -41,6 +41,8 @@ void start_tool_input() {
     listening = !input_ended();
 }
 
+void end_tool_input() { release_interrupts(); }
+
 ToolWish tool_wish(int wait_ms) {
     if (wait_ms > 0) wait_for_event(wait_ms, !input_ended());
     hear();

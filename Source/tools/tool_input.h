@@ -15,6 +15,9 @@ enum class ToolWish {
 // end the tool.
 void start_tool_input();
 
+// At its end, so that Ctrl-C ends the process again.
+void end_tool_input();
+
 // The strongest wish so far. Looks at the input without waiting, or sleeps first, for at most
 // wait_ms or until something arrives or a search thread is done.
 ToolWish tool_wish(int wait_ms = 0);

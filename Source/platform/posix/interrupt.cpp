@@ -22,14 +22,21 @@ void note_signal(int) {
     errno = saved_errno;
 }
 
-}  // namespace
-
-void catch_interrupts() {
+void set_handler(void (*handler)(int)) {
     struct sigaction action {};
-    action.sa_handler = note_signal;
+    action.sa_handler = handler;
     action.sa_flags = SA_RESTART | int(SA_RESETHAND);
     for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
 }
+
+}  // namespace
+
+void catch_interrupts() {
+    caught = false;
+    set_handler(note_signal);
+}
+
+void release_interrupts() { set_handler(SIG_DFL); }
 
 bool interrupted() { return caught; }
 
