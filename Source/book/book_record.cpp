@@ -40,7 +40,7 @@ bool write_block(RecordWriter& writer) {
 }  // namespace
 
 RecordReader open_records(const std::string& path, int first) {
-    RecordReader reader{BookFile(std::fopen(path.c_str(), "rb")), {}};
+    RecordReader reader{OwnedFile(std::fopen(path.c_str(), "rb")), {}};
     if (first > 0 && reader &&
         std::fseek(reader.file.get(), long{first} * long{RECORD_SIZE}, SEEK_SET) != 0) {
         reader.file.reset();
@@ -60,7 +60,7 @@ bool read_record(RecordReader& reader, BookRecord& record) {
 bool read_failed(const RecordReader& reader) { return std::ferror(reader.file.get()) != 0; }
 
 RecordWriter create_records(const std::string& path) {
-    return {BookFile(std::fopen(path.c_str(), "wb")), {}};
+    return {OwnedFile(std::fopen(path.c_str(), "wb")), {}};
 }
 
 bool write_record(RecordWriter& writer, const BookRecord& record) {

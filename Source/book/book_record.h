@@ -2,12 +2,11 @@
 // One position of a book: how often the side that moved into it went on to win, lose or draw.
 // On disk 14 bytes, little-endian: key16, key32, losses, wins, draws, and two zero bytes.
 
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "book/book_key.h"
+#include "frontend/close_file.h"
 
 namespace quon {
 
@@ -29,22 +28,17 @@ constexpr bool stands_before(const BookRecord& a, const BookRecord& b) {
     return sort_number(a.key) > sort_number(b.key);
 }
 
-struct CloseBookFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using BookFile = std::unique_ptr<std::FILE, CloseBookFile>;
-
 // A book file read or written from front to back, many records at a time. An empty `file` means
 // that it could not be opened; errno holds the reason.
 struct RecordReader {
-    BookFile file;
+    OwnedFile file;
     std::vector<u8> block;
     std::size_t next = 0;  // first byte of the block not handed out
 
     explicit operator bool() const { return file != nullptr; }
 };
 struct RecordWriter {
-    BookFile file;
+    OwnedFile file;
     std::vector<u8> block;
 
     explicit operator bool() const { return file != nullptr; }

@@ -2,13 +2,12 @@
 // Text files of any size and any content, piece by piece in bounded memory. A line longer than the
 // reader's limit comes in several pieces.
 
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "board/types.h"
+#include "frontend/close_file.h"
 
 namespace quon {
 
@@ -24,12 +23,8 @@ struct LinePiece {
     bool ends_line;  // true for a last line without a line end as well
 };
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 struct LineReader {
-    std::unique_ptr<std::FILE, CloseFile> file;
+    OwnedFile file;
     std::size_t limit = 0;  // characters of a piece
     LongLine long_line = LongLine::AT_LIMIT;
     std::vector<char> buffer;

@@ -5,13 +5,13 @@
 #include <string>
 #include <string_view>
 
-#include "frontend/line_reader.h"
+#include "frontend/close_file.h"
 
 namespace quon {
 
 struct OutputFile {
     std::string name;
-    std::unique_ptr<std::FILE, CloseFile> file;
+    OwnedFile file;
     bool failed = false;
 };
 
