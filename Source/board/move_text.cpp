@@ -120,11 +120,7 @@ MoveForms move_forms(const Position& p, const MoveEntry& entry) {
     return forms;
 }
 
-namespace {
-
-// The text in the spelling of the forms: no check or mate sign, "=Q" for a promotion, 'o' for
-// castling.
-std::string normalized(std::string_view input) {
+std::string normalized_san(std::string_view input) {
     std::string text(input.substr(0, input.find('+')));
     while (!text.empty() && text.back() == '#') text.pop_back();
     if (text.empty()) return text;
@@ -139,6 +135,8 @@ std::string normalized(std::string_view input) {
     }
     return text;
 }
+
+namespace {
 
 // What a text tells of its move before any move is written out.
 struct Clues {
@@ -176,7 +174,7 @@ bool matches(const MoveForms& forms, std::string_view text) {
 
 bool parse_san(const Position& p, std::string_view input, Move& out_move) {
     out_move = NO_MOVE;
-    const std::string text = normalized(input);
+    const std::string text = normalized_san(input);
     if (text.empty()) return false;
     const Clues clues = clues_of(text);
     MoveEntry list[MAX_LIST];
@@ -195,8 +193,6 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
     if (count == 1) out_move = found;
     return count == 1;
 }
-
-std::string normalized_san(std::string_view text) { return normalized(text); }
 
 namespace {
 
