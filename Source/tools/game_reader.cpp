@@ -37,7 +37,7 @@ i16 to_score(double centipawns) {
 
 // Centipawns from White's view, up to the next comma.
 i16 white_view_score(std::string_view text, int mover) {
-    const std::string_view number = take_token(text, ",");
+    const std::string_view number = text.substr(0, text.find(','));
     const int score = number.empty() ? UNREADABLE_SCORE : to_score(double(to_integer(number)));
     return i16(mover == WHITE ? score : -score);
 }

@@ -32,7 +32,7 @@ struct GameReader {
     GameResult result = GameResult::DRAW;  // stays from game to game until a tag changes it
     int games = 0;                         // "Event" tags so far
     bool cut = false;                      // the game had more moves than MAX_SCAN_MOVES
-    int comment_depth = 0;                 // open braces; they nest, also across lines
+    i64 comment_depth = 0;                 // open braces; they nest, also across lines
     std::string comment;                   // since the last move
 };
 
