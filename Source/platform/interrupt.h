@@ -4,12 +4,14 @@
 namespace quon {
 
 // From now on the first Ctrl-C, or request to end, is only noted and wakes the main thread; a
-// second one ends the process at once. Main thread, after init_events.
+// second one ends the process at once. One that the process was started to ignore, as in the
+// background of a shell, stays ignored. Main thread, after init_events.
 void catch_interrupts();
 
 // True once one has come since then.
 bool interrupted();
-// From now on the first one ends the process again.
+
+// What they did before catch_interrupts they do again.
 void release_interrupts();
 
 }  // namespace quon

@@ -22,21 +22,29 @@ void note_signal(int) {
     errno = saved_errno;
 }
 
-void set_handler(void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART | int(SA_RESETHAND);
-    for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
-}
+struct Caught {
+    int signal;
+    struct sigaction former;
+};
+
+Caught signals[] = {{SIGINT, {}}, {SIGTERM, {}}};
 
 }  // namespace
 
 void catch_interrupts() {
     caught = false;
-    set_handler(note_signal);
+    struct sigaction action {};
+    action.sa_handler = note_signal;
+    action.sa_flags = SA_RESTART | int(SA_RESETHAND);
+    for (Caught& s : signals) {
+        sigaction(s.signal, nullptr, &s.former);
+        if (s.former.sa_handler != SIG_IGN) sigaction(s.signal, &action, nullptr);
+    }
 }
 
-void release_interrupts() { set_handler(SIG_DFL); }
+void release_interrupts() {
+    for (const Caught& s : signals) sigaction(s.signal, &s.former, nullptr);
+}
 
 bool interrupted() { return caught; }
 
