@@ -2,7 +2,6 @@
 
 #include "frontend/startup.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -86,7 +85,7 @@ bool start(const CommandLine& line, RunMode& mode) {
     return true;
 }
 
-bool run_protocol() {
+void run_protocol() {
     position_from_fen(game.position, START_FEN);
     calibrate();
     apply_search_params();
@@ -96,22 +95,38 @@ bool run_protocol() {
     control.go_request = NO_SEARCH;
     control.quit_requested = false;
     main_loop();
-    return true;
 }
 
-// What the command line can ask for; false from a tool whose output could not be written.
-struct JobRow {
+// A tool that the command line can ask for; false if its files could not be read or written.
+struct Tool {
     Job job;
     bool (*run)(const RunMode& mode);
 };
 
-constexpr JobRow JOBS[] = {
+constexpr Tool TOOLS[] = {
     {Job::TEST_SUITE, [](const RunMode&) { return run_test_suite(options.tune_file); }},
     {Job::PGN_SCAN, [](const RunMode& m) { return scan_pgn(m.scan_file, m.scan_variant); }},
     {Job::BENCH,
-     [](const RunMode& m) { return run_bench(m.bench_variant, m.bench_single_thread); }},
-    {Job::PROTOCOL, [](const RunMode&) { return run_protocol(); }},
+     [](const RunMode& m) {
+         run_bench(m.bench_variant, m.bench_single_thread);
+         return true;
+     }},
 };
+
+bool run_tool(const Tool& tool, const RunMode& mode) {
+    const bool done = tool.run(mode);
+    if (output_lost()) std::fputs("quon: standard output cannot be written\n", stderr);
+    return done && !output_lost();
+}
+
+// False if a tool failed.
+bool run_job(const RunMode& mode) {
+    for (const Tool& tool : TOOLS) {
+        if (tool.job == mode.job) return run_tool(tool, mode);
+    }
+    run_protocol();
+    return true;
+}
 
 void shut_down() {
     destroy_threads();
@@ -128,9 +143,7 @@ int run_program(const std::vector<std::string>& words) {
     if (line.exit_status) return *line.exit_status;
     RunMode mode;
     if (!start(line, mode)) return 1;
-    const auto* const row = std::find_if(std::begin(JOBS), std::end(JOBS),
-                                         [&](const JobRow& j) { return j.job == mode.job; });
-    const bool done = row->run(mode);
+    const bool done = run_job(mode);
     shut_down();
     return done ? 0 : 1;
 }

@@ -13,6 +13,8 @@ enum class InputState { OPEN, ENDED };
 // Appends whatever standard input holds now; never waits. ENDED once the input is closed or broken
 // and everything it held has been handed out. A console hands out whole lines.
 InputState read_input(std::string& bytes);
+// True if the file of that name is what standard input reads: then a tool takes its bytes as data.
+bool is_standard_input(const std::string& path);
 
 // Sleeps until input is waiting, wake_main_thread is called, or timeout_ms have passed (negative:
 // no limit). With watch_input false input does not end the sleep.

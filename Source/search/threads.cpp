@@ -132,6 +132,11 @@ void wait_for_idle_threads() {
     }
 }
 
+void search_in_main_thread() {
+    thread_prepare(thread_data(0));
+    iterate(thread_data(0));
+}
+
 int numa_node_for(int index) {
     const auto topology = read_topology();
     if (!topology) return -1;

@@ -12,7 +12,6 @@
 #include "search/hash.h"
 #include "search/report.h"
 #include "search/run.h"
-#include "search/search.h"
 #include "search/threads.h"
 #include "search/time.h"
 
@@ -58,15 +57,9 @@ void search_with_all_threads() {
     }
 }
 
-void search_in_main_thread() {
-    ThreadData& thread = thread_data(0);
-    thread_prepare(thread);
-    iterate(thread);
-}
-
 }  // namespace
 
-bool run_bench(int variant, bool single_thread) {
+void run_bench(int variant, bool single_thread) {
     limits.fixed_time = SECONDS_PER_POSITION;
     options.output_delay = NEVER;
     if (single_thread || limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;
@@ -92,7 +85,6 @@ bool run_bench(int variant, bool single_thread) {
     engine_print(format("total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time,
                         total_nodes, total_nodes / total_time));
     control.quit_requested = true;
-    return true;
 }
 
 }  // namespace quon

@@ -15,7 +15,6 @@
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/report.h"
-#include "search/search.h"
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
@@ -36,7 +35,7 @@ struct Suite {
     LineReader reader;
     OutputFile unsolved;
     Progress progress;
-    bool show_status;  // the status line would not get between the lines of the searches
+    bool status_wanted;  // the status line would not get between the lines of the searches
     int count = 0;
     int correct = 0;
     u64 nodes = 0;
@@ -67,35 +66,33 @@ bool next_record(Suite& suite, EpdRecord& record) {
 }
 
 void show_status(Suite& suite) {
-    if (!suite.show_status || !progress_due(suite.progress)) return;
-    show_progress(suite.progress, format("position %d, %d correct", suite.count, suite.correct),
+    if (!suite.status_wanted || !progress_due(suite.progress)) return;
+    show_progress(suite.progress,
+                  format("position %d, %d correct, %.0fK nodes/s", suite.count, suite.correct,
+                         double(suite.nodes) / (suite.seconds + 0.01) / 1000),
                   double(suite.reader.bytes_read), double(suite.reader.file_size));
 }
 
-ToolWish search_with_threads(Suite& suite) {
+// Both searches return true when the run is to end.
+bool search_deep(Suite& suite) {
     start_search_threads();
-    ToolWish wish = tool_wish();
+    bool ending = end_wished();
     while (busy_threads() != 0) {
         time_check();
-        wish = tool_wish(CHECK_MS);
-        if (wish == ToolWish::STOP && !stopped()) control.stop_flag = STOP;
+        ending = end_wished(CHECK_MS);
         show_status(suite);
     }
-    return wish;
+    return ending;
 }
 
 // Looking at the input would cost as much as the shortest searches: it is done now and then.
-ToolWish search_in_main_thread(Suite& suite) {
-    ThreadData& thread = thread_data(0);
-    thread_prepare(thread);
-    iterate(thread);
-    run.shared_score = thread.root_score;
+bool search_shallow(Suite& suite) {
+    search_in_main_thread();
+    run.shared_score = thread_data(0).root_score;
     show_status(suite);
-    if ((suite.count & 255) == 255) {
-        time_check();
-        return tool_wish();
-    }
-    return interrupted() ? ToolWish::STOP : ToolWish::NONE;
+    if ((suite.count & 255) != 255) return interrupted();
+    time_check();
+    return end_wished();
 }
 
 bool read_move(const std::string& text, Move& move) {
@@ -123,8 +120,8 @@ void print_search() {
                           int(run.shared_score), nodes, nodes / (run.elapsed + 0.001) / 1000));
 }
 
-// Searches the game position, which stands at the record.
-ToolWish run_record(Suite& suite, const EpdRecord& record) {
+// Searches the game position, which stands at the record; true when the run is to end.
+bool run_record(Suite& suite, const EpdRecord& record) {
     ++suite.count;
     if (tells_searches()) {
         engine_print(format("pos= %d", suite.count));
@@ -133,8 +130,8 @@ ToolWish run_record(Suite& suite, const EpdRecord& record) {
     }
     if (limits.depth_limit > 1) hash_clear();
     time_setup();
-    const ToolWish wish = limits.depth_limit > SHALLOW_DEPTH ? search_with_threads(suite)
-                                                             : search_in_main_thread(suite);
+    const bool ending =
+        limits.depth_limit > SHALLOW_DEPTH ? search_deep(suite) : search_shallow(suite);
     update_elapsed();
     collect_stats();
     suite.nodes += totals.nodes;
@@ -144,7 +141,7 @@ ToolWish run_record(Suite& suite, const EpdRecord& record) {
     judge(suite, record);
     if (tells_searches()) print_search();
     control.search_mode = NO_SEARCH;
-    return wish;
+    return ending;
 }
 
 void print_statistics(const Suite& suite) {
@@ -168,21 +165,20 @@ bool run_test_suite(const std::string& path) {
     if (overwrites_input(path, UNSOLVED_NAME)) return false;
     if (!create_output(suite.unsolved, UNSOLVED_NAME)) return true;
     suite.progress = start_progress();
-    suite.show_status = !tells_searches() || !output_is_terminal();
-    start_tool_input();
+    suite.status_wanted = !tells_searches() || !output_is_terminal();
+    start_tool_input(path);
     engine_print(format("Analyzing %s...", path.c_str()));
     init_eval_tables();
     apply_search_params();
     if (limits.depth_limit <= 1) options.hash_mode = 0;
-    ToolWish wish = ToolWish::NONE;
+    bool ending = false;
     EpdRecord record;
-    while (wish == ToolWish::NONE && !suite.unsolved.failed && !output_lost() &&
-           next_record(suite, record)) {
-        wish = run_record(suite, record);
+    while (!ending && !suite.unsolved.failed && next_record(suite, record)) {
+        ending = run_record(suite, record);
     }
     end_progress(suite.progress);
     print_statistics(suite);
-    const bool written = close_output(suite.unsolved) && !output_lost();
+    const bool written = close_output(suite.unsolved);
     end_tool_input();
     return read_well(suite.reader, path) && written;
 }

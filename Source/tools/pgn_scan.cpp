@@ -55,23 +55,23 @@ void take_tag(Scan& scan, std::string_view line) {
     }
 }
 
-bool output_failed(const Scan& scan) {
-    return scan.output.main.failed || scan.output.blunders.failed || output_lost();
-}
-
 // Somebody wants the scan to end, or there is no use in going on.
 bool must_end(Scan& scan) {
     if (progress_due(scan.progress)) {
-        show_progress(scan.progress, format("game %d", scan.reader.games),
-                      double(scan.lines.bytes_read), double(scan.lines.file_size));
+        const double seconds = progress_seconds(scan.progress);
+        const auto bytes = double(scan.lines.bytes_read);
+        show_progress(scan.progress,
+                      format("game %d, %.0f games/s, %.1f MB/s", scan.reader.games,
+                             scan.reader.games / seconds, bytes / seconds / 1e6),
+                      bytes, double(scan.lines.file_size));
     }
-    return tool_wish() != ToolWish::NONE || output_failed(scan);
+    return end_wished() || scan.output.main.failed || scan.output.blunders.failed;
 }
 
 // Ends early without the game that is being read.
 void read_games(Scan& scan) {
     LinePiece piece;
-    for (int pieces = 1; next_piece(scan.lines, piece); ++pieces) {
+    for (i64 pieces = 1; next_piece(scan.lines, piece); ++pieces) {
         if (is_tag_line(piece.text)) {
             take_tag(scan, piece.text);
         } else {
@@ -98,15 +98,16 @@ bool scan_pgn(const std::string& path, int variant) {
     }
     options.log_enabled = true;
     scan.progress = start_progress();
-    start_tool_input();
+    start_tool_input(path);
     read_games(scan);
     end_progress(scan.progress);
     write_text(scan.output.main, "\n");
-    const bool written = close_output(scan.output.main) & close_output(scan.output.blunders);
+    const bool main_written = close_output(scan.output.main);
+    const bool blunders_written = close_output(scan.output.blunders);
     end_tool_input();
     print_unlogged(
         format("games= %d, positions= %.0f\n", scan.reader.games, double(scan.output.positions)));
-    return read_well(scan.lines, path) && written && !output_lost();
+    return read_well(scan.lines, path) && main_written && blunders_written;
 }
 
 }  // namespace quon

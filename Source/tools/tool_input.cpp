@@ -2,13 +2,13 @@
 
 #include "tools/tool_input.h"
 
-#include <algorithm>
-#include <string>
-
 #include "frontend/input.h"
+#include "frontend/output.h"
+#include "frontend/uci.h"
 #include "frontend/words.h"
 #include "platform/events.h"
 #include "platform/interrupt.h"
+#include "search/control.h"
 
 namespace quon {
 
@@ -16,38 +16,57 @@ namespace {
 
 // Commands read in one call: a flood of lines must not hold the tool up.
 constexpr int COMMANDS_PER_CALL = 64;
+// Enough to hear all that a closed pipe still holds.
+constexpr int CALLS_AT_START = 1024;
 
-ToolWish wish = ToolWish::NONE;
-bool listening = true;  // the input was open when the tool started
+struct Heard {
+    std::string_view word;
+    StopFlag wish;
+};
 
-void raise_wish(ToolWish next) { wish = std::max(wish, next); }
+constexpr Heard HEARD[] = {{"isready", RUN}, {"stop", STOP}, {"quit", ABORT}};
+
+StopFlag wish = RUN;     // the first that was heard
+bool listening = false;  // standard input carries commands, and its end is one of them
+
+void raise_wish(StopFlag next) {
+    if (wish == RUN) wish = next;
+}
+
+void obey(const std::string& command) {
+    for (const Heard& heard : HEARD) {
+        if (heard.word != first_word(command)) continue;
+        handle_uci_command(command);
+        raise_wish(heard.wish);
+    }
+}
 
 void hear() {
     std::string command;
-    for (int i = 0; i < COMMANDS_PER_CALL && next_command(command); ++i) {
-        const std::string_view word = first_word(command);
-        if (word == "quit") raise_wish(ToolWish::FINISH);
-        if (word == "stop") raise_wish(ToolWish::STOP);
-    }
-    if (interrupted()) raise_wish(ToolWish::STOP);
+    for (int i = 0; i < COMMANDS_PER_CALL && listening && next_command(command); ++i) obey(command);
+    if (interrupted()) raise_wish(STOP);
 }
+
+bool all_heard() { return input_ended() && !command_pending(); }
 
 }  // namespace
 
-void start_tool_input() {
-    wish = ToolWish::NONE;
+void start_tool_input(const std::string& file) {
+    wish = RUN;
+    listening = !is_standard_input(file);
     catch_interrupts();
-    hear();
-    listening = !input_ended();
+    for (int i = 0; i < CALLS_AT_START && listening && !all_heard(); ++i) hear();
+    if (all_heard()) listening = false;
 }
 
 void end_tool_input() { release_interrupts(); }
 
-ToolWish tool_wish(int wait_ms) {
-    if (wait_ms > 0) wait_for_event(wait_ms, !input_ended());
+bool end_wished(int wait_ms) {
+    if (wait_ms > 0) wait_for_event(wait_ms, listening && !input_ended());
     hear();
-    if (listening && input_ended() && !command_pending()) raise_wish(ToolWish::FINISH);
-    return wish;
+    if (output_lost() || (listening && all_heard())) raise_wish(ABORT);
+    if (wish != RUN && !stopped()) control.stop_flag = wish;
+    return wish != RUN;
 }
 
 }  // namespace quon

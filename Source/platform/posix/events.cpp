@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -58,6 +59,13 @@ InputState read_input(std::string& bytes) {
     }
     const bool later = count < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK);
     return later ? InputState::OPEN : InputState::ENDED;
+}
+
+bool is_standard_input(const std::string& path) {
+    struct stat input {};
+    struct stat file {};
+    return fstat(STDIN_FILENO, &input) == 0 && stat(path.c_str(), &file) == 0 &&
+           input.st_dev == file.st_dev && input.st_ino == file.st_ino;
 }
 
 void wait_for_event(int timeout_ms, bool watch_input) {
