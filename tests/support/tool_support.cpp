@@ -1,5 +1,6 @@
 #include "support/tool_support.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -8,6 +9,12 @@
 #include <sstream>
 
 namespace quon::test {
+
+std::string file_content(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
 
 ToolDirectory::ToolDirectory()
     : path_(std::filesystem::temp_directory_path() / "quon-tool-XXXXXX") {
@@ -24,9 +31,7 @@ void ToolDirectory::write(const std::string& name, const std::string& content) c
 }
 
 std::string ToolDirectory::read(const std::string& name) const {
-    std::ostringstream content;
-    content << std::ifstream(path_ + "/" + name, std::ios::binary).rdbuf();
-    return content.str();
+    return file_content(path_ + "/" + name);
 }
 
 bool ToolDirectory::make_full(const std::string& name) const {
@@ -34,6 +39,10 @@ bool ToolDirectory::make_full(const std::string& name) const {
     if (!std::filesystem::exists("/dev/full", error)) return false;
     std::filesystem::create_symlink("/dev/full", path_ + "/" + name, error);
     return !error;
+}
+
+void ToolDirectory::make_awaited(const std::string& name) const {
+    if (mkfifo((path_ + "/" + name).c_str(), 0600) != 0) std::abort();
 }
 
 Ending ToolDirectory::run(const Lines& arguments) const { return Process(arguments, path_).wait(); }

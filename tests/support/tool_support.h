@@ -7,6 +7,8 @@
 
 namespace quon::test {
 
+std::string file_content(const std::string& path);  // "" if it is not there
+
 class ToolDirectory {
 public:
     ToolDirectory();
@@ -18,6 +20,9 @@ public:
     std::string read(const std::string& name) const;  // "" if it is not there
     // Makes a file for whose content there is no room; false where the system has no such device.
     bool make_full(const std::string& name) const;
+
+    // Makes a file that the program waits for when it opens it, until it is written.
+    void make_awaited(const std::string& name) const;
 
     // The program, with a standard input that stays open.
     Ending run(const Lines& arguments) const;
