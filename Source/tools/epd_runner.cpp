@@ -59,7 +59,7 @@ bool next_record(Suite& suite, EpdRecord& record) {
         position_from_fen(game.position, record.fen);
         const char* const problem = position_problem(game.position);
         if (problem == nullptr) return true;
-        end_progress(suite.progress);
+        end_progress();
         std::fprintf(stderr, "quon: %s: illegal position: %s\n", record.fen.c_str(), problem);
     }
     return false;
@@ -176,7 +176,7 @@ bool run_test_suite(const std::string& path) {
     while (!ending && !suite.unsolved.failed && next_record(suite, record)) {
         ending = run_record(suite, record);
     }
-    end_progress(suite.progress);
+    end_progress();
     print_statistics(suite);
     const bool written = close_output(suite.unsolved);
     end_tool_input();

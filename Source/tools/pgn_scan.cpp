@@ -31,7 +31,7 @@ void write_game(Scan& scan) {
     GameReader& reader = scan.reader;
     if (reader.moves.empty()) return;
     if (reader.cut) {
-        end_progress(scan.progress);
+        end_progress();
         std::fprintf(stderr, "quon: game %d is longer than %d plies and is cut\n", reader.games,
                      int(MAX_SCAN_MOVES));
     }
@@ -100,7 +100,7 @@ bool scan_pgn(const std::string& path, int variant) {
     scan.progress = start_progress();
     start_tool_input(path);
     read_games(scan);
-    end_progress(scan.progress);
+    end_progress();
     write_text(scan.output.main, "\n");
     const bool main_written = close_output(scan.output.main);
     const bool blunders_written = close_output(scan.output.blunders);
