@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "protocol/session.h"
+#include "syzygy/table_writer.h"
 
 namespace quon::test {
 namespace {
@@ -46,6 +47,20 @@ TEST(Protocol, Identity) {
     EXPECT_EQ(lines, expected);
     session.send({"quit"});
     EXPECT_EQ(session.wait().status, 0);
+}
+
+TEST(Protocol, TablebasesOfTheParameterFile) {
+    const TableDirectory directory;
+    directory.write("KQvK.rtbw", "");
+    for (const bool named : {true, false}) {
+        directory.write("quon.rc", named ? "SyzygyPath " + directory.path + "\n" : "");
+        Session session({"-nolog"}, directory.path);
+        session.read_to("info string et=");
+        EXPECT_EQ(session.answers({}), named ? Lines{"info string found 1 tablebases"} : Lines{});
+        EXPECT_TRUE(contains(
+            session.answers({"uci"}),
+            "option name SyzygyPath type string default " + (named ? directory.path : "")));
+    }
 }
 
 TEST(Protocol, OptionRepliesAndNewValues) {

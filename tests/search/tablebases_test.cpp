@@ -10,6 +10,7 @@
 #include "support/board_support.h"
 #include "support/search_support.h"
 #include "syzygy/reference_tables.h"
+#include "syzygy/table_writer.h"
 
 namespace quon::test {
 namespace {
@@ -88,7 +89,6 @@ TEST_F(TablebaseSearch, SpoiledByTheCount) {
 TEST_F(TablebaseSearch, WhenTablesAreAsked) {
     const std::string rook = "8/8/8/3k4/8/8/8/R3K3 w - -";
     const std::string castling = "8/8/8/3k4/8/8/8/R3K3 w Q -";
-    const std::string six = "8/2q5/8/3k4/8/2n5/8/RBK5 w - -";
     const struct {
         std::string fen;
         int depth5, depth6, largest, depth, result;
@@ -96,13 +96,35 @@ TEST_F(TablebaseSearch, WhenTablesAreAsked) {
         {rook, 1, 2, 5, 1, TB_WIN},           {rook, 1, 2, 5, 0, NO_TB_RESULT},
         {rook, 5, 2, 5, 4, NO_TB_RESULT},     {rook, 5, 9, 5, 5, TB_WIN},
         {castling, 1, 2, 5, 9, NO_TB_RESULT}, {rook, 1, 2, 2, 9, NO_TB_RESULT},
-        {six, 1, 2, 5, 9, NO_TB_RESULT},
     };
     for (const auto& c : cases) {
         options.syzygy_probe_depth5 = i16(c.depth5);
         options.syzygy_probe_depth6 = i16(c.depth6);
         tb_largest = c.largest;
         EXPECT_EQ(tb_wdl(make_game(c.fen)->position, c.depth), c.result) << c.fen;
+    }
+}
+
+// A table that is asked is found to be empty.
+TEST(TablebaseDepths, SixPiecesHaveTheirOwn) {
+    const SearchRig rig;
+    const TableDirectory directory;
+    for (const char* name : {"KQNvKR.rtbw", "KQNvKRB.rtbw"}) directory.write(name, "");
+    options.syzygy_probe_depth5 = 2;
+    options.syzygy_probe_depth6 = 5;
+    const std::string five = "8/2q5/8/3k4/8/2n5/8/R1K5 w - -";
+    const std::string six = "8/2q5/8/3k4/8/2n5/8/RBK5 w - -";
+    const struct {
+        std::string fen;
+        int depth;
+        bool asked;
+    } cases[] = {{five, 1, false}, {five, 2, true}, {six, 4, false}, {six, 5, true}};
+    for (const auto& c : cases) {
+        directory.load();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(tb_wdl(make_game(c.fen)->position, c.depth), NO_TB_RESULT);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.asked ? "Corrupted table.\n" : "")
+            << c.fen << " at " << c.depth;
     }
 }
 

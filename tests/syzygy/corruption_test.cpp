@@ -256,13 +256,9 @@ void fill(std::string& bytes, Random& random) {
     const size_t at = random_place(bytes, random);
     const size_t rest = bytes.size() - at;
     const size_t size = pick(random, 2) ? rest : std::min<size_t>(rest, 1 + random() % 256);
-    bytes.replace(at, size, size, pick(random, 2) ? '\0' : '\xFF');
-}
-void copy_piece(std::string& bytes, Random& random) {
-    const std::string piece = bytes.substr(random_place(bytes, random), 1 + random() % 64);
-    const size_t at = random_place(bytes, random);
-    const size_t size = std::min(piece.size(), bytes.size() - at);
-    bytes.replace(at, size, piece, 0, size);
+    std::string filling = garbage(size, random);
+    if (pick(random, 3) != 0) filling.assign(size, pick(random, 2) ? '\0' : '\xFF');
+    bytes.replace(at, size, filling);
 }
 void insert_or_erase(std::string& bytes, Random& random) {
     const size_t at = random_place(bytes, random);
@@ -272,16 +268,8 @@ void insert_or_erase(std::string& bytes, Random& random) {
         bytes.erase(at, 1 + random() % 8);
     }
 }
-void cut(std::string& bytes, Random& random) { bytes.resize(random_place(bytes, random)); }
-void extend(std::string& bytes, Random& random) { bytes += garbage(random() % 4096, random); }
-void replace_rest(std::string& bytes, Random& random) {
-    const size_t at = random_place(bytes, random);
-    bytes.replace(at, std::string::npos, garbage(bytes.size() - at, random));
-}
-
 using Damage = void (*)(std::string&, Random&);
-constexpr Damage DAMAGES[] = {flip_bits,  set_byte,        set_word, nudge_word, fill,
-                              copy_piece, insert_or_erase, cut,      extend,     replace_rest};
+constexpr Damage DAMAGES[] = {flip_bits, set_byte, set_word, nudge_word, fill, insert_or_erase};
 
 std::string damaged(const Original& original, Random& random) {
     std::string bytes = original.bytes;

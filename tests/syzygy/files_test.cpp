@@ -125,5 +125,36 @@ TEST(TableFiles, FailuresAreReportedOnce) {
     EXPECT_EQ(complaints("8/8/8/3k4/8/8/8/KN6 w - -"), "") << "never registered";
 }
 
+// The 64 distance tables used last are kept, here with the knowledge that they are damaged.
+TEST(TableFiles, DistanceTablesInTurn) {
+    constexpr std::size_t KEPT = 64;
+    const TableDirectory directory;
+    std::vector<ProbePosition> positions;
+    for (int pieces = 1; pieces <= 4; ++pieces) {
+        for (const std::string& side : sides_of(pieces)) {
+            if (side.find('P') != std::string::npos) continue;
+            directory.write(side + "vK.rtbw", constant_wdl_table(side + "vK", 4));
+            directory.write(side + "vK.rtbz", "");
+            positions.push_back(
+                probe_of("7k/8/8/8/8/8/8/" + side + std::to_string(7 - pieces) + " w - -"));
+        }
+    }
+    ASSERT_GT(positions.size(), KEPT);
+    directory.load();
+    const auto loaded = [&](std::size_t i) {
+        testing::internal::CaptureStderr();
+        int success = 1;
+        tb_probe_dtz(positions[i], success);
+        EXPECT_EQ(success, 0);
+        return testing::internal::GetCapturedStderr() == "Corrupted table.\n";
+    };
+    for (std::size_t i = 0; i < KEPT; ++i) EXPECT_TRUE(loaded(i)) << i;
+    EXPECT_FALSE(loaded(0));
+    EXPECT_TRUE(loaded(KEPT));
+    EXPECT_FALSE(loaded(0)) << "used later than the one that went";
+    EXPECT_FALSE(loaded(2));
+    EXPECT_TRUE(loaded(1));
+}
+
 }  // namespace
 }  // namespace quon::test

@@ -21,6 +21,10 @@ Move move_of(u32 result) {
     return make_code(result_from(result), result_to(result), PROMOTIONS[result_promotion(result)]);
 }
 
+u32 result_of(const ProbeMove& move) {
+    return u32(move.to) << 4 | u32(move.from) << 10 | u32(move.promotion) << 16;
+}
+
 std::vector<u32> all_results(const ProbePosition& position) {
     std::vector<u32> results(TB_MAX_MOVES + 1);
     tb_probe_root(position, results.data());
@@ -36,8 +40,7 @@ std::vector<Move> prober_moves(const ProbePosition& position) {
     list_moves(position, MoveKind::ALL, list);
     for (const ProbeMove& move : list) {
         if (!play(position, move, child)) continue;
-        const u32 squares = u32(move.to) << 4 | u32(move.from) << 10 | u32(move.promotion) << 16;
-        moves.push_back(move_of(squares));
+        moves.push_back(move_of(result_of(move)));
     }
     return moves;
 }
@@ -81,9 +84,7 @@ TEST(ProberMoves, AgreeWithTheBoard) {
             ProbePosition child{};
             list_moves(position, MoveKind::ALL, list);
             for (const ProbeMove& move : list) {
-                const u32 squares =
-                    u32(move.to) << 4 | u32(move.from) << 10 | u32(move.promotion) << 16;
-                if (move_of(squares) == next) play(position, move, child);
+                if (move_of(result_of(move)) == next) play(position, move, child);
             }
             make_move(p, next);
             expect_same_board(child, p);
@@ -160,6 +161,23 @@ TEST_F(RootProbe, ChoosesTheBestListedMove) {
         }));
     }
     EXPECT_GT(compared, 1000);
+}
+
+TEST_F(RootProbe, MarksEnPassant) {
+    int marked = 0;
+    for (const ReferenceRow& row : rows) {
+        const ProbePosition p = probe_of(row.fen);
+        if (p.ep == 0) continue;
+        SCOPED_TRACE(row.fen);
+        for (const u32 result : all_results(p)) {
+            const bool en_passant = has(p.pawns, result_from(result)) &&
+                                    file_of(result_from(result)) != file_of(result_to(result)) &&
+                                    !has(occupied(p), result_to(result));
+            ASSERT_EQ(result_en_passant(result), en_passant);
+            marked += en_passant;
+        }
+    }
+    EXPECT_GT(marked, 20);
 }
 
 // A win that needs d plies counts while d more fit below the hundred.

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/board_support.h"
+#include "syzygy/tbprobe_material.h"
 
 namespace quon::test {
 namespace {
@@ -314,6 +315,10 @@ Packed pack(const Values& values, const Packing& packing, u8 flags) {
 
 // ---- Files ----
 
+constexpr u32 WDL_MAGIC = 0x5D23E871;
+constexpr int TWO_SIDED = 1;     // material differs
+constexpr size_t CHECKSUM = 16;  // at the end, which no reader verifies
+
 // The positions with one side to move and, with a pawn, the pawn on one file.
 struct Section {
     int side;
@@ -368,7 +373,6 @@ std::vector<int> order_codes(int piece, const TableForm& form, int side) {
 // `sides` holds the sections of the sides in the file, one or two; each for all files of the pawn.
 std::string table_file(u32 magic, int piece, const TableForm& form,
                        const std::vector<std::vector<Section>>& sides) {
-    constexpr int TWO_SIDED = 1;  // material differs
     constexpr int WITH_PAWNS = 2;
     constexpr int MEN = 3;
     std::string bytes;
@@ -402,21 +406,20 @@ std::string table_file(u32 magic, int piece, const TableForm& form,
         pad_to(bytes, 64);
         bytes += table.blocks;
     }
-    constexpr size_t CHECKSUM = 16;  // which no reader verifies
     return bytes + std::string(CHECKSUM, '\xC5');
 }
 
-// Distances through a list of those that occur, the longest first. Lists for wins and losses come
-// first, then those for outcomes that the fifty-move rule changes, which do not occur here.
-void map_values(Section& section) {
+// Distances through a list of those that occur, the longest first.
+void map_values(Section& section, bool spoiled) {
     std::set<int, std::greater<>> distinct(section.values.begin(), section.values.end());
     distinct.erase(ANY);
     const Values list(distinct.begin(), distinct.end());
     const int size = section.flags & DTZ_WIDE ? 2 : 1;
+    const int used = (section.side == BLACK ? 1 : 0) + (spoiled ? 2 : 0);
     for (int outcome = 0; outcome < 4; ++outcome) {
-        const bool used = outcome == (section.side == BLACK ? 1 : 0);
-        put(section.map, size, used ? list.size() : 0);
-        for (const int value : used ? list : Values()) put(section.map, size, u64(value));
+        const int more = (outcome - used + 4) % 4 * list_step(section.flags);
+        put(section.map, size, list.size());
+        for (const int value : list) put(section.map, size, u64(value + more));
     }
     for (int& value : section.values) {
         if (value == ANY) continue;
@@ -425,7 +428,8 @@ void map_values(Section& section) {
 }
 
 bool in_plies(const TableForm& form) {
-    return (form.dtz_flags & (form.dtz_flags & DTZ_BLACK ? DTZ_LOSS_PLIES : DTZ_WIN_PLIES)) != 0;
+    return !form.spoiled &&
+           (form.dtz_flags & (form.dtz_flags & DTZ_BLACK ? DTZ_LOSS_PLIES : DTZ_WIN_PLIES)) != 0;
 }
 
 }  // namespace
@@ -437,15 +441,37 @@ std::string wdl_table(int piece, const TableForm& form) {
     std::vector<std::vector<Section>> sides;
     for (const int side : {WHITE, BLACK}) {
         sides.push_back(make_sections(s, form, side, [&](int king, int at, int enemy) {
-            constexpr int LOSS = 0;
             constexpr int DRAW = 2;
-            constexpr int WIN = 4;
-            if (has(s.won[side][king][at], enemy)) return side == WHITE ? WIN : LOSS;
+            const int loss = form.spoiled ? 1 : 0;
+            const int win = form.spoiled ? 3 : 4;
+            if (has(s.won[side][king][at], enemy)) return side == WHITE ? win : loss;
             const bool by_capture = side == BLACK && black_takes(king, at, enemy);
-            return by_capture && form.loose ? LOSS : DRAW;
+            return by_capture && form.loose ? loss : DRAW;
         }));
     }
-    return table_file(0x5D23E871, piece, form, sides);
+    return table_file(WDL_MAGIC, piece, form, sides);
+}
+
+std::string constant_wdl_table(std::string_view name, int outcome) {
+    const TableMaterial material = material_of_name(name);
+    std::vector<int> men;  // those that occur once come first
+    for (const bool single : {true, false}) {
+        for (int code = 0; code < 16; ++code) {
+            const int count = material.counts[code];
+            if ((count == 1) == single) men.insert(men.end(), size_t(count), code);
+        }
+    }
+    std::string bytes;
+    put(bytes, 4, WDL_MAGIC);
+    put(bytes, 1, men.size() << 4 | (material.symmetric ? 0 : TWO_SIDED));
+    put(bytes, 1, 0);  // the place of the leading group
+    for (const int code : men) put(bytes, 1, u64(code << 4 | code));
+    pad_to(bytes, 2);
+    for (int side = 0; side < (material.symmetric ? 1 : 2); ++side) {
+        put(bytes, 1, SINGLE_VALUE);
+        put(bytes, 1, u64(outcome));
+    }
+    return bytes + std::string(CHECKSUM, '\xC5');
 }
 
 std::string dtz_table(int piece, const TableForm& form) {
@@ -459,14 +485,15 @@ std::string dtz_table(int piece, const TableForm& form) {
     });
     for (Section& section : sections) {
         section.flags = form.dtz_flags;
-        if (form.dtz_flags & DTZ_MAPPED) map_values(section);
+        if (form.dtz_flags & DTZ_MAPPED) map_values(section, form.spoiled);
     }
     return table_file(0xA50C66D7, piece, form, {sections});
 }
 
 int stored_dtz(int dtz, const TableForm& form) {
-    if (in_plies(form) || (form.dtz_flags & DTZ_BLACK) == 0 || std::abs(dtz) <= 1) return dtz;
-    return dtz > 0 ? dtz - 1 : dtz + 1;
+    const int sign = dtz > 0 ? 1 : dtz < 0 ? -1 : 0;
+    const bool rounded = !in_plies(form) && (form.dtz_flags & DTZ_BLACK) && std::abs(dtz) > 1;
+    return dtz + sign * ((form.spoiled ? 100 : 0) - (rounded ? 1 : 0));
 }
 
 TableDirectory::TableDirectory() {

@@ -38,7 +38,12 @@ struct TableForm {
     bool
         loose;  // a position that a capture decides holds a loss and leaves the rest to the capture
     u8 dtz_flags;
+    bool spoiled = false;  // the fifty-move rule makes draws of all wins and losses
 };
+
+// A map has a list for each outcome: won, lost, won but drawn, lost but drawn. One holds the values
+// of the ending; the numbers in the one behind it (the first behind the last) are larger by this.
+constexpr int list_step(u8 dtz_flags) { return dtz_flags & DTZ_WIDE ? 300 : 60; }
 
 // "KQvK".
 std::string table_name(int piece);
@@ -46,8 +51,12 @@ std::string table_name(int piece);
 std::string wdl_table(int piece, const TableForm& form);
 std::string dtz_table(int piece, const TableForm& form);
 
+// A table for any material without pawns, with an outcome (0 lost to 4 won) for all positions.
+std::string constant_wdl_table(std::string_view name, int outcome);
+
 // The distance that `dtz_table` gives back for a position of known distance: the same, or one
-// nearer to zero where moves are stored and the plies are even.
+// nearer to zero where moves are stored and the plies are even; from a spoiled ending a hundred
+// more.
 int stored_dtz(int dtz, const TableForm& form);
 
 // A temporary directory with table files; when it goes, the tables are released.
