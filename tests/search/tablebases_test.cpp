@@ -184,28 +184,5 @@ TEST_F(TablebaseSearch, KeepsTheResult) {
     EXPECT_GT(kept, 40);
 }
 
-// What the search finds without tables is what the tables say.
-TEST_F(TablebaseSearch, AgreesWithASearchWithout) {
-    constexpr struct {
-        const char* fen;
-        int sign;  // of the score
-    } KNOWN[] = {
-        {"8/8/8/5K2/1Q6/6k1/8/8 w - -", 1},  {"8/8/8/3k4/8/8/1p6/K7 w - -", 0},
-        {"8/1P6/8/3k4/8/8/8/K7 w - -", 1},   {"8/8/8/8/5k2/8/5p1K/8 b - -", 1},
-        {"8/8/8/5K2/1q6/6k1/8/8 w - -", -1}, {"8/8/8/8/5k2/8/5P2/5K2 w - -", 0},
-    };
-    for (const auto& c : KNOWN) {
-        SCOPED_TRACE(c.fen);
-        SearchRig::search(c.fen, 8);
-        const int with = run.root_tb_result;
-        tb_init("");
-        const int without = SearchRig::search(c.fen, 14).score;
-        captured_output([] { tb_init(table_directory()); });
-        const int sign = with == TB_WIN ? 1 : with == TB_LOSS ? -1 : 0;
-        EXPECT_EQ(sign, c.sign);
-        EXPECT_EQ(without > 300 ? 1 : without < -300 ? -1 : 0, c.sign) << without;
-    }
-}
-
 }  // namespace
 }  // namespace quon::test
