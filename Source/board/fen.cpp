@@ -21,8 +21,6 @@ constexpr std::string_view FEN_PIECES = "-PNBRQK--pnbrqk";
 constexpr std::string_view DIAGRAM_PIECES = "-PNBRQK--onbrqk";
 constexpr std::string_view CASTLE_LETTERS = "KQkq";  // bit n of the rights
 
-bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-
 // Hands out a text character by character; 0 at its end.
 struct Reader {
     std::string_view text;
@@ -37,22 +35,6 @@ struct Reader {
         return text.substr(start, at - start);
     }
 };
-
-void clear(Position& p) {
-    GameRecord& record = *p.owner;
-    const u8 side = p.side;
-    p = Position{};
-    p.owner = &record;
-    p.side = side;
-    p.castle = 15;
-    p.ep = NO_SQUARE;
-    for (auto& list : p.plist) list[0] = NO_SQUARE;
-    record.game_ply = 0;
-    record.ply = 1;
-    record.last_move = NO_MOVE;
-    record.undo[0] = {};
-    record.undo[1] = {};
-}
 
 void put(Position& p, int piece, int square) {
     int count = 0;
@@ -121,16 +103,18 @@ bool drop_unsupported_rights(Position& p) {
     return p.castle != claimed;
 }
 
-void compute_keys(Position& p) {
+}  // namespace
+
+bool complete_position(Position& p) {
+    p.key = p.pawn_key = 0;
     for (int square = 0; square < 64; ++square) {
         if (p.board[square]) toggle_key(p, p.board[square], square);
     }
+    return drop_unsupported_rights(p);
 }
 
-}  // namespace
-
 void position_from_fen(Position& p, std::string_view text) {
-    clear(p);
+    clear_position(p);
     Reader reader{text};
     read_board(p, reader);
     const char side = reader.next();
@@ -138,9 +122,7 @@ void position_from_fen(Position& p, std::string_view text) {
     if (side == 'b') p.side = BLACK;
     read_castling(p, reader.field());
     read_ep(p, reader.field());
-    const bool dropped = drop_unsupported_rights(p);
-    compute_keys(p);
-    if (dropped) engine_print("Illegal EPD record");
+    if (complete_position(p)) engine_print("Illegal EPD record");
 }
 
 std::string position_to_fen(const Position& p) {
@@ -173,14 +155,18 @@ std::string position_to_fen(const Position& p) {
     return text;
 }
 
+char diagram_character(const Position& p, int square) {
+    const int piece = p.board[square];
+    const char empty = (rank_of(square) + file_of(square)) % 2 == 0 ? '+' : '-';
+    return piece ? DIAGRAM_PIECES[std::size_t(piece)] : empty;
+}
+
 void print_board(const Position& p) {
     std::string text = position_to_fen(p) + "\n";
     for (int rank = 7; rank >= 0; --rank) {
         for (int file = 0; file < 8; ++file) {
-            const int piece = p.board[make_square(file, rank)];
-            const char empty = (rank + file) % 2 == 0 ? '+' : '-';
             text += ' ';
-            text += piece ? DIAGRAM_PIECES[std::size_t(piece)] : empty;
+            text += diagram_character(p, make_square(file, rank));
         }
         text += '\n';
     }

@@ -19,7 +19,14 @@ void position_from_fen(Position& p, std::string_view text);
 // The four fields, without counters.
 std::string position_to_fen(const Position& p);
 
-// Prints FEN, diagram and side to move; Black's pawns are 'o'.
+// For a position put together from pieces: computes both keys and drops castling rights that the
+// pieces do not support; true if one was dropped.
+bool complete_position(Position& p);
+
+// The square in a diagram: a piece's letter, 'o' for Black's pawns, '+' or '-' when it is empty.
+char diagram_character(const Position& p, int square);
+
+// Prints FEN, diagram and side to move.
 void print_board(const Position& p);
 
 // Operands of the opcodes that the tools use; empty when absent.

@@ -140,6 +140,11 @@ bool is_pseudo_legal(const Position& p, Move move) {
     }
 }
 
+bool can_be_made(const Position& p, Move move) {
+    return move != NO_MOVE && position_problem(p) == nullptr && is_pseudo_legal(p, move) &&
+           is_legal(p, move);
+}
+
 bool has_legal_move(const Position& p) {
     MoveEntry list[MAX_LIST];
     const KingGuard guard = king_guard(p);

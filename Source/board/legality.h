@@ -26,6 +26,9 @@ int gives_check(const Position& p, const MoveEntry& entry);
 // True if the generators would produce the move in this position. Accepts any 16-bit code.
 bool is_pseudo_legal(const Position& p, Move move);
 
+// True if the code is a legal move here; false in a position that cannot be searched.
+bool can_be_made(const Position& p, Move move);
+
 bool has_legal_move(const Position& p);
 
 }  // namespace quon

@@ -170,18 +170,15 @@ bool matches(const MoveForms& forms, std::string_view text) {
     return forms.coord == text || forms.san == text || forms.file == text || forms.rank == text;
 }
 
-}  // namespace
-
-bool parse_san(const Position& p, std::string_view input, Move& out_move) {
-    out_move = NO_MOVE;
+// How many legal moves the text names, and the last of them.
+int count_moves_named(const Position& p, std::string_view input, Move& found) {
     const std::string text = normalized_san(input);
-    if (text.empty()) return false;
+    if (text.empty()) return 0;
     const Clues clues = clues_of(text);
     MoveEntry list[MAX_LIST];
     const MoveEntry* end = gen_all(p, list);
     const KingGuard guard = king_guard(p);
     int count = 0;
-    Move found = NO_MOVE;
     for (const MoveEntry* entry = list; entry != end; ++entry) {
         if (may_match(*entry, clues) && matches(forms_without_check(p, *entry), text) &&
             is_legal(p, entry->move, guard)) {
@@ -189,6 +186,24 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
             found = entry->move;
         }
     }
+    return count;
+}
+
+}  // namespace
+
+std::string readable_san(const Position& p, const MoveEntry& entry) {
+    const MoveForms forms = move_forms(p, entry);
+    for (const std::string* form : {&forms.san, &forms.file, &forms.rank}) {
+        Move found = NO_MOVE;
+        if (count_moves_named(p, *form, found) == 1) return *form;
+    }
+    return forms.coord;
+}
+
+bool parse_san(const Position& p, std::string_view input, Move& out_move) {
+    out_move = NO_MOVE;
+    Move found = NO_MOVE;
+    const int count = count_moves_named(p, input, found);
     if (count == 2) print_unlogged("ambiguous move\n");
     if (count == 1) out_move = found;
     return count == 1;

@@ -21,6 +21,10 @@ struct MoveForms {
 };
 MoveForms move_forms(const Position& p, const MoveEntry& entry);
 
+// The SAN of a legal move. Where parse_san could not tell it from another, as of two knights that
+// share neither file nor rank, the next form that it can read.
+std::string readable_san(const Position& p, const MoveEntry& entry);
+
 // Finds the one legal move that the text names in any of the forms; "e8q", "O-O" and "0-0" are
 // understood, a trailing "+" or "#" is not needed. Returns false, and NO_MOVE, when none or
 // several match; prints "ambiguous move" to standard output when two do.

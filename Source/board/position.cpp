@@ -63,6 +63,26 @@ void move_piece(Position& p, int piece, int from, int to) {
     p.bb[color][type_of(piece)] ^= both;
 }
 
+void clear_record(GameRecord& record) {
+    record.game_ply = 0;
+    record.ply = 1;
+    record.last_move = NO_MOVE;
+    record.undo[0] = {};
+    record.undo[1] = {};
+}
+
+void clear_position(Position& p) {
+    GameRecord& record = *p.owner;
+    const u8 side = p.side;
+    p = Position{};
+    p.owner = &record;
+    p.side = side;
+    p.castle = 15;
+    p.ep = NO_SQUARE;
+    for (auto& list : p.plist) list[0] = NO_SQUARE;
+    clear_record(record);
+}
+
 void copy_game(Game& to, const Game& from) {
     std::copy_n(from.undo.begin(), from.game_ply + 1, to.undo.begin());
     to.game_ply = from.game_ply;

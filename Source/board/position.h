@@ -71,6 +71,10 @@ struct Game : GameRecord {
 
 inline Bitboard occupied(const Position& p) { return p.bb[WHITE][0] | p.bb[BLACK][0]; }
 inline int king_square(const Position& p, int color) { return p.plist[make_piece(color, KING)][0]; }
+// A move on the board, not yet ordered.
+inline MoveEntry move_entry(const Position& p, Move move) {
+    return {move, 0, p.board[move_from(move)], p.board[move_to(move)]};
+}
 inline int pawn_count(const Position& p, int color) { return int(p.sig[color] & 15); }
 
 // What one piece of a type adds to `sig` and to `npm`.
@@ -92,6 +96,12 @@ void place_piece(Position& p, int piece, int square);
 void remove_piece(Position& p, int square);
 // The same piece on another, empty square; its place in the list stays.
 void move_piece(Position& p, int piece, int from, int to);
+
+// No moves: none to take back, none to play again.
+void clear_record(GameRecord& record);
+
+// An empty board with all castling rights and an empty game record; the side to move stays.
+void clear_position(Position& p);
 
 // Copies position and game record; the copy's position points at its own record.
 void copy_game(Game& to, const Game& from);

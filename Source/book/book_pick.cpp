@@ -110,7 +110,7 @@ Move book_pick(Position& p) {
 void book_show(Position& p, bool announce) {
     const Move move = book_pick(p);
     if (announce && move != NO_MOVE) {
-        print_unlogged(format("book move is %s\n", move_to_text(move).c_str()));
+        engine_print(format("book move is %s\n", move_to_text(move).c_str()));
     }
 }
 

@@ -38,8 +38,6 @@ namespace {
 
 constexpr double FIXED_DEPTH_SECONDS = 10000;
 constexpr double FIXED_NODES_SECONDS = 1000;
-// The formula from node rate to Elo takes the logarithm of what is above 20.
-constexpr double MIN_NPS = 21;
 
 void fix_time(double seconds) {
     limits.fixed_time = seconds;

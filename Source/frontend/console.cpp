@@ -1,92 +1,134 @@
-// The commands of console mode: one table from word to handler. A handler gets the first word
-// behind the command.
+// The commands of console mode: one table from word to handler, from which the help is printed too.
 
 #include "frontend/console.h"
 
-#include <algorithm>
 #include <string>
 
-#include "board/fen.h"
-#include "board/perft.h"
-#include "board/see.h"
 #include "book/book_build.h"
 #include "book/book_pick.h"
+#include "eval/eval_print.h"
+#include "frontend/console_commands.h"
+#include "frontend/engine_options.h"
+#include "frontend/eval_command.h"
 #include "frontend/output.h"
-#include "frontend/search_session.h"
-#include "frontend/words.h"
-#include "platform/clock.h"
 #include "search/control.h"
 #include "search/run.h"
-#include "search/search.h"
-#include "search/threads.h"
-#include "search/time.h"
 
 namespace quon {
 
 namespace {
 
-void quit_command(std::string_view) { control.quit_requested = true; }
+void show_help(const ConsoleLine&);
 
-// Counts on a search thread's copy, so that the game's piece lists keep their order.
-void perft_command(std::string_view argument) {
-    const int depth = int(std::clamp<i64>(to_integer(argument), 0, 20));
-    if (const char* problem = position_problem(game.position)) {
-        engine_print(std::string("illegal position: ") + problem);
-        return;
-    }
-    finish_search();
-    time_setup();
-    ThreadData& thread = thread_data(0);
-    thread_prepare(thread);
-    const auto nodes = double(perft(thread.position, depth));
-    const double elapsed = monotonic_seconds() - run.start_time;
-    engine_print(format("visited %0.0f nodes in %0.3f seconds, nps= %0.0f", nodes, elapsed,
-                        nodes / (elapsed + 0.001)));
-}
-
-// What every man is worth to the side that takes it first.
-void swap_command(std::string_view) {
-    const Position& position = game.position;
-    for (int square = 0; square < 64; ++square) {
-        const int piece = position.board[square];
-        if (piece == 0) continue;
-        const int value = see(position, color_of(piece) ^ 1, NO_SQUARE, square);
-        if (value != 0) print_unlogged(format("sq= %s, swap= %d\n", square_name[square], value));
-    }
-}
-
-void book_command(std::string_view) {
+void show_book(const ConsoleLine&) {
     book_show(game.position, true);
     engine_print("");
 }
 
-void mkbook_command(std::string_view) {
-    finish_search();
+void make_book(const ConsoleLine&) {
+    take_over();
     build_book(game.position);
 }
 
 struct ConsoleCommand {
     std::string_view word;
-    void (*handle)(std::string_view argument);
+    const char* arguments;
+    void (*handle)(const ConsoleLine& line);
+    const char* help;
+    bool as_part = false;  // words that contain this one match as well
 };
 
+// Looked through in this order.
 constexpr ConsoleCommand COMMANDS[] = {
-    {"quit", quit_command},   {"book", book_command}, {"mkbook", mkbook_command},
-    {"perft", perft_command}, {"swap", swap_command},
+    {"new", "", new_game, "set up the start position"},
+    {"fen", "FEN", set_fen, "set up a position"},
+    {"quit", "", [](const ConsoleLine&) { control.quit_requested = true; }, "end the program"},
+    {"mv", "", search_move, "search and report a move, without playing it"},
+    {"go", "[DEPTH]", analyse, "analyse, until '.' if no depth is given"},
+    {"an", "[DEPTH]", analyse, "the same as go"},
+    {".", "", end_search, "end the search and report it"},
+    {"bd", "", [](const ConsoleLine&) { show_game(); }, "show the board"},
+    {"level", "MOVES TIME INC", set_level,
+     "MOVES moves in TIME (seconds or m:ss), INC more for each; 0: the game, 1: a move"},
+    {"depth", "N",
+     [](const ConsoleLine& line) { limits.depth_limit = to_depth_limit(to_integer(line.first)); },
+     "search no deeper than N plies; 66: no limit"},
+    {"ponder", "N",
+     [](const ConsoleLine& line) { options.ponder_option = to_number<i16>(line.first); },
+     "1: spend a little more time, as if pondering; 0: do not"},
+    {"self", "", play_itself, "let the engine play both sides, until you move, undo or go"},
+    {"get", "ID", get_position, "set up the position of that id from test.epd"},
+    {"noise", "SECONDS",
+     [](const ConsoleLine& line) { options.output_delay = to_real(line.first); },
+     "no progress lines before a search is this old; 9999: none"},
+    {"hash", "N", [](const ConsoleLine& line) { options.hash_mode = to_number<u8>(line.first); },
+     "hash table: 0 unused, 1 used, 2 also kept by go"},
+    {"ev", "", [](const ConsoleLine&) { eval_trace(); }, "the evaluation, term by term"},
+    {"sp", "", [](const ConsoleLine&) { print_eval_tables(); }, "the tables of the evaluation"},
+    {"pv", "", show_line, "the line that the engine expects; ] then plays it"},
+    {"trace", "N", [](const ConsoleLine& line) { options.trace = to_number<i16>(line.first); },
+     "write the first N plies of the search tree to trace.txt; 0: off"},
+    {"lmr", "", show_reductions, "search parameters and the tables of reductions"},
+    {"debug", "N", [](const ConsoleLine& line) { options.debug = to_number<i16>(line.first); },
+     "1: show evaluations in place of boards; 0: boards"},
+    {"multipv", "N", [](const ConsoleLine& line) { options.multipv = to_number<i16>(line.first); },
+     "show the best N lines", true},
+    {"undo", "", undo_move, "take a move back"},
+    {"[", "", undo_move, "the same as undo"},
+    {"]", "", redo_move, "make the move again that was taken back"},
+    {"load", "FILE [GAME]", load_game, "load a game of a PGN file, by number or by text in it"},
+    {"save", "", save_game, "append the game to tmp.pgn"},
+    {"jump", "N", jump_to_ply, "go to the position after N plies of the game"},
+    {"edit", "", edit_position, "change the board piece by piece"},
+    {"book", "", show_book, "what the opening book knows of the moves here"},
+    {"mkbook", "", make_book, "build the opening book book.opn from the games of book.pgn"},
+    {"set", "NAME [VALUE]", set_parameter,
+     "a search parameter, target_nps or ss_off; set alone: all as at the start"},
+    {"perft", "N", count_paths, "count the move paths of N plies"},
+    {"swap", "", show_exchanges, "what each piece is worth to the side that takes it"},
+    {"move", "MOVE", [](const ConsoleLine& line) { play_move(line.first); },
+     "play a move; a move alone (e4, Nf3, e2e4) does as well"},
+    {"help", "", show_help, "this list"},
 };
+
+void show_help(const ConsoleLine&) {
+    std::string text;
+    for (const ConsoleCommand& command : COMMANDS) {
+        const std::string call = std::string(command.word) + ' ' + command.arguments;
+        text += format("%-21s%s\n", call.c_str(), command.help);
+    }
+    engine_print(text + "uci                  talk UCI from here on");
+}
+
+const ConsoleCommand* find_command(std::string_view word) {
+    const auto* const row =
+        std::find_if(std::begin(COMMANDS), std::end(COMMANDS), [&](const ConsoleCommand& c) {
+            return c.as_part ? word.find(c.word) != std::string_view::npos : c.word == word;
+        });
+    return row == std::end(COMMANDS) ? nullptr : row;
+}
+
+ConsoleLine parse_line(std::string_view text) {
+    constexpr std::size_t LONGEST_WORD = 128;
+    const auto take_word = [&text] { return take_token(text, " ").substr(0, LONGEST_WORD); };
+    ConsoleLine line;
+    line.word = take_word();
+    line.rest = without_leading_blanks(text);
+    line.first = take_word();
+    line.second = take_word();
+    line.third = take_word();
+    return line;
+}
 
 }  // namespace
 
-void handle_console_command(std::string_view line) {
-    const std::string_view start = without_leading_blanks(line);
-    const std::string_view word = first_word(start);
-    if (word.empty()) return;
-    for (const ConsoleCommand& command : COMMANDS) {
-        if (command.word != word) continue;
-        command.handle(first_word(start.substr(word.size())));
-        return;
+void handle_console_command(std::string_view text) {
+    const ConsoleLine line = parse_line(text);
+    if (const ConsoleCommand* const command = find_command(line.word)) {
+        command->handle(line);
+    } else {
+        play_move(line.word);
     }
-    engine_print("unknown command: " + std::string(word));
 }
 
 }  // namespace quon

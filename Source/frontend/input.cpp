@@ -67,6 +67,14 @@ bool command_pending() { return !pending_input.empty(); }
 
 bool input_ended() { return ended; }
 
+bool next_input_line(std::string& line) {
+    while (!next_command(line)) {
+        if (ended) return false;
+        wait_for_event(-1, true);
+    }
+    return true;
+}
+
 bool next_command(std::string& command) {
     read_lines();
     if (!command_pending()) return false;

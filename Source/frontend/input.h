@@ -11,6 +11,10 @@ bool next_command(std::string& command);
 // The same, and handles the command.
 void process_input();
 
+// Takes the next line, for commands that go on over several; waits for it. False at the end of the
+// input.
+bool next_input_line(std::string& line);
+
 // A whole command has been read and waits for process_input.
 bool command_pending();
 // Standard input is at its end; commands may still be pending.

@@ -34,9 +34,10 @@ void wait_for_work(bool searching) {
 
 // Nothing can stop this search but a command.
 bool unlimited(u8 mode) {
-    if (mode == GO_PONDER || mode == GO_ANALYSE) return true;
-    return limits.time_mode == FIXED_TIME && limits.fixed_time >= ENDLESS_SECONDS &&
-           limits.depth_limit >= NO_DEPTH_LIMIT && limits.max_nodes == 0;
+    if (mode == GO_PONDER) return true;
+    if (limits.depth_limit < NO_DEPTH_LIMIT || limits.max_nodes != 0) return false;
+    return mode == GO_ANALYSE ||
+           (limits.time_mode == FIXED_TIME && limits.fixed_time >= ENDLESS_SECONDS);
 }
 
 // The input has ended and its last command is handled: nobody will ask for more.

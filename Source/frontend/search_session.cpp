@@ -5,12 +5,15 @@
 #include <string>
 
 #include "board/fen.h"
+#include "board/legality.h"
+#include "board/make.h"
 #include "board/move_text.h"
 #include "book/book_pick.h"
 #include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "search/report.h"
 #include "search/run.h"
+#include "search/search_trace.h"
 #include "search/threads.h"
 #include "search/time.h"
 
@@ -19,14 +22,6 @@ namespace quon {
 namespace {
 
 constexpr int MAX_FIFTY = 100;
-
-bool searchable() {
-    if (game.position.fifty > MAX_FIFTY) return false;
-    const char* const problem = position_problem(game.position);
-    if (problem == nullptr) return true;
-    engine_print(format("%sillegal position: %s", message_prefix(), problem));
-    return false;
-}
 
 std::string best_move_text() {
     std::string text = "bestmove " + move_to_text(run.shared_line[1]);
@@ -49,13 +44,35 @@ void take_book_move(Move move) {
     control.stop_flag = STOP;
 }
 
+// The side that has moved pays for its time. A front end may have set another position meanwhile:
+// then there is no move to make.
+void continue_self_play() {
+    Position& p = game.position;
+    limits.clock[p.side] += limits.increment - run.elapsed;
+    const Move move = run.shared_line[1];
+    if (!can_be_made(p, move)) {
+        options.self_play = false;
+        return;
+    }
+    make_game_move(game, move);
+    print_board(p);
+    control.go_request = GO_PLAY;
+}
+
 }  // namespace
+
+bool position_accepted() {
+    const char* const problem = position_problem(game.position);
+    if (problem == nullptr) return true;
+    engine_print(format("%sillegal position: %s", message_prefix(), problem));
+    return false;
+}
 
 void start_search() {
     time_setup();
     if (const Move move = book_move(); move != NO_MOVE) {
         take_book_move(move);
-    } else if (searchable()) {
+    } else if (game.position.fifty <= MAX_FIFTY && position_accepted()) {
         start_search_threads();
     }
     control.go_request = NO_SEARCH;
@@ -67,6 +84,7 @@ bool report_due() {
 }
 
 void report_search() {
+    flush_search_trace();
     collect_stats();
     final_report(run.shared_score);
     if (options.uci_mode) {
@@ -74,6 +92,7 @@ void report_search() {
     } else {
         print_console_statistics();
     }
+    if (options.self_play) continue_self_play();
     control.search_mode = NO_SEARCH;
 }
 
@@ -83,9 +102,9 @@ void stop_search(StopFlag flag) {
     wait_for_idle_threads();
 }
 
-void finish_search() {
+void finish_search(StopFlag flag) {
     if (control.search_mode == NO_SEARCH && busy_threads() == 0) return;
-    stop_search(STOP);
+    stop_search(flag);
     if (report_due()) report_search();
 }
 

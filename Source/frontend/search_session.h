@@ -11,7 +11,8 @@ void start_search();
 
 // No thread is searching and the report is due; that of a pondering search is not.
 bool report_due();
-// The closing info line and "bestmove", or the statistics of console mode.
+// The closing info line and "bestmove", or the statistics of console mode. In self-play the move
+// is then made and the next search requested; without a move self-play ends.
 void report_search();
 
 // Stops the search with the flag, if one is running, and waits until all threads are idle. One that
@@ -19,6 +20,9 @@ void report_search();
 void stop_search(StopFlag flag);
 
 // Stops and reports a search before something that it uses is replaced.
-void finish_search();
+void finish_search(StopFlag flag = STOP);
+
+// False, with a message, if the game position cannot be searched.
+bool position_accepted();
 
 }  // namespace quon

@@ -33,7 +33,6 @@ std::string_view without_trailing_blanks(std::string_view text) {
 }
 
 std::string_view from_first_letter(std::string_view text) {
-    const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
     const auto* const letter = std::find_if(text.begin(), text.end(), is_letter);
     return text.substr(std::size_t(letter - text.begin()));
 }

@@ -23,6 +23,8 @@ std::string_view take_token(std::string_view& rest, std::string_view delimiters)
 std::string_view without_leading_blanks(std::string_view text);
 std::string_view without_trailing_blanks(std::string_view text);
 
+inline bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
 // The text from its first letter on; empty without one. What stands before a move in a game, such
 // as its number, goes.
 std::string_view from_first_letter(std::string_view text);

@@ -197,10 +197,7 @@ void hash_update_fill() {
 
 double hash_fill() { return main_hash.fill; }
 
-namespace {
-
-void extend_from_table(Position& p, int ply, Table<Move, MAX_PLY>& line) {
-    constexpr int last_ply = 66;
+void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line) {
     Move move = line[ply];
     if (move == NO_MOVE) {
         const HashEntry entry = hash_probe(p);
@@ -209,17 +206,10 @@ void extend_from_table(Position& p, int ply, Table<Move, MAX_PLY>& line) {
     }
     if (move == NO_MOVE || is_draw(p, 2) || !is_pseudo_legal(p, move) || !is_legal(p, move)) return;
     line[ply] = move;
-    if (ply + 1 > last_ply) return;
+    if (ply + 1 > LAST_LINE_PLY) return;
     make_move(p, move);
-    extend_from_table(p, ply + 1, line);
+    hash_line(p, ply + 1, line);
     unmake_move(p);
-}
-
-}  // namespace
-
-void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line) {
-    main_hash.used = usable();
-    extend_from_table(p, ply, line);
 }
 
 }  // namespace quon

@@ -47,7 +47,8 @@ void hash_update_fill();
 double hash_fill();
 
 // Extends line[ply..] with table moves from the position on while they are legal and no draw; moves
-// that the line already has are followed. No search may be running.
+// that the line already has are followed. Entries are read as the last search saw them.
+constexpr int LAST_LINE_PLY = 66;
 void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line);
 
 }  // namespace quon

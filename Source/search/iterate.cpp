@@ -70,6 +70,7 @@ bool prepare_root(ThreadData& t) {
     t.root_score = i16(t.root_eval);
     t.plies[1].static_eval = t.root_eval;
     t.plies[0].static_eval = -t.root_eval;
+    t.plies[1].depth = 0;
     t.plies[1].hash_move = NO_MOVE;
     t.plies[1].move_count = 0;
     t.plies[1].tb_result = NO_TB_RESULT;

@@ -13,6 +13,7 @@
 #include "search/score.h"
 #include "search/search.h"
 #include "search/search_params.h"
+#include "search/search_trace.h"
 
 namespace quon {
 
@@ -184,6 +185,7 @@ int search_moves(ThreadData& t, int ply, int depth, int alpha, int beta, bool in
         const int extended = extension(loop, move);
         const int reduction = late_move_reduction(loop, move, extended);
 
+        trace_before_make(t, entry->move);
         make_move(p, entry->move);
         const int score = search_move(loop, extended, reduction);
         unmake_move(p);

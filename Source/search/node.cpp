@@ -15,6 +15,7 @@
 #include "search/score.h"
 #include "search/search.h"
 #include "search/search_params.h"
+#include "search/search_trace.h"
 #include "search/strength.h"
 #include "search/tablebases.h"
 
@@ -61,6 +62,7 @@ struct Node {
 
 void start_record(Node& node) {
     PlyRecord& record = node.record;
+    record.depth = node.depth;
     record.alpha = node.alpha;
     record.beta = node.beta;
     record.eval_final = 0;
@@ -152,6 +154,7 @@ bool probcut_test(ThreadData& t, int ply, int depth, int threshold) {
         if (!is_legal(p, entry->move, guard)) continue;
         const int exchange = see(p, p.side, move_from(entry->move), move_to(entry->move));
         if (exchange <= PROBCUT_EXCHANGE) continue;
+        trace_before_make(t, entry->move);
         make_move(p, entry->move);
         const int score = -search_node(t, ply + 1, depth - 1, -threshold, 1 - threshold, -1);
         unmake_move(p);
@@ -184,6 +187,7 @@ bool null_move(const Node& node, int& score) {
     const int reduction = node.depth > 7 && node.own_npm() > 5 ? 4 : 3;
     const int child_depth = std::max(node.depth - reduction - 1, 0);
     ThreadData& t = node.t;
+    trace_before_make(t, NO_MOVE);
     make_null_move(t.position);
     node.record.next_pick = &NULL_ENTRY;
     const int reply =
@@ -231,6 +235,7 @@ bool singular_test(ThreadData& t, int ply, int depth, int threshold, bool in_che
     t.plies[ply].stage = PickStage::START;
     while (const MoveEntry* entry = next_move(t, ply, in_check)) {
         if (entry->move == move || !is_legal(p, entry->move, guard)) continue;
+        trace_before_make(t, entry->move);
         make_move(p, entry->move);
         const int score = -search_node(t, ply + 1, depth - 1, -threshold - 1, -threshold, -1);
         unmake_move(p);

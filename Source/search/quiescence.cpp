@@ -9,6 +9,7 @@
 #include "board/see.h"
 #include "search/picker.h"
 #include "search/search.h"
+#include "search/search_trace.h"
 
 namespace quon {
 
@@ -118,6 +119,7 @@ int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_typ
         if (depth < 1 && check != 2 && loses_material(p, *entry)) continue;
         if (!is_legal(p, entry->move, guard)) continue;
 
+        trace_before_make(t, entry->move);
         make_move(p, entry->move);
         const int score = -search_node(t, ply + 1, depth - 1, -beta, -best, -node_type);
         unmake_move(p);

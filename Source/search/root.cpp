@@ -13,6 +13,7 @@
 #include "search/result.h"
 #include "search/score.h"
 #include "search/search.h"
+#include "search/search_trace.h"
 
 namespace quon {
 
@@ -179,6 +180,7 @@ void search_one_root_move(RootSearch& s, RootMove& move) {
     move.reduction = root_reduction(s, move);
     t.plies[1].next_pick = move.entry;
 
+    trace_before_make(t, move.entry->move);
     make_move(t.position, move.entry->move);
     if (s.best == NO_SCORE || (s.depth == 1 && options.target_nps > SLOW_NPS)) {
         search_open(s, move);
@@ -212,6 +214,7 @@ void root_search(ThreadData& t, int depth, int pv_index) {
     RootSearch s = start_root_search(t, depth, pv_index);
     int& move_count = t.plies[1].move_count;
     move_count = 0;
+    t.plies[1].depth = depth;
     for (MoveEntry* entry = t.plies[1].list_start + pv_index; select_best(entry); ++entry) {
         if (!is_main(t) && depth < run.main_done_depth && run.elapsed > ABANDON_AFTER) {
             t.root_state = u8{ABANDONED};

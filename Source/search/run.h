@@ -25,6 +25,7 @@ struct SearchRun {
     double start_time = 0;                 // seconds on the monotonic clock
     double target_time = ENDLESS_SECONDS;  // seconds allotted to this move
     int root_side = WHITE;
+    u64 root_key = 0;  // full key of the position searched
     int multipv = 1;
     int depth_limit = NO_DEPTH_LIMIT;
     Relaxed<bool> finished = false;  // the search ended by itself: depth limit, mate or table move

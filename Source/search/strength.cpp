@@ -74,7 +74,7 @@ void calibrate() {
     update_elapsed();
     options.calibration_nps = double(nodes) * 0.51 / (run.elapsed + 0.001);
     // A machine too slow for the formula still gets a finite scale.
-    options.elo_max = nps_to_elo(std::max(options.calibration_nps, 21.0));
+    options.elo_max = nps_to_elo(std::max(options.calibration_nps, MIN_NPS));
     engine_print(format("info string et= %.3f, nodes= %.0f, nps= %0.0f", run.elapsed.get(),
                         double(nodes), options.calibration_nps));
 }

@@ -5,6 +5,8 @@ namespace quon {
 
 struct ThreadData;
 
+constexpr double MIN_NPS = 21;  // target; the formula has no Elo for 20 and less
+
 double elo_to_nps(double elo);
 // nps above 20.
 double nps_to_elo(double nps);

@@ -18,6 +18,7 @@ enum class PickStage : u8 { START, CAPTURES, PICK_CAPTURES, PICK_ALL, REST };
 
 // The state of one node on the current path.
 struct PlyRecord : EvalNotes {
+    int depth;  // remaining at node entry, plies
     int static_eval;
     int alpha;  // window at node entry, after mate-distance clamping
     int beta;

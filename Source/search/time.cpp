@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "board/fen.h"
+#include "board/keys.h"
 #include "eval/eval_params.h"
 #include "eval/eval_tables.h"
 #include "frontend/engine_options.h"
@@ -28,6 +29,7 @@ constexpr double CHECK_AFTER = 0.02;    // seconds
 void reset_run() {
     if (!params.limit_strength) options.target_nps = NO_NPS_LIMIT;
     run.root_side = game.position.side;
+    run.root_key = full_key(game.position);
     run.multipv = options.multipv;
     run.depth_limit = limits.depth_limit;
     run.finished = false;

@@ -66,7 +66,7 @@ TEST_F(BookPick, Table) {
     }
     const auto game = make_game(START_FEN);
     const std::string shown = captured_output([&] { book_show(game->position, true); });
-    EXPECT_EQ(shown, printed + "book move is g1f3\n");
+    EXPECT_EQ(shown, printed + "book move is g1f3\n\n");
     EXPECT_EQ(captured_output([&] { book_show(game->position, false); }), printed);
 }
 

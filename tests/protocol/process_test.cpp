@@ -1,5 +1,5 @@
 // The program as a process: switches, exit statuses, files, the ends of its input and output, the
-// benchmark, console mode.
+// benchmark.
 
 #include <gtest/gtest.h>
 
@@ -192,27 +192,6 @@ TEST(BenchProgram, CommandsInBetween) {
     EXPECT_TRUE(contains(ending.lines, "readyok"));
     EXPECT_EQ(lines_with(ending.lines, "pos ").size(), 10U);
     EXPECT_EQ(lines_with(ending.lines, "bestmove"), Lines{});
-}
-
-TEST(Console, Session) {
-    Process process({"-c", "-nolog", "-hash", "1"});
-    EXPECT_TRUE(process.read_line().starts_with("info string et= "));
-    EXPECT_EQ(process.read_line(), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
-    process.read_to("white");
-    process.send({"perft 4", "perft 0", "perft", "swap", "frobnicate 3", "isready", "uci",
-                  "isready", "quit"});
-    const Ending ending = process.wait();
-    EXPECT_EQ(ending.status, 0);
-    const Lines visited = lines_with(ending.lines, "visited ");
-    ASSERT_EQ(visited.size(), 3U);
-    EXPECT_TRUE(matches(visited[0], R"(visited 197281 nodes in \d+\.\d{3} seconds, nps= \d+)"))
-        << visited[0];
-    EXPECT_TRUE(visited[1].starts_with("visited 0 nodes ")) << visited[1];
-    EXPECT_TRUE(contains(ending.lines, "unknown command: frobnicate"));
-    EXPECT_TRUE(contains(ending.lines, "unknown command: isready"));
-    EXPECT_TRUE(contains(ending.lines, "uciok"));
-    EXPECT_EQ(lines_with(ending.lines, "readyok").size(), 1U) << "only in UCI";
-    EXPECT_EQ(lines_with(ending.lines, "sq= "), Lines{});
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "board/fen.h"
 #include "board/make.h"
@@ -37,16 +35,6 @@ BookDirectory::~BookDirectory() {
     std::filesystem::current_path(left);
     std::error_code error;
     std::filesystem::remove_all(path, error);
-}
-
-void write_file(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string read_file(const std::string& path) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    return bytes.str();
 }
 
 Records in_order(Records records) {

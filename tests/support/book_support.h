@@ -9,6 +9,7 @@
 #include "book/book_record.h"
 #include "frontend/engine_options.h"
 #include "support/board_support.h"
+#include "support/files.h"
 
 namespace quon::test {
 
@@ -29,9 +30,6 @@ private:
 };
 
 using Records = std::vector<BookRecord>;
-
-void write_file(const std::string& path, const std::string& bytes);
-std::string read_file(const std::string& path);  // empty when it is not there
 
 // The records in the order of a book; records as the bytes of a book, and back. Fails the test if
 // the bytes are no whole records or a reserved field is not zero.

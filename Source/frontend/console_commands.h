@@ -1,0 +1,65 @@
+#pragma once
+// What the handlers of the console commands share, and the handlers of the larger ones by the file
+// that holds them.
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+
+#include "board/types.h"
+#include "frontend/words.h"
+
+namespace quon {
+
+// A command line. The words are cut at 128 characters, missing ones are empty.
+struct ConsoleLine {
+    std::string_view word;
+    std::string_view first, second, third;  // arguments
+    std::string_view rest;                  // all that follows the word, leading blanks skipped
+};
+
+template <typename Integer>
+Integer to_number(std::string_view text) {
+    using Limits = std::numeric_limits<Integer>;
+    return Integer(std::clamp<i64>(to_integer(text), Limits::min(), Limits::max()));
+}
+
+// Before anything about the game changes: abandons and reports a running search, ends self-play.
+void take_over();
+// The board, or the evaluation in its place while options.debug is set.
+void show_game();
+// Both clocks as at the start of a game.
+void reset_clocks();
+
+// console_game.cpp: the game on the board
+void new_game(const ConsoleLine& line);
+void set_fen(const ConsoleLine& line);
+void get_position(const ConsoleLine& line);
+void undo_move(const ConsoleLine& line);
+void redo_move(const ConsoleLine& line);
+void jump_to_ply(const ConsoleLine& line);
+// Makes the move that the text names; does nothing for any other text.
+void play_move(std::string_view text);
+
+// game_files.cpp
+void load_game(const ConsoleLine& line);
+void save_game(const ConsoleLine& line);
+
+// console_edit.cpp
+void edit_position(const ConsoleLine& line);
+
+// console_search.cpp: searches and their settings
+void search_move(const ConsoleLine& line);
+void analyse(const ConsoleLine& line);
+void end_search(const ConsoleLine& line);
+void play_itself(const ConsoleLine& line);
+void set_level(const ConsoleLine& line);
+void set_parameter(const ConsoleLine& line);
+
+// console_inspect.cpp: looking inside
+void show_line(const ConsoleLine& line);
+void show_reductions(const ConsoleLine& line);
+void show_exchanges(const ConsoleLine& line);
+void count_paths(const ConsoleLine& line);
+
+}  // namespace quon

@@ -1,0 +1,102 @@
+// The breakdown of the evaluation: a search of depth 0 fills the trace record, which is then
+// printed.
+
+#include "frontend/eval_command.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "board/fen.h"
+#include "eval/eval_trace.h"
+#include "frontend/output.h"
+#include "frontend/search_session.h"
+#include "search/control.h"
+#include "search/run.h"
+#include "search/search.h"
+#include "search/search_trace.h"
+#include "search/threads.h"
+
+namespace quon {
+
+namespace {
+
+// Leaves the evaluation and the score of the captures in the main search thread's record.
+ThreadData& search_captures() {
+    ThreadData& t = thread_data(0);
+    const int depth_limit = run.depth_limit;
+    run.depth_limit = 0;
+    control.stop_flag = RUN;
+    reset_trace();
+    thread_prepare(t);
+    iterate(t);
+    run.depth_limit = depth_limit;
+    flush_search_trace();
+    return t;
+}
+
+std::string squares_text(const char* title, Bitboard squares) {
+    if (squares == 0) return "";
+    std::string text = title;
+    while (squares) text += format("  %s", square_name[pop_square(squares)]);
+    return text + '\n';
+}
+
+// The pieces that one side has more of than the other, queens first.
+std::string surplus_text(const Position& p, int color) {
+    std::string text;
+    for (int type = QUEEN; type >= PAWN; --type) {
+        const int more = popcount64(p.bb[color][type]) - popcount64(p.bb[color ^ 1][type]);
+        if (more > 0) text.append(std::size_t(more), PIECE_LETTERS[type]);
+    }
+    return text;
+}
+
+std::string totals_text(const Position& p) {
+    constexpr const char* NAMES[] = {"mtl",   "pos",    "pawns", "knights", "bishops",
+                                     "rooks", "queens", "kings", "passers"};
+    std::string text = "           white    black     diff\n";
+    for (int term = 0; term < TRACE_TERMS; ++term) {
+        const int white = traced.total[term][WHITE];
+        const int black = traced.total[term][BLACK];
+        const std::string name = std::string(NAMES[term]) + '=';
+        text += format("%-11s%5d    %5d    %5d", name.c_str(), white, black, white - black);
+        if (term == TRACE_MATERIAL) {
+            text += format("   (%s :: %s)", surplus_text(p, WHITE).c_str(),
+                           surplus_text(p, BLACK).c_str());
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+std::string board_text(const Position& p) {
+    std::string text;
+    for (int rank = 7; rank >= 0; --rank) {
+        std::string values = "    ";
+        for (int file = 0; file < 8; ++file) {
+            const int square = make_square(file, rank);
+            text += format(" %c", diagram_character(p, square));
+            values += p.board[square] ? format(" %4d", traced.square[square]) : "    -";
+        }
+        text += values + '\n';
+    }
+    return text;
+}
+
+}  // namespace
+
+void eval_trace() {
+    finish_search();
+    if (!position_accepted()) return;
+    const ThreadData& t = search_captures();
+    const Position& p = game.position;
+    std::string text = format("eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", t.root_eval,
+                              t.root_score.get(), traced.stage, traced.factor);
+    text += squares_text("hung pieces on: ", traced.hung);
+    text += squares_text("pinned pieces on :", traced.pinned);
+    text += totals_text(p) + board_text(p);
+    text += p.side == WHITE ? "white\n" : "black\n";
+    engine_print(text);
+}
+
+}  // namespace quon

@@ -1,0 +1,10 @@
+#pragma once
+// The breakdown of the static evaluation.
+
+namespace quon {
+
+// Prints the evaluation of the game position term by term, or why there is none. A running search
+// is stopped and reported first, since one of its threads does the work.
+void eval_trace();
+
+}  // namespace quon

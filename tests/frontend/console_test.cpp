@@ -1,0 +1,223 @@
+// The console's settings, inspections, and lines of any kind.
+
+#include "frontend/console.h"
+
+#include <gtest/gtest.h>
+
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "search/control.h"
+#include "search/run.h"
+#include "search/search_params.h"
+#include "support/board_support.h"
+#include "support/console_support.h"
+
+namespace quon::test {
+namespace {
+
+struct Console : testing::Test {
+    const ConsoleRig rig;
+};
+
+TEST_F(Console, Level) {
+    const struct {
+        const char *line, *shown;
+        double time, increment;
+    } cases[] = {
+        {"level 40 5:00 0", "40 moves in 300.00 seconds, inc 0.00", 300, 0},
+        {"level 0 5 0.5", "0 moves in 5.00 seconds, inc 0.50", 5, 0.5},
+        {"level 1 1:30", "1 moves in 90.00 seconds, inc 0.00", 90, 0},
+        {"  level   60  0:07.5  2  9", "60 moves in 7.50 seconds, inc 2.00", 7.5, 2},
+        {"level", "0 moves in 0.00 seconds, inc 0.00", 0, 0},
+        {"level 99999999999 -3 1e300", "255 moves in 0.00 seconds, inc 10000000.00", 0, 1e7},
+        {"level x y:z w", "0 moves in 0.00 seconds, inc 0.00", 0, 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(console(c.line), std::string("set level to ") + c.shown + "\n") << c.line;
+        for (const double value : {limits.fixed_time, limits.clock[WHITE], limits.clock[BLACK]}) {
+            EXPECT_EQ(value, c.time) << c.line;
+        }
+        EXPECT_EQ(limits.increment, c.increment) << c.line;
+    }
+    console("level 40 60 0");
+    EXPECT_EQ(limits.time_mode, 40);
+    limits.clock = {{1, 2}};
+    console("new");
+    EXPECT_EQ(limits.clock[WHITE], 60);
+    EXPECT_EQ(limits.clock[BLACK], 60);
+}
+
+TEST_F(Console, NumbersThatAreStoredInSilence) {
+    const struct {
+        const char* line;
+        double (*stored)();
+        double value;
+    } cases[] = {
+        {"depth 12", [] { return double(limits.depth_limit); }, 12},
+        {"depth 67", [] { return double(limits.depth_limit); }, 66},
+        {"depth 127", [] { return double(limits.depth_limit); }, 66},
+        {"depth", [] { return double(limits.depth_limit); }, 0},
+        {"depth 999999999999999999999", [] { return double(limits.depth_limit); }, 66},
+        {"ponder 0", [] { return double(options.ponder_option); }, 0},
+        {"ponder 1x", [] { return double(options.ponder_option); }, 1},
+        {"noise 2.5", [] { return options.output_delay.get(); }, 2.5},
+        {"hash 2", [] { return double(options.hash_mode); }, 2},
+        {"hash -1", [] { return double(options.hash_mode); }, 0},
+        {"debug 7", [] { return double(options.debug); }, 7},
+        {"trace -99999", [] { return double(options.trace); }, -32768},
+        {"trace 0", [] { return double(options.trace); }, 0},
+        {"multipv 0", [] { return double(options.multipv); }, 0},
+        {"multipv 400", [] { return double(options.multipv); }, 400},
+        {"set_multipv_to 3 9", [] { return double(options.multipv); }, 3},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(console(c.line), "") << c.line;
+        EXPECT_EQ(c.stored(), c.value) << c.line;
+    }
+}
+
+TEST_F(Console, Set) {
+    const struct {
+        const char *line, *reply;
+        int (*used)();  // by the search
+        int value;
+    } cases[] = {
+        {"set NMP_depth 5", "NMP_depth set to 5", [] { return search_params.NMP_depth; }, 5},
+        {"set SEP_depth 0", "SEP_depth set to 0", [] { return search_params.SEP_depth; }, 0},
+        {"set FP_depth 2x", "FP_depth set to 2", [] { return search_params.FP_depth; }, 2},
+        {"set LMP_depth", "LMP_depth set to 0", [] { return search_params.LMP_depth; }, 0},
+        {"set LMR_depth 4", "LMR_depth set to 4", [] { return search_params.LMR_depth; }, 4},
+        {"set LMR_strength 0", "LMR_strength set to 0", [] { return int(pv_reductions[50][31]); },
+         0},
+        {"set LMR_strength 99999", "LMR_strength set to 32767",
+         [] { return int(pv_reductions[50][31]); }, 2},
+        {"set target_nps 1234.6", "target_nps set to 1235", [] { return +params.limit_strength; },
+         1},
+        {"set ss_off", "selectivity set to OFF", [] { return search_params.LMR_depth; }, 99},
+        {"set target_nps", "target_nps set to 21", [] { return int(options.target_nps.get()); },
+         21},
+        {"set", "selectivity set to default", [] { return +params.limit_strength; }, 0},
+        {"set ss_off 3", "selectivity set to OFF", [] { return search_params.NMP_depth; }, 99},
+        {"set lmr_depth 9", "selectivity set to default", [] { return search_params.NMP_depth; },
+         default_params.NMP_depth},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(console(c.line), std::string(c.reply) + "\n");
+        EXPECT_EQ(c.used(), c.value) << c.line;
+    }
+    params.contempt = 50;
+    console("set anything 1");
+    EXPECT_EQ(params.contempt, default_params.contempt);
+}
+
+TEST_F(Console, Reductions) {
+    params.FP_margin = 131;
+    apply_search_params();
+    const std::vector<std::string> lines = split(console("lmr"), '\n');
+    const std::vector<std::string> first = {"FP_depth= 3",    "FP_margin= 131", "SEP_depth= 3",
+                                            "SEP_margin= 75", "NMP_depth= 3",   "LMP_depth= 5",
+                                            "LMP_count= 3",   "LMR_depth= 3",   "LMR table:"};
+    ASSERT_GE(lines.size(), 9U + 50 + 2 + 50);
+    EXPECT_EQ(std::vector(lines.begin(), lines.begin() + 9), first);
+    EXPECT_EQ(lines[9], " 1  0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 ");
+    EXPECT_TRUE(lines[9 + 49].starts_with("50  0 0 "));
+    EXPECT_TRUE(lines[9 + 49].ends_with(" 2 2 "));
+    EXPECT_EQ(lines[59] + lines[60], "");
+    EXPECT_TRUE(lines[61 + 49].starts_with("50  0 0 "));
+    EXPECT_TRUE(lines[61 + 49].ends_with(" 4 4 "));
+}
+
+TEST_F(Console, ExpectedLine) {
+    set_game("r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -", "e1g1 e8g8");
+    EXPECT_EQ(console("pv"), "PV: \n\n" + board_text()) << "nothing is known";
+    const SearchResult result = SearchRig::search_game(8);
+    control.search_mode = NO_SEARCH;  // nothing left to report
+    // The search's line from its root, the table's below it.
+    for (std::size_t made = 0; made < 2; ++made) {
+        const auto before = std::make_unique<Game>(game);
+        const std::vector<std::string> lines = split(console("pv"), '\n');
+        EXPECT_EQ(game_difference(game, *before), "");
+        ASSERT_TRUE(lines[0].starts_with("PV: ")) << lines[0];
+        EXPECT_EQ(lines[1], "");
+        const std::vector<std::string> moves = split(lines[0].substr(4), ' ');
+        EXPECT_EQ(game.undo[game.game_ply].move, result.line[made]);
+        for (const std::string& text : moves) {
+            const Move move = game.undo[game.game_ply].move;  // the line is left in the record
+            const Position& p = game.position;
+            const MoveEntry entry{move, 0, p.board[move_from(move)], p.board[move_to(move)]};
+            EXPECT_EQ(text, move_forms(p, entry).san);
+            console("]");
+        }
+        EXPECT_GE(moves.size(), 3U);
+        EXPECT_EQ(lines[2], game_fen()) << "the board at the end of the line";
+        console("jump 3");
+    }
+}
+
+TEST_F(Console, Exchanges) {
+    set_game("4k3/8/4p3/3q4/2P1P3/8/8/3RK3 w - -");
+    // The queen would lose herself for the rook; she wins either pawn, and falls to one.
+    EXPECT_EQ(console("swap"),
+              "sq= d1, swap= -530\nsq= c4, swap= 100\nsq= e4, swap= 100\nsq= d5, swap= 1060\n");
+    set_game("r3k3/8/8/8/8/8/8/R3K3 w - -");
+    EXPECT_EQ(console("swap"), "sq= a1, swap= 530\nsq= a8, swap= 530\n");
+}
+
+TEST_F(Console, HelpAndUnknownWords) {
+    const std::string help = console("help");
+    constexpr const char* WORDS =
+        "new fen quit mv go an . bd level depth ponder self get noise hash ev sp pv trace "
+        "lmr debug multipv undo [ ] load save jump edit set perft swap move help uci book "
+        "mkbook";
+    for (const std::string& word : split(WORDS, ' ')) {
+        EXPECT_NE(("\n" + help).find("\n" + word + " "), std::string::npos) << word;
+    }
+    for (const char* line :
+         {"frobnicate 3", "isready", "NEW", "e5", "Ke2", "e9", "move", "move e5", " ", "x@y", "\t",
+          "mov e4", "e1e8", "\xff\xfe", "a a a a a a a a a a a a a a a a"}) {
+        EXPECT_EQ(console(line), "") << line;
+    }
+    EXPECT_EQ(console(std::string(100000, 'x')), "");
+    EXPECT_EQ(game_fen(), START_FEN);
+}
+
+TEST_F(Console, PathsToAnyDepth) {
+    EXPECT_TRUE(console("perft 4").starts_with("visited 197281 nodes in "));
+    EXPECT_TRUE(console("perft -3").starts_with("visited 0 nodes in "));
+    set_game("7k/5Q2/6K1/8/8/8/8/8 b - -");
+    EXPECT_TRUE(console("perft 25").starts_with("visited 0 nodes in "));
+}
+
+TEST_F(Console, LinesOfAnyKind) {
+    const std::vector<std::string> words = split(
+        "new fen bd level depth ponder get noise hash ev sp pv lmr debug undo [ ] load "
+        "save jump set perft swap move help e4 e5 Nf3 o-o e7e8=Q . mv go an self multipv "
+        "w ss_off -1 0 1 2 99999999999999999999999 1e99 : test.epd tmp.pgn",
+        ' ');
+    constexpr const char* FENS[] = {"8/8/8/8/8/8/8/8 w - -",
+                                    "kkkkkkkk/8/8/8/8/8/8/KKKKKKKK b KQkq e3",
+                                    "k7/8/8/8/8/8/8/KP6 w",
+                                    "4k3/4R3/8/8/8/8/8/4K3 w - -",
+                                    "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -",
+                                    "9/// x y z"};
+    write_file("test.epd", std::string(FENS[4]) + " id \"1\";\n" + FENS[0] + " id \"2\";\n");
+    Random random(7);
+    const auto any_word = [&] { return words[std::size_t(pick(random, int(words.size())))]; };
+    for (int i = 0; i < scaled(3000); ++i) {
+        std::string line = any_word();
+        if (line == "fen") {
+            line += std::string(" ") + FENS[pick(random, int(std::size(FENS)))];
+        } else if (line == "perft") {
+            line += " 2";
+        } else {
+            for (int more = pick(random, 4); more > 0; --more) line += " " + any_word();
+        }
+        console(line);
+        ASSERT_EQ(inconsistency(game.position), "") << line;
+    }
+}
+
+}  // namespace
+}  // namespace quon::test

@@ -1,0 +1,241 @@
+// Console mode as a person leads it: searches, commands while one runs, self-play, files.
+
+#include <gtest/gtest.h>
+
+#include "protocol/session.h"
+#include "support/board_support.h"
+#include "support/files.h"
+
+namespace quon::test {
+namespace {
+
+constexpr char START[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
+
+struct ConsoleSession : Process {
+    explicit ConsoleSession(const Lines& more = {}) : Process(arguments(more)) {
+        EXPECT_TRUE(read_line().starts_with("info string et= "));
+        EXPECT_EQ(read_board()[0], START);
+    }
+    static Lines arguments(const Lines& more) {
+        Lines words = {"-c", "-hash", "1"};
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+    // The next lines up to the end of a board.
+    Lines read_board() {
+        Lines lines;
+        do lines.push_back(read_line());
+        while (lines.back() != "white" && lines.back() != "black");
+        EXPECT_EQ(read_line(), "");
+        return lines;
+    }
+    // The next lines up to the end of a search's statistics; the line of the move.
+    std::string read_summary() {
+        const std::string move = read_to("move= ").back();
+        const std::string number = R"(-?\d+\.?\d*)";
+        EXPECT_TRUE(matches(move, "move= \\S+, time= " + number + ", score= " + number +
+                                      ", nodes= \\d+, nps= \\d+K ebf= " + number))
+            << move;
+        const std::string hits = read_line();
+        EXPECT_TRUE(matches(hits, "Hash fill= " + number + "%, Hash hits: main= " + number +
+                                      "%, pawn= " + number + "%, eval= " + number + "%, TB=0K"))
+            << hits;
+        EXPECT_EQ(read_line(), "");
+        return move;
+    }
+    int finish() {
+        send({"quit"});
+        return wait().status;
+    }
+};
+
+bool names_move_played(const std::string& summary) {
+    return matches(summary, "move= [a-h][1-8][a-h][1-8](=[QRBN])?, .*");
+}
+
+TEST(ConsoleSession, SearchesReportAndPlayNothing) {
+    ConsoleSession session({"-nolog"});
+    session.send({"go 4"});
+    const Lines lines = session.read_to("Hash fill= ");
+    EXPECT_EQ(lines[0], std::string("fen ") + START);
+    EXPECT_EQ(lines[1], "Ply= 0, Clock= 99999.00s  Target time= 99999.00s");
+    EXPECT_TRUE(matches(lines[2], R"(00\] 01\. +\d+\.\d +\d+K +-?\d+  [a-h].*)")) << lines[2];
+    EXPECT_TRUE(lines[lines.size() - 3].starts_with("00] 04. ")) << lines[lines.size() - 3];
+    session.send({"depth 3", "level 1 60 0", "mv"});
+    EXPECT_TRUE(names_move_played(session.read_summary()));
+    session.send({"go 0", "."});
+    EXPECT_TRUE(names_move_played(session.read_summary())) << "analysis without a limit, ended";
+    session.send({".", "bd"});
+    EXPECT_EQ(session.read_line(), START) << "nothing was played, nothing is left to end";
+    // The end of the input ends an analysis only if nothing else would.
+    session.send({"go 11"});
+    session.close_input();
+    EXPECT_TRUE(session.read_to("00] 11. ").back().starts_with("00] 11. "));
+    EXPECT_EQ(session.wait().status, 0);
+}
+
+TEST(ConsoleSession, CommandsDuringASearch) {
+    const struct {
+        const char* line;
+        bool ends;         // the search
+        const char* next;  // the beginning of what follows
+    } cases[] = {
+        {"bd", false, "rnbqkbnr/"},
+        {"depth 20", false, ""},
+        {"save", false, ""},
+        {"sp", false, "piece values="},
+        {"pv", false, "PV: "},
+        {"swap", false, ""},
+        {"e2e5", false, ""},
+        {"new", true, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w"},
+        {"fen 4k3/8/8/8/8/8/4P3/4K3 w - -", true, "4k3/8/"},
+        {"e4", true, "2. move e4"},
+        {"undo", true, "rnbqkbnr/pppppppp/8/8/3P4/"},
+        {"]", true, "2. move c2c4"},
+        {"jump 0", true, START},
+        {"load missing", true, "loading missing, tag "},
+        {"get 1", true, "get"},
+        {"ev", true, "eval= "},
+        {"perft 1", true, "visited "},
+        {"set LMR_depth 3", true, "LMR_depth set to 3"},
+        {"go 1", true, "move= "},
+    };
+    ConsoleSession session({"-nolog", "-threads", "2"});
+    for (const auto& c : cases) {
+        session.send({"noise 9999", "level 1 60", "new", "d4", "d5", "c4", "undo", "go"});
+        session.read_to("set level");
+        for (int boards = 0; boards < 5; ++boards) session.read_board();
+        session.send({c.line});
+        if (!c.ends) {
+            session.send({"level 9 9:09 9"});
+            const Lines lines = session.read_to("set level");
+            EXPECT_TRUE(lines[0].starts_with(c.next)) << c.line;
+            for (const std::string& line : lines)
+                EXPECT_FALSE(line.starts_with("move= ")) << c.line;
+            session.send({"."});
+            session.read_summary();
+        } else {
+            EXPECT_TRUE(names_move_played(session.read_summary())) << c.line;
+            EXPECT_TRUE(session.read_line().starts_with(c.next)) << c.line;
+        }
+        session.send({".", "noise 9999", "level 9 9:09 9"});
+        session.read_to("set level to 9 moves in 549.00 seconds, inc 9.00");
+    }
+    EXPECT_EQ(session.finish(), 0);
+}
+
+TEST(ConsoleSession, PositionsThatCannotBeSearched) {
+    ConsoleSession session({"-nolog"});
+    session.send({"edit", "#", "w Ke1", "b Ke2 Kh8", ".", "ev", "perft 3", "e2", "pv", "mv"});
+    EXPECT_EQ(session.read_board()[6], "7k/8/8/8/8/8/4k3/4K3 b - -");
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(session.read_line(), "illegal position: Black needs one king");
+    }
+    EXPECT_TRUE(session.read_summary().starts_with("move= null, "));
+    // The end of the input ends an edit too.
+    session.send({"edit", "#", "w Ka1", "b Kc3"});
+    session.close_input();
+    const Ending ending = session.wait();
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_TRUE(contains(ending.lines, "8/8/8/8/8/2k5/8/K7 b - -"));
+}
+
+TEST(ConsoleSession, PlaysItself) {
+    ConsoleSession session({"-nolog"});
+    session.send(
+        {"fen 7k/8/5K2/8/8/8/8/6R1 w - -", "level 0 100 1", "depth 6", "noise 9999", "self"});
+    session.read_board();
+    EXPECT_EQ(session.read_line(), "set level to 0 moves in 100.00 seconds, inc 1.00");
+    // One board after every move, and a search that finds nothing at the end.
+    int moves = 0;
+    while (names_move_played(session.read_summary())) {
+        session.read_board();
+        ASSERT_LT(++moves, 60);
+    }
+    session.send({"undo", "]"});
+    session.read_board();
+    EXPECT_EQ(session.read_line(), "2. move g1h1") << "the mate";
+    session.read_board();
+    session.send({"ev"});
+    EXPECT_TRUE(session.read_to("eval= ").back().starts_with("eval= -10000, qscore= -9999,"));
+
+    // A person who takes the board ends it; a later "self" goes on from there.
+    session.send({"new", "level 1 60", "self"});
+    session.read_summary();
+    session.send({"new", "depth 1", "bd"});
+    session.read_to(START);
+    session.send({"level 3 3", "self"});
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(names_move_played(session.read_summary()));
+    // What changes nothing of the game comes between two moves.
+    session.send({"new", "depth 66", "level 1 60", "self", "perft 1"});
+    session.read_to("set level to 1 ");
+    EXPECT_TRUE(names_move_played(session.read_summary()));
+    session.read_to("visited 20 nodes");
+    session.send({".", "quit"});
+    EXPECT_TRUE(names_move_played(session.read_summary())) << "it plays on";
+    EXPECT_EQ(session.wait().status, 0);
+}
+
+TEST(ConsoleSession, TheLogAndWhatNeverReachesIt) {
+    ConsoleSession session;
+    session.send({"e4", "sp", "lmr", "swap", "pv", "help", "level 1 1", "frobnicate", "uci"});
+    session.read_to("uciok");
+    EXPECT_EQ(session.finish(), 0);
+    const std::string log = "\n" + read_file(session.directory() + "/quon.log");
+    for (const char* line : {"\n1. move e4\n", "\nset level to 1 moves", "\nuciok\n"}) {
+        EXPECT_NE(log.find(line), std::string::npos) << line;
+    }
+    for (const char* text : {"\ne4\n", "piece values", "LMR table", "PV:", "sq= "}) {
+        EXPECT_EQ(log.find(text), std::string::npos) << text;
+    }
+}
+
+TEST(ConsoleSession, TraceOfTheSearch) {
+    ConsoleSession session({"-nolog", "-threads", "2"});
+    session.send({"trace 2", "go 3"});
+    session.read_summary();
+    const std::string text = read_file(session.directory() + "/trace.txt");
+    EXPECT_TRUE(text.starts_with("\n\nSEARCH DEPTH= 1\n( 1)")) << text.substr(0, 100);
+    int iterations = 0;
+    int root_moves = 0;
+    for (const std::string& line : split(text, '\n')) {
+        if (line.starts_with("SEARCH")) {
+            EXPECT_EQ(line, "SEARCH DEPTH= " + std::to_string(++iterations));
+        } else if (!line.empty()) {
+            const std::string entry = R"(\([ -]\d\)([a-h][1-8]){2} )";
+            EXPECT_TRUE(matches(line, entry + "(" + entry + ")?|         " + entry)) << line;
+            root_moves += iterations == 1 && line[0] == '(';
+        }
+    }
+    EXPECT_EQ(iterations, 3);
+    EXPECT_EQ(root_moves, 20);
+    // Every search has its headings, the evaluation has none.
+    session.send({"e4", "d5", "go 2"});
+    session.read_summary();
+    const std::string two = read_file(session.directory() + "/trace.txt");
+    const std::size_t again = two.rfind("\n\nSEARCH DEPTH= 1\n");
+    EXPECT_GE(again, text.size());
+    EXPECT_GT(two.rfind("\n\nSEARCH DEPTH= 2\n"), again);
+    session.send({"ev"});
+    session.read_to("eval= ");
+    const std::string three = read_file(session.directory() + "/trace.txt");
+    EXPECT_TRUE(three.starts_with(two + "\n(")) << "the captures";
+    EXPECT_EQ(three.rfind("SEARCH"), two.rfind("SEARCH"));
+    session.send({"trace 0", "go 5"});
+    session.read_summary();
+    EXPECT_EQ(read_file(session.directory() + "/trace.txt"), three);
+    EXPECT_EQ(session.finish(), 0);
+}
+
+TEST(ConsoleSession, GoesOverToUci) {
+    ConsoleSession session({"-nolog"});
+    session.send({"isready", "e4", "uci", "isready", "e5", "perft 3", "go depth 2"});
+    EXPECT_EQ(session.read_line(), "1. move e4") << "no readyok before";
+    session.read_to("uciok");
+    EXPECT_EQ(session.read_line(), "readyok");
+    EXPECT_TRUE(names_move(session.read_to("bestmove").back()));
+    EXPECT_EQ(session.finish(), 0);
+}
+
+}  // namespace
+}  // namespace quon::test
