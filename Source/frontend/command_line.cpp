@@ -130,6 +130,16 @@ constexpr Switch SWITCHES[] = {
      "-bench in the main thread alone, always to depth 17"},
     {"-anepd", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TEST_SUITE>,
      "search the positions of an EPD test suite, count solutions, and end"},
+    {"-match", Takes::FILE_NAME, "FILE",
+     [](const Argument& a, RunMode& mode) {
+         choose(mode, Job::MATCH);
+         options.match_file = a.text;
+     },
+     "play the parameters of test1.rc against those of the start, games to FILE, and end"},
+    {"-mktune", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TUNING_SET>,
+     "write the positions of an EPD file that tuning can use to tune_new.epd"},
+    {"-tune", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TUNE>,
+     "fit parameters to the results in an EPD file, and end"},
     {"-scan_pgn1", Takes::FILE_NAME, "FILE", choose_scan<1>,
      "write the games with blunders marked to tmp.pgn and tmpX.epd"},
     {"-scan_pgn2", Takes::FILE_NAME, "FILE", choose_scan<2>,

@@ -13,6 +13,7 @@
 #include "frontend/output.h"
 #include "search/control.h"
 #include "search/run.h"
+#include "tools/tune.h"
 
 namespace quon {
 
@@ -28,6 +29,11 @@ void show_book(const ConsoleLine&) {
 void make_book(const ConsoleLine&) {
     take_over();
     build_book(game.position);
+}
+
+void tune_parameter(const ConsoleLine& line) {
+    take_over();
+    tune_command(line.first, line.second);
 }
 
 struct ConsoleCommand {
@@ -84,6 +90,8 @@ constexpr ConsoleCommand COMMANDS[] = {
     {"mkbook", "", make_book, "build the opening book book.opn from the games of book.pgn"},
     {"set", "NAME [VALUE]", set_parameter,
      "a search parameter, target_nps or ss_off; set alone: all as at the start"},
+    {"tune", "NAME [FILE]", tune_parameter,
+     "search the best value of a parameter over the positions of FILE, or tune.epd"},
     {"perft", "N", count_paths, "count the move paths of N plies"},
     {"swap", "", show_exchanges, "what each piece is worth to the side that takes it"},
     {"move", "MOVE", [](const ConsoleLine& line) { play_move(line.first); },

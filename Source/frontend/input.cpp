@@ -9,6 +9,7 @@
 #include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "frontend/uci.h"
+#include "frontend/words.h"
 #include "platform/events.h"
 
 namespace quon {
@@ -53,6 +54,18 @@ void read_lines() {
     if (ended) end_line();
 }
 
+// Where the first waiting command with this first word begins; npos if there is none.
+std::size_t find_command(std::string_view word) {
+    read_lines();
+    const std::string_view pending = pending_input;
+    for (std::size_t start = 0; start < pending.size();
+         start = pending.find(SEPARATOR, start) + 1) {
+        const std::string_view line = pending.substr(start, pending.find(SEPARATOR, start) - start);
+        if (first_word(line) == word) return start;
+    }
+    return std::string::npos;
+}
+
 std::string take_command() {
     const std::size_t end = pending_input.find(SEPARATOR);
     std::string command = pending_input.substr(0, end);
@@ -64,6 +77,15 @@ std::string take_command() {
 }  // namespace
 
 bool command_pending() { return !pending_input.empty(); }
+
+bool command_waits(std::string_view word) { return find_command(word) != std::string::npos; }
+
+bool withdraw_command(std::string_view word) {
+    const std::size_t start = find_command(word);
+    if (start == std::string::npos) return false;
+    pending_input.erase(start, pending_input.find(SEPARATOR, start) + 1 - start);
+    return true;
+}
 
 bool input_ended() { return ended; }
 

@@ -2,6 +2,7 @@
 // Commands as lines from standard input. Main thread only.
 
 #include <string>
+#include <string_view>
 
 namespace quon {
 
@@ -14,6 +15,11 @@ void process_input();
 // Takes the next line, for commands that go on over several; waits for it. False at the end of the
 // input.
 bool next_input_line(std::string& line);
+
+// Reads what standard input holds; true if a command that begins with this word is among those that
+// wait, behind whichever others. It stays there, or is taken out. Neither waits for input.
+bool command_waits(std::string_view word);
+bool withdraw_command(std::string_view word);
 
 // A whole command has been read and waits for process_input.
 bool command_pending();

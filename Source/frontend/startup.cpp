@@ -26,7 +26,9 @@
 #include "syzygy/tbprobe.h"
 #include "tools/bench.h"
 #include "tools/epd_runner.h"
+#include "tools/match.h"
 #include "tools/pgn_scan.h"
+#include "tools/tune.h"
 
 namespace quon {
 
@@ -111,6 +113,9 @@ constexpr Tool TOOLS[] = {
          run_bench(m.bench_variant, m.bench_single_thread);
          return true;
      }},
+    {Job::MATCH, [](const RunMode&) { return run_match(); }},
+    {Job::TUNING_SET, [](const RunMode&) { return make_tuning_set(); }},
+    {Job::TUNE, [](const RunMode&) { return tune_gradient(); }},
 };
 
 bool run_tool(const Tool& tool, const RunMode& mode) {

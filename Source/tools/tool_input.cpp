@@ -26,8 +26,9 @@ struct Heard {
 
 constexpr Heard HEARD[] = {{"isready", RUN}, {"stop", STOP}, {"quit", ABORT}};
 
-StopFlag wish = RUN;     // the first that was heard
-bool listening = false;  // standard input carries commands, and its end is one of them
+StopFlag wish = RUN;      // the first that was heard
+bool listening = false;   // standard input carries commands, and its end is one of them
+bool in_console = false;  // what standard input carries is the console's
 
 void raise_wish(StopFlag next) {
     if (wish == RUN) wish = next;
@@ -41,9 +42,14 @@ void obey(const std::string& command) {
     }
 }
 
+bool console_wishes_end() {
+    return withdraw_command("stop") || withdraw_command(".") || command_waits("quit");
+}
+
 void hear() {
     std::string command;
     for (int i = 0; i < COMMANDS_PER_CALL && listening && next_command(command); ++i) obey(command);
+    if (in_console && console_wishes_end()) raise_wish(STOP);
     if (interrupted()) raise_wish(STOP);
 }
 
@@ -53,13 +59,24 @@ bool all_heard() { return input_ended() && !command_pending(); }
 
 void start_tool_input(const std::string& file) {
     wish = RUN;
+    in_console = false;
     listening = !is_standard_input(file);
     catch_interrupts();
     for (int i = 0; i < CALLS_AT_START && listening && !all_heard(); ++i) hear();
     if (all_heard()) listening = false;
 }
 
-void end_tool_input() { release_interrupts(); }
+void start_command_input() {
+    wish = RUN;
+    in_console = true;
+    listening = false;
+    catch_interrupts();
+}
+
+void end_tool_input() {
+    listening = in_console = false;
+    release_interrupts();
+}
 
 bool end_wished(int wait_ms) {
     if (wait_ms > 0) wait_for_event(wait_ms, listening && !input_ended());

@@ -12,7 +12,12 @@ namespace quon {
 // no commands are taken from there.
 void start_tool_input(const std::string& file = {});
 
-// At its end, so that Ctrl-C ends the process again.
+// At the start of a console command that takes long. "stop" and "." end it, and so does "quit",
+// which stays on the input like all other lines: the console handles them in their order
+// afterwards. The end of the input does not end it.
+void start_command_input();
+
+// At the end of both, so that Ctrl-C ends the process again.
 void end_tool_input();
 
 // True once the tool is to end: after "quit", "stop", Ctrl-C, the end of an input that was open

@@ -11,6 +11,7 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "eval/eval_tables.h"
 #include "platform/clock.h"
 #include "search/control.h"
 #include "search/hash.h"
@@ -42,6 +43,8 @@ SearchRig::~SearchRig() {
     options = saved_options;
     limits = saved_limits;
     params = saved_params;
+    init_eval_tables();
+    apply_search_params();
     control.go_request = NO_SEARCH;
     control.search_mode = NO_SEARCH;
     control.stop_flag = RUN;

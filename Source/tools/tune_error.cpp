@@ -1,0 +1,167 @@
+// The error that the tuners minimise, and the choice of positions that it is measured over.
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+#include "board/fen.h"
+#include "eval/eval_tables.h"
+#include "frontend/engine_options.h"
+#include "frontend/line_reader.h"
+#include "frontend/output.h"
+#include "frontend/progress.h"
+#include "frontend/words.h"
+#include "search/search_params.h"
+#include "search/threads.h"
+#include "search/time.h"
+#include "tools/tool_input.h"
+#include "tools/tune.h"
+
+namespace quon {
+
+namespace {
+
+constexpr char FILTERED_FILE[] = "tune_new.epd";
+
+constexpr std::size_t MAX_LINE = 253;  // characters; what a line has beyond them is passed over
+constexpr int DECIDED_SCORE = 900;     // centipawns; beyond it a position teaches nothing
+constexpr int MAX_UNREST = 150;        // between evaluation and quiescence score
+constexpr i64 MAX_GIVEN_SCORE = 950;
+constexpr int LINES_PER_POLL = 255;
+
+bool is_comment(std::string_view line) {
+    return line.empty() || line[0] == ' ' || line[0] == '#' || line[0] == ';';
+}
+
+// The game's result from White's side, as it stands behind the side to move.
+std::optional<double> result_of(std::string_view line) {
+    constexpr struct {
+        std::string_view text;
+        double value;
+    } results[] = {{"1-0", 1.0}, {"0-1", 0.0}, {"1/2", 0.5}};
+    const std::string_view rest = text_from(line, std::min(line.find(" w "), line.find(" b ")));
+    for (const auto& row : results) {
+        if (rest.find(row.text) != std::string_view::npos) return row.value;
+    }
+    return std::nullopt;
+}
+
+double winning_probability(int score) { return 1 / (1 + std::pow(10.0, -score / 400.0)); }
+
+int given_score(const EpdRecord& record) {
+    return int(std::clamp(to_integer(record.ce), -MAX_GIVEN_SCORE, MAX_GIVEN_SCORE));
+}
+
+// Evaluation and quiescence score of the game's position, for the side to move.
+struct Scores {
+    int eval;
+    int quiet;
+};
+
+Scores measure_position() {
+    time_setup();
+    search_in_main_thread();
+    const ThreadData& thread = thread_data(0);
+    return {thread.root_eval, thread.root_score};
+}
+
+// The record's share of the error; none if the record teaches nothing.
+std::optional<double> record_error(std::string_view line, const EpdRecord& record) {
+    position_from_fen(game.position, record.fen);
+    if (position_problem(game.position) != nullptr) return std::nullopt;
+    const Scores scores = measure_position();
+    const std::optional<double> result = result_of(line);
+    if (!result || std::abs(scores.quiet) > DECIDED_SCORE ||
+        std::abs(scores.eval - scores.quiet) > MAX_UNREST) {
+        return std::nullopt;
+    }
+    const double reached = game.position.side == WHITE ? *result : 1 - *result;
+    const double error = std::abs(reached - winning_probability(scores.quiet));
+    assert(0 <= error && error <= 1);
+    return error;
+}
+
+void show_status(TuneStatus& status, const LineReader& reader) {
+    if (!progress_due(status.progress)) return;
+    const bool size_known = reader.file_size > 0;
+    const double read = size_known ? double(reader.bytes_read) / double(reader.file_size) : 0;
+    const auto positions = double(status.positions);
+    show_progress(status.progress,
+                  status.label + format("%.0f positions, %.0f/s", positions,
+                                        positions / progress_seconds(status.progress)),
+                  status.done + status.part * read, size_known ? 1 : 0);
+}
+
+ErrorSum measure(const std::string& path, TuneStatus& status, OutputFile* copy) {
+    init_eval_tables();
+    apply_search_params();
+    ErrorSum errors;
+    LineReader reader;
+    errors.readable = open_lines(reader, path, MAX_LINE);
+    LinePiece piece;
+    EpdRecord record;
+    int lines = 0;
+    while (errors.readable && !(copy && copy->failed) && next_piece(reader, piece)) {
+        if (++lines % LINES_PER_POLL == 0) {
+            if (end_wished()) break;
+            show_status(status, reader);
+        }
+        if (!piece.starts_line || is_comment(piece.text)) continue;
+        if (!parse_epd_line(piece.text, record)) continue;
+        const std::optional<double> error = record_error(piece.text, record);
+        if (!error || (copy && std::abs(given_score(record)) > DECIDED_SCORE)) continue;
+        errors.sum += *error;
+        ++errors.positions;
+        ++status.positions;
+        if (!copy) continue;
+        write_text(*copy, piece.text);
+        write_text(*copy, "\n");
+    }
+    errors.readable = errors.readable && !read_failed(reader);
+    status.done += status.part;
+    return errors;
+}
+
+}  // namespace
+
+double mean_error(const ErrorSum& errors) {
+    if (!errors.readable) return 1.0;
+    return errors.positions > 0 ? errors.sum / double(errors.positions) : 0.0;
+}
+
+ErrorSum sum_errors(const std::string& path, TuneStatus& status) {
+    return measure(path, status, nullptr);
+}
+
+double tune_error(const std::string& path) {
+    TuneStatus status;
+    return mean_error(sum_errors(path, status));
+}
+
+ErrorSum tune_error_filter(const std::string& path, OutputFile& copy) {
+    TuneStatus status;
+    return measure(path, status, &copy);
+}
+
+bool make_tuning_set() {
+    const std::string& path = options.tune_file;
+    if (overwrites_input(path, FILTERED_FILE)) return false;
+    OutputFile copy;
+    if (!create_output(copy, FILTERED_FILE)) {
+        std::fprintf(stderr, "quon: can't create %s\n", FILTERED_FILE);
+        return false;
+    }
+    options.output_delay = NEVER;
+    limits.depth_limit = 0;
+    start_tool_input(path);
+    const bool readable = tune_error_filter(path, copy).readable;
+    end_tool_input();
+    end_progress();
+    if (!readable) std::fprintf(stderr, "quon: %s cannot be read\n", path.c_str());
+    return close_output(copy) && readable;
+}
+
+}  // namespace quon

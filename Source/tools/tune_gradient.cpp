@@ -1,0 +1,188 @@
+// Gradient descent. A pass measures each parameter's slope on a random sample of the positions, by
+// the errors on both sides of its value, and moves the value against the slope, in proportion to
+// its size. The common rate grows while the moves are too small to matter and shrinks when they are
+// large on average.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+#include "eval/eval_tables.h"
+#include "eval/tunables.h"
+#include "frontend/engine_options.h"
+#include "frontend/line_reader.h"
+#include "frontend/output.h"
+#include "frontend/progress.h"
+#include "tools/tool_input.h"
+#include "tools/tune.h"
+
+namespace quon {
+
+namespace {
+
+constexpr char LOG_FILE[] = "tune.log";
+constexpr char SAMPLE_FILE[] = "junk.epd";
+constexpr int SAMPLE_PERCENT = 15;
+constexpr std::size_t PIECE_LENGTH = 4096;
+constexpr int PIECES_PER_POLL = 255;
+
+constexpr std::array ACTIVE_NAMES = {"p1", "p2", "p3", "p4", "p5", "p6", "p7", "p8", "p9"};
+constexpr int PASSES = 100;
+constexpr double FIRST_RATE = 2000;
+
+struct Descent {
+    OutputFile log;
+    std::string unreadable;  // the file that could not be read
+    TuneStatus status;
+    double k0 = FIRST_RATE;
+    // Of the last pass.
+    double avg_lr = 0;
+    double max_lr = 0;
+    double max_step = 0;
+};
+
+void say(Descent& descent, const std::string& text) {
+    print_unlogged(text + "\n");
+    write_text(descent.log, text + "\n");
+}
+
+bool must_end(const Descent& descent) { return descent.log.failed || end_wished(); }
+
+void activate_parameters() {
+    register_tunables();
+    for (TunableParam& t : tunables) {
+        t.active =
+            std::find(ACTIVE_NAMES.begin(), ACTIVE_NAMES.end(), t.name) != ACTIVE_NAMES.end();
+    }
+}
+
+// size: of the file, 1 for the whole one.
+double error_of(Descent& descent, const std::string& path, double size) {
+    // A pass takes the whole file once and the sample twice for each parameter.
+    constexpr double PASS_SIZE = 1 + 2 * double(ACTIVE_NAMES.size()) * SAMPLE_PERCENT / 100;
+    descent.status.part = size / PASS_SIZE / PASSES;
+    const ErrorSum errors = sum_errors(path, descent.status);
+    if (!errors.readable) descent.unreadable = path;
+    return mean_error(errors);
+}
+
+double sample_error_at(Descent& descent, TunableParam& t, int x) {
+    *t.field = i16(x);
+    return error_of(descent, SAMPLE_FILE, SAMPLE_PERCENT / 100.0);
+}
+
+// Measures the slope at the parameter's field and moves its continuous value. Nothing is moved when
+// the measurement is broken off.
+void move_parameter(Descent& descent, TunableParam& t) {
+    const int x0 = *t.field;
+    const int d = int(std::round(std::abs(t.value) * 0.03 + 1.0));
+    const double e1 = sample_error_at(descent, t, x0 - d);
+    const double e2 = sample_error_at(descent, t, x0 + d);
+    *t.field = i16(x0);
+    if (must_end(descent)) return;
+
+    const double g = (e2 - e1) / (2 * d);
+    const double size = std::abs(t.value) + 6;
+    const double lr = descent.k0 * g;
+    const double wanted = -lr * size;
+    const double step = std::clamp(wanted, -0.025 * size, 0.025 * size);
+    t.value += step;
+    t.gradient = g;
+    descent.avg_lr += std::abs(lr);
+    descent.max_lr = std::max(descent.max_lr, std::abs(lr));
+    descent.max_step = std::max(descent.max_step, std::abs(wanted));
+    say(descent, format("p1=%4d/%6.5f, p2=%4d/%6.5f, g=%10.2e, lr=%5.2f, x=%5.1f, p=%6.1f", x0 - d,
+                        e1, x0 + d, e2, g, 100 * lr, step, t.value));
+}
+
+void adapt_rate(Descent& descent) {
+    if (descent.max_lr < 0.016 || descent.max_step < 0.8) descent.k0 *= 1.03;
+    if (descent.avg_lr > 0.07) descent.k0 *= 0.97;
+}
+
+// False if the sample cannot be written.
+bool run_pass(Descent& descent, int pass) {
+    const Sample sample = tune_sample(options.tune_file);
+    if (!sample.readable) descent.unreadable = options.tune_file;
+    if (!sample.written) return false;
+    descent.status.label = format("pass %d of %d, ", pass + 1, PASSES);
+    descent.status.done = double(pass) / PASSES;
+    say(descent, format("pass= %d, k0= %0.3e, avg_lr= %0.1f, max_lr= %0.1f\n", pass, descent.k0,
+                        100 * descent.avg_lr, 100 * descent.max_lr));
+    for (const TunableParam& t : tunables) {
+        if (!t.active) continue;
+        *t.field = i16(std::round(t.value));
+        say(descent, format("** %s = %d", t.name.c_str(), *t.field));
+    }
+    const double error = error_of(descent, options.tune_file, 1);
+    if (must_end(descent)) return true;
+    say(descent, format("\nerr= %0.5f\n\n", error));
+    flush_output(descent.log);
+
+    descent.avg_lr = descent.max_lr = descent.max_step = 0;
+    int active = 0;
+    for (TunableParam& t : tunables) {
+        if (!t.active) continue;
+        move_parameter(descent, t);
+        if (must_end(descent)) return true;
+        ++active;
+    }
+    descent.avg_lr /= std::max(active, 1);
+    adapt_rate(descent);
+    say(descent, "");
+    return true;
+}
+
+}  // namespace
+
+Sample tune_sample(const std::string& path) {
+    OutputFile sample;
+    if (!create_output(sample, SAMPLE_FILE)) {
+        std::fprintf(stderr, "quon: can't create %s\n", SAMPLE_FILE);
+        return {.written = false};
+    }
+    LineReader reader;
+    bool readable = open_lines(reader, path, PIECE_LENGTH);
+    LinePiece piece;
+    bool drawn = false;
+    int pieces = 0;
+    while (readable && !sample.failed && next_piece(reader, piece)) {
+        if (++pieces % PIECES_PER_POLL == 0 && end_wished()) break;
+        if (piece.starts_line) drawn = std::rand() % 100 < SAMPLE_PERCENT;
+        if (!drawn) continue;
+        write_text(sample, piece.text);
+        if (piece.ends_line) write_text(sample, "\n");
+    }
+    readable = readable && !read_failed(reader);
+    return {readable, close_output(sample)};
+}
+
+bool tune_gradient() {
+    for (const char* name : {LOG_FILE, SAMPLE_FILE}) {
+        if (overwrites_input(options.tune_file, name)) return false;
+    }
+    Descent descent;
+    if (!create_output(descent.log, LOG_FILE)) {
+        std::fprintf(stderr, "quon: can't create %s\n", LOG_FILE);
+        return false;
+    }
+    options.output_delay = NEVER;
+    limits.depth_limit = 0;
+    activate_parameters();
+    start_tool_input(options.tune_file);
+    bool sampled = true;
+    for (int pass = 0; pass < PASSES && sampled && !must_end(descent); ++pass) {
+        sampled = run_pass(descent, pass);
+    }
+    end_tool_input();
+    end_progress();
+    const std::string& unreadable = descent.unreadable;
+    if (!unreadable.empty()) std::fprintf(stderr, "quon: %s cannot be read\n", unreadable.c_str());
+    const bool logged = close_output(descent.log);
+    init_eval_tables();
+    return unreadable.empty() && sampled && logged;
+}
+
+}  // namespace quon
