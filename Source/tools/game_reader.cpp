@@ -19,8 +19,6 @@ bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
-bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-
 std::string_view quoted_value(std::string_view line) {
     const std::size_t open = line.find('"');
     if (open == std::string_view::npos) return {};
