@@ -243,7 +243,7 @@ TEST_F(Tuning, RateGrowsOnFlatGround) {
 TEST_F(Tuning, SampleDrawsLines) {
     std::string text;
     for (int i = 0; i < 4000; ++i)
-        text += std::to_string(i) + std::string(i % 9 * 1000, '.') + "\n";
+        text += std::to_string(i) + std::string(std::size_t(i) % 9 * 1000, '.') + "\n";
     directory.write("tune.epd", text);
     std::srand(2);
     EXPECT_TRUE(tune_sample("tune.epd").readable);
