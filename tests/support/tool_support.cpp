@@ -5,16 +5,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
+
+#include "support/files.h"
 
 namespace quon::test {
-
-std::string file_content(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 ToolDirectory::ToolDirectory()
     : path_(std::filesystem::temp_directory_path() / "quon-tool-XXXXXX") {
@@ -27,11 +21,11 @@ ToolDirectory::~ToolDirectory() {
 }
 
 void ToolDirectory::write(const std::string& name, const std::string& content) const {
-    std::ofstream(path_ + "/" + name, std::ios::binary) << content;
+    write_file(path_ + "/" + name, content);
 }
 
 std::string ToolDirectory::read(const std::string& name) const {
-    return file_content(path_ + "/" + name);
+    return read_file(path_ + "/" + name);
 }
 
 bool ToolDirectory::make_full(const std::string& name) const {

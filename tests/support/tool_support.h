@@ -7,8 +7,6 @@
 
 namespace quon::test {
 
-std::string file_content(const std::string& path);  // "" if it is not there
-
 class ToolDirectory {
 public:
     ToolDirectory();

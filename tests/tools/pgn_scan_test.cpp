@@ -10,6 +10,7 @@
 
 #include "frontend/output.h"
 #include "support/board_support.h"
+#include "support/files.h"
 #include "support/tool_support.h"
 #include "tools/game_reader.h"
 
@@ -273,7 +274,7 @@ TEST(PgnScan, OddFiles) {
     const ToolDirectory directory;
     for (const auto& entry :
          std::filesystem::directory_iterator(std::string(PGN_DIRECTORY) + "odd", error)) {
-        std::string content = file_content(entry.path());
+        std::string content = read_file(entry.path());
         if (content.starts_with("\xEF\xBB\xBF")) content.erase(0, 3);
         int games = 0;
         for (const std::string& line : split(content, '\n')) {
