@@ -22,7 +22,6 @@ namespace quon {
 
 namespace {
 
-constexpr u64 NO_NODE_LIMIT = u64{1} << 62;
 constexpr double CONTEMPT_TIME = 6000;  // seconds; contempt acts in games, not in analysis
 
 }  // namespace
@@ -42,11 +41,13 @@ void thread_prepare(ThreadData& t) {
     t.sel_depth = u8{0};
     t.best_depth = 0;
     t.ext_acc = 0;
+    t.keep_on = nullptr;
     for (Relaxed<u64>* counter :
          {&t.nodes, &t.tb_hits, &t.hash_probes, &t.hash_hits, &t.eval.evaluations,
           &t.eval.eval_hits, &t.eval.pawn_probes, &t.eval.pawn_hits}) {
         *counter = u64{0};
     }
+    schedule_look(t);
 }
 
 namespace {
@@ -96,6 +97,16 @@ bool prepare_root(ThreadData& t) {
     return true;
 }
 
+// A search that is stopped within its first iteration answers with the move that it tries first.
+void publish_first_guess(const ThreadData& t) {
+    const MoveEntry* best = t.plies[1].list_start;
+    for (const MoveEntry* entry = best; entry->move != LIST_END; ++entry) {
+        if (entry->order > best->order) best = entry;
+    }
+    run.shared_line[1] = best->move;
+    run.shared_score = i16(t.root_eval);
+}
+
 bool root_move_at(const ThreadData& t, int position) {
     const MoveEntry* entry = t.plies[1].list_start;
     for (int i = 0; i < position; ++i, ++entry) {
@@ -114,6 +125,7 @@ bool iterations_done(int depth) {
 
 void iterate(ThreadData& t) {
     if (!prepare_root(t) || decide_root(t)) return;
+    publish_first_guess(t);
     for (int depth = 1; depth <= MAX_ITERATION; ++depth) {
         t.iteration = u8(depth);
         run.current_depth = i8(depth);

@@ -35,6 +35,8 @@ constexpr int NULL_MOVE_MARGIN = 11;
 constexpr int DEEPENING_MARGIN = 199;
 constexpr int SAFE_MARGIN = 99;
 constexpr int SINGULAR_MARGIN = 50;
+constexpr u64 NODE_GRACE = 100000;  // beyond the node limit, for a search without a move of depth 2
+constexpr u64 KEEP_ON_NODES = 8192;  // between two looks of a search on the main thread, some 5 ms
 
 struct Node {
     ThreadData& t;
@@ -252,15 +254,32 @@ void mark_singular(const Node& node, int expected) {
                                          node.beta - SINGULAR_MARGIN, node.in_check, move);
 }
 
-// Takes part in every node: counts it, holds it back under a node-rate cap, and ends the search at
-// the node limit.
+// At the node limit the search ends, but not without a move of depth 2 unless that is far off.
+bool node_limit_reached(const ThreadData& t) {
+    return t.nodes > t.node_limit && (t.best_depth > 1 || t.nodes > t.node_limit + NODE_GRACE);
+}
+
+void look_around(ThreadData& t) {
+    if (node_limit_reached(t)) control.stop_flag = STOP;
+    if (t.nodes <= t.keep_on_at) return;
+    if (!(*t.keep_on)()) control.stop_flag = ABORT;
+    schedule_look(t);
+}
+
+// Takes part in every node: counts it, holds it back under a node-rate cap, and looks around when
+// that is due.
 void count_node(ThreadData& t, int depth) {
     t.nodes.add(1);
     if (depth >= 1 && options.target_nps < NO_NPS_LIMIT && run.current_depth > 1) throttle(t);
-    if (t.nodes > t.node_limit && t.best_depth > 1) control.stop_flag = STOP;
+    if (t.nodes > t.look_at) look_around(t);
 }
 
 }  // namespace
+
+void schedule_look(ThreadData& t) {
+    t.keep_on_at = t.keep_on != nullptr ? t.nodes + KEEP_ON_NODES : NO_NODE_LIMIT;
+    t.look_at = std::min(t.node_limit, t.keep_on_at);
+}
 
 void extend_line(ThreadData& t, int ply) {
     auto& line = t.pv[ply];

@@ -25,7 +25,8 @@ void publish_result(ThreadData& t) {
                             (depth > run.shared_depth && shown <= OPEN_SCORE) ||
                             (depth == run.shared_depth && score > shown);
         if (better) {
-            if (t.root_line[1] != run.shared_line[1]) run.change_depth = i8(depth);
+            const bool first = run.shared_depth == 0;
+            if (first || t.root_line[1] != run.shared_line[1]) run.change_depth = i8(depth);
             run.shared_score = i16(score);
             run.shared_depth = i8(depth);
             run.shared_line = t.root_line;

@@ -28,6 +28,8 @@ int search_moves(ThreadData& t, int ply, int depth, int alpha, int beta, bool in
 // The node has stored its evaluation in the record and is not in check.
 int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type);
 
+// Sets the node count at which the thread looks around next: at its node limit, or for keep_on.
+void schedule_look(ThreadData& t);
 // Copies the child's line behind the move at pv[ply][ply].
 void extend_line(ThreadData& t, int ply);
 

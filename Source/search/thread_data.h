@@ -3,6 +3,7 @@
 // the Relaxed fields, which the time check and the reports of other threads read.
 
 #include <atomic>
+#include <functional>
 
 #include "board/position.h"
 #include "eval/evaluate.h"
@@ -65,6 +66,9 @@ struct ThreadData : Game {
     int best_depth;  // iteration of the last new best move
     int root_eval;
     u64 node_limit;
+    u64 look_at;     // nodes after which the search looks around: the lesser of the limit and
+    u64 keep_on_at;  // the nodes after which keep_on is asked next
+    const std::function<bool()>* keep_on;  // of a search on the main thread; false ends it
     Relaxed<u64> nodes;
     Relaxed<u64> tb_hits;
     Relaxed<u64> hash_probes;
@@ -73,6 +77,8 @@ struct ThreadData : Game {
     u32 seed;     // of the root order's jitter
     u32 jitter_range;
 };
+
+constexpr u64 NO_NODE_LIMIT = u64{1} << 62;
 
 inline bool is_main(const ThreadData& t) { return t.index == 0; }
 

@@ -132,9 +132,14 @@ void wait_for_idle_threads() {
     }
 }
 
-void search_in_main_thread() {
-    thread_prepare(thread_data(0));
-    iterate(thread_data(0));
+void search_in_main_thread(const std::function<bool()>& keep_on) {
+    ThreadData& t = thread_data(0);
+    thread_prepare(t);
+    if (keep_on) {
+        t.keep_on = &keep_on;
+        schedule_look(t);
+    }
+    iterate(t);
 }
 
 int numa_node_for(int index) {

@@ -20,7 +20,8 @@ int busy_threads();
 // Blocks until no thread is searching; the caller has set the stop flag or knows that they end.
 void wait_for_idle_threads();
 // Searches the game position on the calling thread with the record of thread 0, which is idle.
-void search_in_main_thread();
+// Every few ms `keep_on` is asked, if given; false aborts the search.
+void search_in_main_thread(const std::function<bool()>& keep_on = {});
 
 // Node of the search thread by the placement slots: first cores / nodes slots of each node, then
 // the additional hardware threads in turn. -1 beyond the table or without topology.

@@ -25,6 +25,7 @@ namespace {
 
 constexpr double LEAST_TARGET = 0.002;  // seconds
 constexpr double CHECK_AFTER = 0.02;    // seconds
+constexpr double LEAST_GRACE = 0.05;    // seconds past the time, for a search without a result
 
 void reset_run() {
     if (!params.limit_strength) options.target_nps = NO_NPS_LIMIT;
@@ -163,10 +164,18 @@ int instability(int depth) {
     return doubt;
 }
 
-void time_is_up() {
-    if (run.shared_depth < 2) return;
-    control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT;
+// Before a result of depth 2 a search goes past its time, but not far: where captures explode, the
+// first iteration could take hours.
+bool far_past_time() {
+    const double grace = std::max(limits.move_overhead, LEAST_GRACE);
+    double limit = 2 * run.target_time;
+    if (limits.time_mode != FIXED_TIME) {
+        limit = std::clamp(limits.clock[run.root_side] - 2 * grace, 0.0, limit);
+    }
+    return run.elapsed >= limit + grace;
 }
+
+void time_is_up() { control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT; }
 
 bool move_is_easy() {
     return run.easy_state == 1 || (run.easy_state == 2 && run.elapsed >= run.target_time * 0.5);
@@ -179,7 +188,11 @@ void update_elapsed() { run.elapsed = monotonic_seconds() - run.start_time; }
 void time_check() {
     update_elapsed();
     const int depth = run.current_depth;
-    if (control.stop_flag != RUN || control.search_mode == GO_PONDER || depth < 2) return;
+    if (control.stop_flag != RUN || control.search_mode == GO_PONDER) return;
+    if (run.shared_depth < 2 || depth < 2) {
+        if (far_past_time()) time_is_up();
+        return;
+    }
     const double remaining = std::max(limits.clock[run.root_side] - run.elapsed, 0.0);
     // Then every millisecond counts: with short increments even CHECK_AFTER a move would be too
     // much.

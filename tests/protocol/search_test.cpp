@@ -67,6 +67,31 @@ TEST(SearchSession, FormsOfGo) {
     expect_idle(session);
 }
 
+// Full boards face to face: the first iteration's captures alone would take minutes.
+TEST(SearchSession, AnswersInTimeWhereCapturesExplode) {
+    constexpr const char* positions[] = {
+        "8/8/rnbqkbnr/pppppppp/PPPPPPPP/RNBQKBNR/8/8 w - -",
+        "rnbqkbnr/rrrrrrr1/8/8/8/8/RRRRRRR1/RNBQKBNR w KQkq -",
+    };
+    for (const std::string threads : {"1", "2"}) {
+        Session session;
+        session.send({"setoption name Threads value " + threads});
+        for (const std::string position : positions) {
+            for (const char* go : {"go movetime 100", "go wtime 5000 btime 5000",
+                                   "go wtime 100 btime 100", "go infinite"}) {
+                session.send({"position fen " + position, go});
+                if (std::string_view(go) == "go infinite") session.send({"stop"});
+                const double start = monotonic_seconds();
+                const std::string best = session.read_to("bestmove").back();
+                EXPECT_TRUE(names_move(best)) << position << " " << go << ": " << best;
+                EXPECT_LT(monotonic_seconds() - start, 3) << position << " " << go;
+            }
+            EXPECT_TRUE(names_move(session.best_move({"go nodes 1000"})));
+            session.send({"ucinewgame"});  // ends the node limit
+        }
+    }
+}
+
 TEST(SearchSession, IsReadyAndStopWhileSearching) {
     Session session;
     session.send({"go infinite"});

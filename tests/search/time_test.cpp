@@ -182,10 +182,14 @@ TEST_F(TimeCheck, EasyMovesAndClocks) {
         {100, {.change = 2, .clock = 100, .mode = FIXED}},
         {100, {.score = -900, .clock = 100, .mode = FIXED}},
         {50, {.easy = 2, .mode = FIXED}},
-        // Nothing stops a ponder search, or one without a result of two plies.
+        // Nothing stops a ponder search. One without a result of two plies is stopped at twice its
+        // time, or near the end of the clock.
         {NEVER, {.easy = 1, .search = GO_PONDER}},
-        {NEVER, {.depth = 1, .easy = 1}},
-        {NEVER, {.easy = 1, .result = 1}},
+        {NEVER, {.result = 1, .search = GO_PONDER}},
+        {202, {.depth = 1, .easy = 1}},
+        {202, {.easy = 1, .result = 1}},
+        {202, {.result = 0, .mode = FIXED}},
+        {58, {.result = 1, .clock = 60}},
     };
     for (const auto& [expected, scene] : cases) {
         set(scene);
@@ -212,8 +216,9 @@ TEST_F(TimeCheck, FirstMilliseconds) {
     EXPECT_EQ(flag_at(0.021), STOP);
     set({.clock = 9});
     EXPECT_EQ(flag_at(0.001), STOP);
-    set({.result = 1, .clock = 9});
+    set({.result = 1, .clock = 0});
     EXPECT_EQ(flag_at(0.001), RUN);
+    EXPECT_EQ(flag_at(2.1), STOP);
 }
 
 }  // namespace
