@@ -231,7 +231,7 @@ TEST(Threads, StopAtAnyMoment) {
             control.stop_flag = round % 2 ? STOP : ABORT;
             const SearchResult result = SearchRig::result();
             EXPECT_LT(monotonic_seconds() - before, 5);
-            EXPECT_EQ(result.line.empty(), result.depth == 0);
+            EXPECT_TRUE(result.depth == 0 || !result.line.empty());
             EXPECT_EQ(line_problem(fen, result.line), "") << fen;
             for (int i = 0; i < threads; ++i) EXPECT_EQ(copy_problem(thread_data(i)), "") << i;
         }
