@@ -8,8 +8,25 @@
 
 namespace quon {
 
-u64 perft(Position& p, int depth) {
-    if (depth < 1) return 0;
+namespace {
+
+constexpr u64 NODES_PER_LOOK = 256;  // nodes of two plies or more
+
+struct Count {
+    bool (*keep_on)();
+    u64 nodes = 0;
+    bool ended = false;
+};
+
+bool ended(Count& count) {
+    if (++count.nodes % NODES_PER_LOOK == 0 && count.keep_on && !count.keep_on()) {
+        count.ended = true;
+    }
+    return count.ended;
+}
+
+u64 count_paths(Count& count, Position& p, int depth) {
+    if (depth < 1 || (depth > 1 && ended(count))) return 0;
     MoveEntry list[MAX_LIST];
     const MoveEntry* end = gen_all(p, list);
     const KingGuard guard = king_guard(p);
@@ -20,10 +37,19 @@ u64 perft(Position& p, int depth) {
             ++nodes;
         } else {
             make_move(p, entry->move);
-            nodes += perft(p, depth - 1);
+            nodes += count_paths(count, p, depth - 1);
             unmake_move(p);
         }
     }
+    return nodes;
+}
+
+}  // namespace
+
+std::optional<u64> perft(Position& p, int depth, bool (*keep_on)()) {
+    Count count{keep_on};
+    const u64 nodes = count_paths(count, p, depth);
+    if (count.ended) return std::nullopt;
     return nodes;
 }
 

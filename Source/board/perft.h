@@ -1,11 +1,14 @@
 #pragma once
 // Counts move paths, the standard check of generation, legality and make/unmake together.
 
+#include <optional>
+
 #include "board/position.h"
 
 namespace quon {
 
 // Legal move sequences of exactly `depth` plies from the position; 0 for a depth below 1.
-u64 perft(Position& p, int depth);
+// `keep_on`, if given, is asked every few milliseconds; nothing once it has said no.
+std::optional<u64> perft(Position& p, int depth, bool (*keep_on)() = nullptr);
 
 }  // namespace quon

@@ -41,6 +41,7 @@ constexpr int NOBODY = 2;          // the winner of a drawn or unfinished game
 
 struct Builder {
     Position& position;
+    KeepOn keep_on;
     Progress progress = start_progress();
     std::vector<BookRecord> run = {};  // one record for each position recorded since the last flush
     int games = 0;
@@ -55,17 +56,21 @@ struct Builder {
 
 bool flush(Builder& b) {
     sort_into_run(b.run);
-    if (!merge_runs(RUN_FILE, b.run, MERGED_FILE) || !rename_run(MERGED_FILE, RUN_FILE))
+    if (!merge_runs(RUN_FILE, b.run, MERGED_FILE, b.keep_on) ||
+        !rename_run(MERGED_FILE, RUN_FILE)) {
         return false;
+    }
     b.run.clear();
     print_unlogged(".");
     return true;
 }
 
-bool merge_into_book() {
+bool merge_into_book(const Builder& b) {
     print_unlogged("\nmerging...");
-    if (!merge_runs(GROWING_FILE, RUN_FILE, MERGED_FILE) || !rename_run(MERGED_FILE, GROWING_FILE))
+    if (!merge_runs(GROWING_FILE, RUN_FILE, MERGED_FILE, b.keep_on) ||
+        !rename_run(MERGED_FILE, GROWING_FILE)) {
         return false;
+    }
     std::remove(RUN_FILE);
     print_unlogged("\n");
     return true;
@@ -79,7 +84,7 @@ bool start_game(Builder& b, std::string_view result_line) {
     b.stopped = false;
     ++b.games;
     return (b.games % FLUSH_EVERY != 0 || flush(b)) &&
-           (b.games % MERGE_EVERY != 0 || merge_into_book());
+           (b.games % MERGE_EVERY != 0 || merge_into_book(b));
 }
 
 // The position on the board, for the side that has just moved.
@@ -147,7 +152,7 @@ void report_progress(Builder& b, const LineReader& reader) {
 
 bool read_games(Builder& b, LineReader& reader) {
     for (LinePiece piece; next_piece(reader, piece);) {
-        if (!take_line_piece(b, piece)) return false;
+        if (ended(b.keep_on) || !take_line_piece(b, piece)) return false;
         report_progress(b, reader);
     }
     end_progress();
@@ -157,9 +162,9 @@ bool read_games(Builder& b, LineReader& reader) {
 }
 
 // The frequent positions of the grown book become the new one; returns how many these are.
-std::optional<int> prune_into_book() {
+std::optional<int> prune_into_book(const Builder& b) {
     print_unlogged("pruning...");
-    const std::optional<int> kept = copy_frequent(GROWING_FILE, MIN_GAMES, RUN_FILE);
+    const std::optional<int> kept = copy_frequent(GROWING_FILE, MIN_GAMES, RUN_FILE, b.keep_on);
     if (!kept || !rename_run(RUN_FILE, BOOK_FILE)) return std::nullopt;
     print_unlogged("\n");
     return kept;
@@ -171,7 +176,7 @@ void remove_temporaries() {
 
 }  // namespace
 
-void build_book(Position& position) {
+void build_book(Position& position, KeepOn keep_on) {
     book_close();
     options.book_file.clear();
     LineReader reader;
@@ -179,10 +184,12 @@ void build_book(Position& position) {
     remove_temporaries();
     position_from_fen(position, START_FEN);
 
-    Builder b{position};
-    const bool merged = read_games(b, reader) && flush(b) && merge_into_book();
-    const std::optional<int> kept = merged ? prune_into_book() : std::nullopt;
+    Builder b{position, keep_on};
+    const bool merged = read_games(b, reader) && flush(b) && merge_into_book(b);
+    const std::optional<int> kept = merged ? prune_into_book(b) : std::nullopt;
+    end_progress();
     remove_temporaries();
+    if (!kept && ended(keep_on)) print_unlogged("\nended, no book made\n");
     if (kept) print_unlogged("done\n");
     if (kept && output_is_terminal()) {
         print_unlogged(format("%d games, %d positions kept, %.1f seconds\n", b.games, *kept,

@@ -78,7 +78,8 @@ BookRecord take_front(RunReader& a, RunReader& b) {
     return record;
 }
 
-bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to) {
+bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to,
+           KeepOn keep_on) {
     RecordWriter out = create_records(to);
     if (!out) {
         report_unwritable(to);
@@ -86,6 +87,7 @@ bool merge(RunReader a, RunReader b, const std::string& from, const std::string&
     }
     bool written = true;
     while (written && !(a.ended && b.ended)) {
+        if (ended(keep_on)) return false;
         written = write_record(out, take_front(a, b));
     }
     if (broken(a) || broken(b)) {
@@ -114,21 +116,23 @@ void sort_into_run(std::vector<BookRecord>& records) {
 }
 
 bool merge_runs(const std::string& path, const std::vector<BookRecord>& run,
-                const std::string& to_path) {
+                const std::string& to_path, KeepOn keep_on) {
     RunReader old_run;
-    return open_run(path, old_run) && merge(std::move(old_run), read_run({}, run), path, to_path);
+    return open_run(path, old_run) &&
+           merge(std::move(old_run), read_run({}, run), path, to_path, keep_on);
 }
 
-bool merge_runs(const std::string& path, const std::string& other_path,
-                const std::string& to_path) {
+bool merge_runs(const std::string& path, const std::string& other_path, const std::string& to_path,
+                KeepOn keep_on) {
     RunReader run;
     RunReader other_run;
     return open_run(path, run) && open_run(other_path, other_run) &&
-           merge(std::move(run), std::move(other_run), path + " or " + other_path, to_path);
+           merge(std::move(run), std::move(other_run), path + " or " + other_path, to_path,
+                 keep_on);
 }
 
-std::optional<int> copy_frequent(const std::string& path, int min_games,
-                                 const std::string& to_path) {
+std::optional<int> copy_frequent(const std::string& path, int min_games, const std::string& to_path,
+                                 KeepOn keep_on) {
     RecordReader in = open_records(path);
     if (!in) {
         report_unreadable(path);
@@ -143,6 +147,7 @@ std::optional<int> copy_frequent(const std::string& path, int min_games,
     int kept = 0;
     bool written = true;
     for (; written && !run.ended; advance(run)) {
+        if (ended(keep_on)) return std::nullopt;
         if (game_count(run.front) < min_games) continue;
         written = write_record(out, run.front);
         ++kept;

@@ -13,6 +13,7 @@
 #include "frontend/output.h"
 #include "search/control.h"
 #include "search/run.h"
+#include "tools/tool_input.h"
 #include "tools/tune.h"
 
 namespace quon {
@@ -28,7 +29,7 @@ void show_book(const ConsoleLine&) {
 
 void make_book(const ConsoleLine&) {
     take_over();
-    build_book(game.position);
+    build_book(game.position, keep_on);
 }
 
 void tune_parameter(const ConsoleLine& line) {
@@ -132,11 +133,13 @@ ConsoleLine parse_line(std::string_view text) {
 
 void handle_console_command(std::string_view text) {
     const ConsoleLine line = parse_line(text);
+    start_command_input();
     if (const ConsoleCommand* const command = find_command(line.word)) {
         command->handle(line);
     } else {
         play_move(line.word);
     }
+    end_tool_input();
 }
 
 }  // namespace quon

@@ -7,6 +7,8 @@
 #include "frontend/console_commands.h"
 #include "frontend/input.h"
 #include "frontend/output.h"
+#include "frontend/words.h"
+#include "search/control.h"
 #include "search/run.h"
 
 namespace quon {
@@ -63,9 +65,10 @@ bool has_too_many(const Position& p) {
     return false;
 }
 
-// False when the line ends the edit.
+// False when the line ends the edit; "quit" ends the program as well.
 bool edit_line(Position& p, std::string_view line) {
-    if (line.starts_with('.')) return false;
+    if (first_word(line) == "quit") control.quit_requested = true;
+    if (line.starts_with('.') || first_word(line) == "stop" || control.quit_requested) return false;
     if (line.starts_with('#')) {
         clear_position(p);
         return true;

@@ -15,6 +15,7 @@
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/run.h"
+#include "tools/tool_input.h"
 
 namespace quon {
 
@@ -60,7 +61,7 @@ bool find_position(std::string_view id, std::string& found) {
     LineReader reader;
     if (!open_lines(reader, POSITIONS_NAME, POSITION_LINE)) return false;
     LinePiece piece{};
-    while (next_piece(reader, piece)) {
+    while (!end_wished() && next_piece(reader, piece)) {
         const bool remark = piece.text.starts_with(' ') || piece.text.starts_with(';');
         if (!piece.starts_line || remark || piece.text.find(wanted) == std::string_view::npos)
             continue;

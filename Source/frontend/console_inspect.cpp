@@ -19,6 +19,7 @@
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "tools/tool_input.h"
 
 namespace quon {
 
@@ -104,9 +105,14 @@ void count_paths(const ConsoleLine& line) {
     time_setup();
     ThreadData& thread = thread_data(0);
     thread_prepare(thread);
-    const auto nodes = double(perft(thread.position, depth));
+    const std::optional<u64> paths = perft(thread.position, depth, keep_on);
     update_elapsed();
     control.go_request = next_search;
+    if (!paths) {
+        engine_print("perft ended");
+        return;
+    }
+    const auto nodes = double(*paths);
     engine_print(format("visited %0.0f nodes in %0.3f seconds, nps= %0.0f", nodes,
                         run.elapsed.get(), nodes / (run.elapsed + 0.001)));
 }

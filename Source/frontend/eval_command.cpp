@@ -12,26 +12,26 @@
 #include "frontend/search_session.h"
 #include "search/control.h"
 #include "search/run.h"
-#include "search/search.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
+#include "tools/tool_input.h"
 
 namespace quon {
 
 namespace {
 
-// Leaves the evaluation and the score of the captures in the main search thread's record.
-ThreadData& search_captures() {
-    ThreadData& t = thread_data(0);
+// Leaves the evaluation and the score of the captures in the main search thread's record; false if
+// it is to end before.
+bool search_captures() {
+    bool whole = true;
     const int depth_limit = run.depth_limit;
     run.depth_limit = 0;
     control.stop_flag = RUN;
     reset_trace();
-    thread_prepare(t);
-    iterate(t);
+    search_in_main_thread([&] { return whole = !end_wished(); });
     run.depth_limit = depth_limit;
     flush_search_trace();
-    return t;
+    return whole;
 }
 
 std::string squares_text(const char* title, Bitboard squares) {
@@ -88,7 +88,11 @@ std::string board_text(const Position& p) {
 void eval_trace() {
     finish_search();
     if (!position_accepted()) return;
-    const ThreadData& t = search_captures();
+    if (!search_captures()) {
+        engine_print("evaluation ended");
+        return;
+    }
+    const ThreadData& t = thread_data(0);
     const Position& p = game.position;
     std::string text = format("eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", t.root_eval,
                               t.root_score.get(), traced.stage, traced.factor);

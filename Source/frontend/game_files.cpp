@@ -13,6 +13,7 @@
 #include "frontend/output.h"
 #include "platform/file_map.h"
 #include "search/run.h"
+#include "tools/tool_input.h"
 
 namespace quon {
 
@@ -89,7 +90,7 @@ void play_game(LineReader& reader, GameChoice choice) {
     int nesting = 0;
     bool tag_line = false;
     LinePiece piece{};
-    while (next_piece(reader, piece)) {
+    while (!end_wished() && next_piece(reader, piece)) {
         if (piece.starts_line) tag_line = piece.text.starts_with('[');
         const bool chosen = belongs_to_game(choice, piece.text);
         if (is_past(choice)) break;

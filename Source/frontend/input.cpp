@@ -11,6 +11,7 @@
 #include "frontend/uci.h"
 #include "frontend/words.h"
 #include "platform/events.h"
+#include "platform/interrupt.h"
 
 namespace quon {
 
@@ -21,6 +22,7 @@ constexpr std::size_t MAX_LINE = 65535;
 constexpr char SEPARATOR = '@';
 // No more is read ahead while commands wait: their sender is held up instead.
 constexpr std::size_t READ_AHEAD = 65536;
+constexpr int READS_AT_ONCE = 64;  // a flood of empty lines must not hold the program up
 
 std::string partial_line;       // bytes since the last line end
 bool partial_line_cut = false;  // more than MAX_LINE of them came
@@ -38,8 +40,9 @@ void end_line() {
     partial_line_cut = false;
 }
 
-void read_lines() {
-    if (ended || pending_input.size() >= READ_AHEAD) return;
+// False when nothing has come.
+bool read_lines() {
+    if (ended || pending_input.size() >= READ_AHEAD) return false;
     std::string bytes;
     ended = read_input(bytes) == InputState::ENDED;
     for (const char byte : bytes) {
@@ -52,13 +55,13 @@ void read_lines() {
         }
     }
     if (ended) end_line();
+    return !bytes.empty();
 }
 
 // Where the first waiting command with this first word begins; npos if there is none.
-std::size_t find_command(std::string_view word) {
-    read_lines();
+std::size_t find_command(std::string_view word, std::size_t behind) {
     const std::string_view pending = pending_input;
-    for (std::size_t start = 0; start < pending.size();
+    for (std::size_t start = behind; start < pending.size();
          start = pending.find(SEPARATOR, start) + 1) {
         const std::string_view line = pending.substr(start, pending.find(SEPARATOR, start) - start);
         if (first_word(line) == word) return start;
@@ -78,10 +81,14 @@ std::string take_command() {
 
 bool command_pending() { return !pending_input.empty(); }
 
-bool command_waits(std::string_view word) { return find_command(word) != std::string::npos; }
+std::size_t waiting_length() { return pending_input.size(); }
 
-bool withdraw_command(std::string_view word) {
-    const std::size_t start = find_command(word);
+bool command_waits(std::string_view word, std::size_t behind) {
+    return find_command(word, behind) != std::string::npos;
+}
+
+bool withdraw_command(std::string_view word, std::size_t behind) {
+    const std::size_t start = find_command(word, behind);
     if (start == std::string::npos) return false;
     pending_input.erase(start, pending_input.find(SEPARATOR, start) + 1 - start);
     return true;
@@ -89,12 +96,19 @@ bool withdraw_command(std::string_view word) {
 
 bool input_ended() { return ended; }
 
+bool input_at_end() {
+    for (int reads = 0; reads < READS_AT_ONCE && read_lines(); ++reads) {
+    }
+    return ended;
+}
+
 bool next_input_line(std::string& line) {
-    while (!next_command(line)) {
+    while (interruption() == Interruption::NONE) {
+        if (next_command(line)) return true;
         if (ended) return false;
         wait_for_event(-1, true);
     }
-    return true;
+    return false;
 }
 
 bool next_command(std::string& command) {

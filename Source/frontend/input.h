@@ -13,13 +13,18 @@ bool next_command(std::string& command);
 void process_input();
 
 // Takes the next line, for commands that go on over several; waits for it. False at the end of the
-// input.
+// input, and after an interruption.
 bool next_input_line(std::string& line);
 
-// Reads what standard input holds; true if a command that begins with this word is among those that
-// wait, behind whichever others. It stays there, or is taken out. Neither waits for input.
-bool command_waits(std::string_view word);
-bool withdraw_command(std::string_view word);
+// Reads what standard input holds, as far as lines are read ahead; true if that is the end. Does
+// not wait for input.
+bool input_at_end();
+// The length of the commands that have been read and wait.
+std::size_t waiting_length();
+// True if a command that begins with this word is among those that wait, behind a waiting_length of
+// before. It stays there, or is taken out.
+bool command_waits(std::string_view word, std::size_t behind);
+bool withdraw_command(std::string_view word, std::size_t behind);
 
 // A whole command has been read and waits for process_input.
 bool command_pending();

@@ -10,7 +10,6 @@
 #include "frontend/line_reader.h"
 #include "frontend/output.h"
 #include "frontend/progress.h"
-#include "platform/interrupt.h"
 #include "platform/terminal.h"
 #include "search/control.h"
 #include "search/hash.h"
@@ -51,10 +50,11 @@ bool looks_like_record(const LinePiece& piece) {
            std::string_view(" #;").find(piece.text[0]) == std::string_view::npos;
 }
 
-// Sets up the next position that can be searched; false at the end of the file.
+// Sets up the next position that can be searched; false at the end of the file, or when the run is
+// to end.
 bool next_record(Suite& suite, EpdRecord& record) {
     LinePiece piece;
-    while (next_piece(suite.reader, piece)) {
+    while (!end_wished() && next_piece(suite.reader, piece)) {
         if (!looks_like_record(piece) || !parse_epd_line(piece.text, record)) continue;
         position_from_fen(game.position, record.fen);
         const char* const problem = position_problem(game.position);
@@ -85,13 +85,10 @@ bool search_deep(Suite& suite) {
     return ending;
 }
 
-// Looking at the input would cost as much as the shortest searches: it is done now and then.
 bool search_shallow(Suite& suite) {
-    search_in_main_thread();
+    search_in_main_thread(keep_on);
     run.shared_score = thread_data(0).root_score;
     show_status(suite);
-    if ((suite.count & 255) != 255) return interrupted();
-    time_check();
     return end_wished();
 }
 

@@ -17,7 +17,6 @@ namespace {
 constexpr char BLUNDERS_NAME[] = "tmpX.epd";
 constexpr std::size_t MAX_LINE = 254;  // characters; a longer line is taken as several
 constexpr int TOLD_GAMES = 100;        // a line on standard output for so many
-constexpr int PIECES_PER_LOOK = 256;   // between two looks at the input
 
 struct Scan {
     const ScanVariant* variant;
@@ -71,13 +70,13 @@ bool must_end(Scan& scan) {
 // Ends early without the game that is being read.
 void read_games(Scan& scan) {
     LinePiece piece;
-    for (i64 pieces = 1; next_piece(scan.lines, piece); ++pieces) {
+    while (next_piece(scan.lines, piece)) {
         if (is_tag_line(piece.text)) {
             take_tag(scan, piece.text);
         } else {
             read_move_text(scan.reader, piece);
         }
-        if (pieces % PIECES_PER_LOOK == 0 && must_end(scan)) return;
+        if (must_end(scan)) return;
     }
     write_game(scan);
     if (scan.reader.comment_depth > 0) std::fputs("quon: a comment is never closed\n", stderr);

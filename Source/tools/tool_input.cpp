@@ -1,4 +1,4 @@
-// The ear of a running tool.
+// The ear of running work.
 
 #include "tools/tool_input.h"
 
@@ -6,6 +6,7 @@
 #include "frontend/output.h"
 #include "frontend/uci.h"
 #include "frontend/words.h"
+#include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/interrupt.h"
 #include "search/control.h"
@@ -18,6 +19,7 @@ namespace {
 constexpr int COMMANDS_PER_CALL = 64;
 // Enough to hear all that a closed pipe still holds.
 constexpr int CALLS_AT_START = 1024;
+constexpr double LOOK_PERIOD = 0.01;  // seconds between two looks
 
 struct Heard {
     std::string_view word;
@@ -29,6 +31,12 @@ constexpr Heard HEARD[] = {{"isready", RUN}, {"stop", STOP}, {"quit", ABORT}};
 StopFlag wish = RUN;      // the first that was heard
 bool listening = false;   // standard input carries commands, and its end is one of them
 bool in_console = false;  // what standard input carries is the console's
+double looked_at = 0;     // monotonic seconds
+// Of a console command:
+bool first_look = false;
+bool heeds_waiting = false;      // the lines that waited at the first look
+std::size_t waiting_before = 0;  // their length, if not
+bool awaits_end = false;         // the end of the input was still to come
 
 void raise_wish(StopFlag next) {
     if (wish == RUN) wish = next;
@@ -42,16 +50,28 @@ void obey(const std::string& command) {
     }
 }
 
+// Most commands are over before the first look and never touch the input.
 bool console_wishes_end() {
-    return withdraw_command("stop") || withdraw_command(".") || command_waits("quit");
+    const bool at_end = input_at_end();
+    if (first_look) {
+        awaits_end = !at_end;
+        waiting_before = heeds_waiting ? 0 : waiting_length();
+        first_look = false;
+    }
+    return withdraw_command("stop", waiting_before) || withdraw_command(".", waiting_before) ||
+           command_waits("quit", waiting_before) || (awaits_end && at_end);
 }
+
+bool interrupted() { return interruption() != Interruption::NONE; }
 
 void hear() {
     std::string command;
     for (int i = 0; i < COMMANDS_PER_CALL && listening && next_command(command); ++i) obey(command);
     if (in_console && console_wishes_end()) raise_wish(STOP);
-    if (interrupted()) raise_wish(STOP);
+    looked_at = monotonic_seconds();
 }
+
+bool look_due() { return interrupted() || monotonic_seconds() - looked_at >= LOOK_PERIOD; }
 
 bool all_heard() { return input_ended() && !command_pending(); }
 
@@ -68,19 +88,25 @@ void start_tool_input(const std::string& file) {
 
 void start_command_input() {
     wish = RUN;
-    in_console = true;
-    listening = false;
+    in_console = first_look = true;
+    listening = heeds_waiting = false;
+    looked_at = monotonic_seconds();
     catch_interrupts();
 }
 
+void heed_waiting_lines() { heeds_waiting = true; }
+
 void end_tool_input() {
+    if (in_console && interruption() == Interruption::REQUEST) control.quit_requested = true;
+    wish = RUN;
     listening = in_console = false;
     release_interrupts();
 }
 
 bool end_wished(int wait_ms) {
     if (wait_ms > 0) wait_for_event(wait_ms, listening && !input_ended());
-    hear();
+    if (wait_ms > 0 || look_due()) hear();
+    if (interrupted()) raise_wish(STOP);
     if (output_lost() || (listening && all_heard())) raise_wish(ABORT);
     if (wish != RUN && !stopped()) control.stop_flag = wish;
     return wish != RUN;

@@ -1,5 +1,5 @@
 #pragma once
-// What a running tool hears on standard input and from Ctrl-C: that it is to end. "isready" is
+// What running work hears on standard input and from the system: that it is to end. "isready" is
 // answered; everything else is passed over, so that nobody changes the game or the settings under
 // it. Main thread only.
 
@@ -12,18 +12,26 @@ namespace quon {
 // no commands are taken from there.
 void start_tool_input(const std::string& file = {});
 
-// At the start of a console command that takes long. "stop" and "." end it, and so does "quit",
-// which stays on the input like all other lines: the console handles them in their order
-// afterwards. The end of the input does not end it.
+// At the start of a console command. "stop" and "." end it, and so does "quit", which stays on the
+// input like all other lines: the console handles them in their order afterwards. The end of the
+// input ends it too. What is there already when the command begins counts for nothing, so that
+// commands can be sent in one go.
 void start_command_input();
+// Behind it: lines that wait already count as well.
+void heed_waiting_lines();
 
-// At the end of both, so that Ctrl-C ends the process again.
+// At the end of both, so that Ctrl-C ends the process again. When the system asked a console
+// command to end the program is to end: quit_requested is set.
 void end_tool_input();
 
-// True once the tool is to end: after "quit", "stop", Ctrl-C, the end of an input that was open
-// when the tool started, or when nobody reads standard output any more. Then the stop flag is set
-// as well, so that a running search breaks off. Looks without waiting, or sleeps first, for at most
-// wait_ms or until something arrives or a search thread is done.
+// True once the work is to end: after "quit", "stop", Ctrl-C, a request of the system, the end of
+// an input that was open at the start, or when nobody reads standard output any more. Then the stop
+// flag is set as well, so that a running search breaks off. Looks without waiting, and so rarely
+// that it can be asked at every step; or sleeps first, for at most wait_ms or until something
+// arrives or a search thread is done.
 bool end_wished(int wait_ms = 0);
+
+// The opposite, for those who take it as a question.
+inline bool keep_on() { return !end_wished(); }
 
 }  // namespace quon

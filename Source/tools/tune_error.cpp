@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <set>
+#include <string>
 
 #include "board/fen.h"
 #include "eval/eval_tables.h"
@@ -30,7 +32,7 @@ constexpr std::size_t MAX_LINE = 253;  // characters; what a line has beyond the
 constexpr int DECIDED_SCORE = 900;     // centipawns; beyond it a position teaches nothing
 constexpr int MAX_UNREST = 150;        // between evaluation and quiescence score
 constexpr i64 MAX_GIVEN_SCORE = 950;
-constexpr int LINES_PER_POLL = 255;
+constexpr u64 MAX_NODES = 1000000;  // of a quiescence search; games need a few thousand
 
 bool is_comment(std::string_view line) {
     return line.empty() || line[0] == ' ' || line[0] == '#' || line[0] == ';';
@@ -61,18 +63,21 @@ struct Scores {
     int quiet;
 };
 
-Scores measure_position() {
-    time_setup();
-    search_in_main_thread();
+// None if the search is broken off.
+std::optional<Scores> measure_position() {
     const ThreadData& thread = thread_data(0);
-    return {thread.root_eval, thread.root_score};
+    bool whole = true;
+    time_setup();
+    search_in_main_thread([&] {
+        whole = thread.nodes < MAX_NODES && !end_wished();
+        return whole;
+    });
+    if (!whole) return std::nullopt;
+    return Scores{thread.root_eval, thread.root_score};
 }
 
-// The record's share of the error; none if the record teaches nothing.
-std::optional<double> record_error(std::string_view line, const EpdRecord& record) {
-    position_from_fen(game.position, record.fen);
-    if (position_problem(game.position) != nullptr) return std::nullopt;
-    const Scores scores = measure_position();
+// The share of the error that the line with the game's position has; none if it teaches nothing.
+std::optional<double> line_error(std::string_view line, const Scores& scores) {
     const std::optional<double> result = result_of(line);
     if (!result || std::abs(scores.quiet) > DECIDED_SCORE ||
         std::abs(scores.eval - scores.quiet) > MAX_UNREST) {
@@ -95,23 +100,39 @@ void show_status(TuneStatus& status, const LineReader& reader) {
                   status.done + status.part * read, size_known ? 1 : 0);
 }
 
+// Positions whose captures have no end, as FEN: told and tried once, however often they are read.
+std::set<std::string> restless;
+
+void pass_over(const EpdRecord& record, const std::string& path, int line) {
+    restless.insert(record.fen);
+    end_progress();
+    std::fprintf(stderr, "quon: %s, line %d: too many captures, passed over\n", path.c_str(), line);
+}
+
 ErrorSum measure(const std::string& path, TuneStatus& status, OutputFile* copy) {
     init_eval_tables();
     apply_search_params();
     ErrorSum errors;
+    int line = 0;
     LineReader reader;
     errors.readable = open_lines(reader, path, MAX_LINE);
     LinePiece piece;
     EpdRecord record;
-    int lines = 0;
-    while (errors.readable && !(copy && copy->failed) && next_piece(reader, piece)) {
-        if (++lines % LINES_PER_POLL == 0) {
-            if (end_wished()) break;
-            show_status(status, reader);
-        }
+    while (errors.readable && !(copy && copy->failed) && !end_wished() &&
+           next_piece(reader, piece)) {
+        show_status(status, reader);
+        line += piece.starts_line;
         if (!piece.starts_line || is_comment(piece.text)) continue;
         if (!parse_epd_line(piece.text, record)) continue;
-        const std::optional<double> error = record_error(piece.text, record);
+        if (restless.contains(record.fen)) continue;
+        position_from_fen(game.position, record.fen);
+        if (position_problem(game.position) != nullptr) continue;
+        const std::optional<Scores> scores = measure_position();
+        if (!scores) {
+            if (!end_wished()) pass_over(record, path, line);
+            continue;
+        }
+        const std::optional<double> error = line_error(piece.text, *scores);
         if (!error || (copy && std::abs(given_score(record)) > DECIDED_SCORE)) continue;
         errors.sum += *error;
         ++errors.positions;

@@ -26,7 +26,6 @@ constexpr char LOG_FILE[] = "tune.log";
 constexpr char SAMPLE_FILE[] = "junk.epd";
 constexpr int SAMPLE_PERCENT = 15;
 constexpr std::size_t PIECE_LENGTH = 4096;
-constexpr int PIECES_PER_POLL = 255;
 
 constexpr std::array ACTIVE_NAMES = {"p1", "p2", "p3", "p4", "p5", "p6", "p7", "p8", "p9"};
 constexpr int PASSES = 100;
@@ -147,9 +146,7 @@ Sample tune_sample(const std::string& path) {
     bool readable = open_lines(reader, path, PIECE_LENGTH);
     LinePiece piece;
     bool drawn = false;
-    int pieces = 0;
-    while (readable && !sample.failed && next_piece(reader, piece)) {
-        if (++pieces % PIECES_PER_POLL == 0 && end_wished()) break;
+    while (readable && !sample.failed && !end_wished() && next_piece(reader, piece)) {
         if (piece.starts_line) drawn = std::rand() % 100 < SAMPLE_PERCENT;
         if (!drawn) continue;
         write_text(sample, piece.text);

@@ -98,9 +98,8 @@ void tune_command(std::string_view name, std::string_view file) {
     if (!file.empty()) options.tune_file = file;
     if (options.tune_file.empty()) options.tune_file = DEFAULT_FILE;
     const auto board = std::make_unique<Game>(game);
-    start_command_input();
+    heed_waiting_lines();
     tune_line_search(name);
-    end_tool_input();
     end_progress();
     game = *board;
 }

@@ -21,6 +21,10 @@ ConsoleRig::ConsoleRig()
     if (mkdtemp(directory.data()) == nullptr) std::abort();
     std::filesystem::current_path(directory);
     options.uci_mode = false;
+    int ends[2];
+    if (pipe(ends) != 0) std::abort();
+    dup2(ends[0], STDIN_FILENO);  // open to the end of the process
+    close(ends[0]);
 }
 
 ConsoleRig::~ConsoleRig() {

@@ -85,7 +85,7 @@ void Process::send_bytes(const std::string& bytes) {
     }
 }
 
-void Process::interrupt() { kill(child_, SIGINT); }
+void Process::signal(int number) { kill(child_, number); }
 void Process::close_input() { close_end(input_); }
 void Process::close_output() { close_end(output_); }
 

@@ -32,7 +32,7 @@ public:
     void send(const Lines& lines);
     void send_bytes(const std::string& bytes);
     void close_input();
-    void interrupt();     // as Ctrl-C does
+    void signal(int number);
     void close_output();  // the reading end: the child's next write fails
 
     // Reads lines up to one that begins with the text, and returns all of them; fails the test and

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include "frontend/output.h"
 #include "support/board_support.h"
 #include "support/tool_support.h"
@@ -189,7 +190,7 @@ TEST(EpdRunner, EarlyEnd) {
          [](Process& p) {
              p.send({"isready"});
              p.read_to("readyok");
-             p.interrupt();
+             p.signal(SIGINT);
          }},
     };
     for (const auto& c : cases) {
@@ -213,18 +214,6 @@ TEST(EpdRunner, StandardOutputLost) {
     const Ending ending = process.wait();
     EXPECT_EQ(ending.status, 1);
     EXPECT_EQ(ending.errors, "quon: standard output cannot be written\n");
-}
-
-// Shallow searches look at the input at every 256th position.
-TEST(EpdRunner, ShallowEarlyEnd) {
-    const ToolDirectory directory;
-    std::string suite;
-    for (int i = 0; i < 300; ++i) suite += MATE + " bm Kf1;\n";
-    directory.make_awaited("suite");
-    Process process(quiet("1"), directory.path());
-    process.send({"quit"});
-    directory.write("suite", suite);
-    EXPECT_EQ(correct(process.wait()), "0 / 255");
 }
 
 // What stands there are positions, not commands.

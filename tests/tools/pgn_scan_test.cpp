@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -333,7 +334,7 @@ TEST(PgnScan, EarlyEnd) {
                                       },
                                       [](Process& p) { p.send({"stop"}); },
                                       [](Process& p) { p.close_input(); },
-                                      [](Process& p) { p.interrupt(); }};
+                                      [](Process& p) { p.signal(SIGINT); }};
     for (const auto end : ends) {
         Process process(scan_arguments(2, "games"), directory.path());
         process.read_to("game 100");

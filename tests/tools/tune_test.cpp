@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -75,6 +76,16 @@ TEST_F(Tuning, ErrorOfFewLines) {
     }
     EXPECT_EQ(tune_error("missing.epd"), 1);
     EXPECT_EQ(tune_error("."), 1);
+}
+
+// Captures without end: told once, however often the file is read.
+TEST_F(Tuning, RestlessPositionsArePassedOver) {
+    const std::string text = "# head\nrnbqkbnr/rrrrrrr1/8/8/8/8/RRRRRRR1/RNBQKBNR w KQkq - 1-0\n" +
+                             KINGS + "w - - 1-0\n";
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 3; ++i) EXPECT_DOUBLE_EQ(error_of(text), 0.5);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "quon: lines.epd, line 2: too many captures, passed over\n");
 }
 
 // Evaluations and quiescence scores by another program; every result in turn.
@@ -271,7 +282,7 @@ TEST(TuningProcess, EndsWhenAskedTo) {
         if (way == QUIT) tuner.send({"d", "quit"});
         if (way == STOP) tuner.send({"d", "stop"});
         if (way == END_OF_INPUT) tuner.close_input();
-        if (way == INTERRUPT) tuner.interrupt();
+        if (way == INTERRUPT) tuner.signal(SIGINT);
         const Ending ending = tuner.wait();
         EXPECT_EQ(ending.status, 0);
         EXPECT_EQ(ending.errors, "");
@@ -326,7 +337,7 @@ TEST(TuningProcess, ConsoleEndsTuning) {
                 console.send({tune});
                 console.read_to("tuning ");
                 console.send({"perft 1"});
-                interrupt ? console.interrupt() : console.send({word});
+                interrupt ? console.signal(SIGINT) : console.send({word});
             }
             Lines lines = console.read_to("visited 20 nodes");
             EXPECT_EQ(lines_with(lines, "pawn_value_op= ").size(), 0U) << word;

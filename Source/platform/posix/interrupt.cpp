@@ -1,4 +1,4 @@
-// Signals: the handler does no more than set a flag and write a byte.
+// Signals: the handler does no more than note the first and write a byte.
 
 #include "platform/interrupt.h"
 
@@ -12,12 +12,14 @@ namespace quon {
 
 namespace {
 
-std::atomic<bool> caught = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
+std::atomic<Interruption> caught = Interruption::NONE;
+static_assert(std::atomic<Interruption>::is_always_lock_free);
 
-void note_signal(int) {
+// The signal's former effect is back when this is called, but comes only behind it.
+void note_signal(int signal) {
     const int saved_errno = errno;
-    caught = true;
+    if (caught != Interruption::NONE) raise(signal);
+    caught = signal == SIGINT ? Interruption::KEY : Interruption::REQUEST;
     wake_main_thread();
     errno = saved_errno;
 }
@@ -27,12 +29,12 @@ struct Caught {
     struct sigaction former;
 };
 
-Caught signals[] = {{SIGINT, {}}, {SIGTERM, {}}};
+Caught signals[] = {{SIGINT, {}}, {SIGTERM, {}}, {SIGHUP, {}}};
 
 }  // namespace
 
 void catch_interrupts() {
-    caught = false;
+    caught = Interruption::NONE;
     struct sigaction action {};
     action.sa_handler = note_signal;
     action.sa_flags = SA_RESTART | int(SA_RESETHAND);
@@ -46,6 +48,6 @@ void release_interrupts() {
     for (const Caught& s : signals) sigaction(s.signal, &s.former, nullptr);
 }
 
-bool interrupted() { return caught; }
+Interruption interruption() { return caught; }
 
 }  // namespace quon
