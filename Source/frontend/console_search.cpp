@@ -5,6 +5,7 @@
 #include "eval/eval_params.h"
 #include "frontend/console_commands.h"
 #include "frontend/engine_options.h"
+#include "frontend/input.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
 #include "search/control.h"
@@ -40,6 +41,7 @@ void play_itself(const ConsoleLine&) {
     take_over();
     options.ponder_option = 0;
     options.self_play = true;
+    options.self_play_alone = input_at_end();
     control.go_request = GO_PLAY;
 }
 

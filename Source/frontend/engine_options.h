@@ -43,13 +43,14 @@ struct EngineOptions {
     Relaxed<double> output_delay = 0.0;         // seconds of search before progress lines
     Relaxed<double> target_nps = NO_NPS_LIMIT;  // node-rate cap per search thread
     double calibration_nps = 0.0;               // measured at start-up
-    double elo_max = 0.0;         // Elo of the unthrottled engine, from the calibration
-    Relaxed<i16> trace = i16{0};  // plies of the search tree that go to trace.txt
-    i16 debug = 0;                // not 0: the console shows evaluations in place of boards
-    bool self_play = false;       // every move found is played, and the next search follows
-    std::string tune_file;        // positions of the tuners and of the test-suite runner
-    std::string match_file;       // games of the self-play match
-    u32 timer_resolution = 0;     // ms; 0 where the system has no such setting
+    double elo_max = 0.0;          // Elo of the unthrottled engine, from the calibration
+    Relaxed<i16> trace = i16{0};   // plies of the search tree that go to trace.txt
+    i16 debug = 0;                 // not 0: the console shows evaluations in place of boards
+    bool self_play = false;        // every move found is played, and the next search follows
+    bool self_play_alone = false;  // its input was at the end when it began: nobody will end it
+    std::string tune_file;         // positions of the tuners and of the test-suite runner
+    std::string match_file;        // games of the self-play match
+    u32 timer_resolution = 0;      // ms; 0 where the system has no such setting
 };
 
 // Values of time_mode; N >= 2 means N moves per period.

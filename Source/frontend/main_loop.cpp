@@ -44,6 +44,9 @@ bool unlimited(u8 mode) {
 void wind_up() {
     if (control.search_mode == NO_SEARCH) {
         control.quit_requested = true;
+    } else if (options.self_play && !options.self_play_alone) {
+        options.self_play = false;
+        stop_search(STOP);
     } else if (unlimited(control.search_mode)) {
         stop_search(STOP);
     }
