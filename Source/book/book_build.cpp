@@ -180,7 +180,10 @@ void build_book(Position& position, KeepOn keep_on) {
     book_close();
     options.book_file.clear();
     LineReader reader;
-    if (!open_lines(reader, GAMES_FILE, MAX_LINE, LongLine::AT_BLANK)) return;
+    if (!open_lines(reader, GAMES_FILE, MAX_LINE, LongLine::AT_BLANK)) {
+        if (is_no_file(GAMES_FILE)) report_unreadable(GAMES_FILE);
+        return;
+    }
     remove_temporaries();
     position_from_fen(position, START_FEN);
 

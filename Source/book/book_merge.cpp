@@ -44,7 +44,8 @@ RunReader read_run(RecordReader file, std::span<const BookRecord> memory = {}) {
 // A run that may be missing; false, with a message, if it is there and cannot be opened.
 bool open_run(const std::string& path, RunReader& run) {
     RecordReader file = open_records(path);
-    if (!file && errno != ENOENT) {
+    std::error_code error;
+    if (!file && (std::filesystem::exists(path, error) || error)) {
         report_unreadable(path);
         return false;
     }

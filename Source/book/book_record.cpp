@@ -2,7 +2,13 @@
 
 #include "book/book_record.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <filesystem>
+#include <limits>
+
+#include "platform/events.h"
+#include "platform/file_map.h"
 
 namespace quon {
 
@@ -22,6 +28,18 @@ void put32(u8* bytes, u32 value) {
 
 constexpr std::size_t BLOCK_SIZE = 4096 * RECORD_SIZE;
 
+// Every record has a number, and its place is a distance that can be sought.
+constexpr auto MAX_RECORDS = std::min<u64>(std::numeric_limits<int>::max(),
+                                           std::numeric_limits<long>::max() / long{RECORD_SIZE});
+
+// Pipes, devices and what standard input holds are no books.
+bool may_hold_records(const std::string& path) {
+    if (!readable_file(path) || is_standard_input(path)) return false;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    return !error && size / RECORD_SIZE <= MAX_RECORDS;
+}
+
 // False at the end of the file or of its last whole record.
 bool read_block(RecordReader& reader) {
     reader.block.resize(BLOCK_SIZE);
@@ -40,7 +58,8 @@ bool write_block(RecordWriter& writer) {
 }  // namespace
 
 RecordReader open_records(const std::string& path, int first) {
-    RecordReader reader{OwnedFile(std::fopen(path.c_str(), "rb")), {}};
+    RecordReader reader;
+    if (may_hold_records(path)) reader.file.reset(std::fopen(path.c_str(), "rb"));
     if (first > 0 && reader &&
         std::fseek(reader.file.get(), long{first} * long{RECORD_SIZE}, SEEK_SET) != 0) {
         reader.file.reset();

@@ -29,7 +29,7 @@ constexpr bool stands_before(const BookRecord& a, const BookRecord& b) {
 }
 
 // A book file read or written from front to back, many records at a time. An empty `file` means
-// that it could not be opened; errno holds the reason.
+// that it could not be opened; a writer's reason is in errno.
 struct RecordReader {
     OwnedFile file;
     std::vector<u8> block;
@@ -44,7 +44,8 @@ struct RecordWriter {
     explicit operator bool() const { return file != nullptr; }
 };
 
-// Starts at the record of that number.
+// Starts at the record of that number. What is no file, or has more records than can be counted, is
+// not opened.
 RecordReader open_records(const std::string& path, int first = 0);
 // False at the end of the file, in front of a cut record, and after an error.
 bool read_record(RecordReader& reader, BookRecord& record);

@@ -3,12 +3,12 @@
 #include "eval/param_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <limits>
 #include <string_view>
 #include <vector>
 
 #include "frontend/engine_options.h"
+#include "frontend/line_reader.h"
 #include "frontend/output.h"
 #include "frontend/words.h"
 
@@ -135,10 +135,13 @@ constexpr TextKey TEXT_KEYS[] = {
 };
 
 // The next line without its end, cut at the longest length; false at the end of the file.
-bool read_line(std::ifstream& file, std::string& line) {
-    if (!std::getline(file, line)) return false;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    line.resize(std::min(line.size(), MAX_LINE));
+bool read_line(LineReader& file, std::string& line) {
+    LinePiece piece;
+    if (!next_piece(file, piece)) return false;
+    line = piece.text;
+    if (line.ends_with('\r')) line.pop_back();
+    while (!piece.ends_line && next_piece(file, piece)) {
+    }
     return true;
 }
 
@@ -155,7 +158,7 @@ bool set_text(std::string_view line) {
     return false;
 }
 
-void read_block(std::ifstream& file, Table<Pair, 64>& table, i16 Pair::*phase) {
+void read_block(LineReader& file, Table<Pair, 64>& table, i16 Pair::*phase) {
     std::string line;
     for (int rank = 7; rank >= 0 && read_line(file, line); --rank) {
         std::string_view rest = line;
@@ -167,7 +170,7 @@ void read_block(std::ifstream& file, Table<Pair, 64>& table, i16 Pair::*phase) {
     }
 }
 
-void read_setting(std::ifstream& file, std::string_view line, const std::vector<Key>& keys,
+void read_setting(LineReader& file, std::string_view line, const std::vector<Key>& keys,
                   EvalParams& record) {
     const std::string_view name = take_token(line, BLANKS);
     for (const BlockKey& block : BLOCK_KEYS) {
@@ -183,8 +186,8 @@ void read_setting(std::ifstream& file, std::string_view line, const std::vector<
 }  // namespace
 
 bool load_params(const std::string& path, EvalParams& record) {
-    std::ifstream file(path);
-    if (!file) return false;
+    LineReader file;
+    if (!open_lines(file, path, MAX_LINE)) return false;
     record.pst = unset_square_tables();
     const std::vector<Key> keys = keys_of(record);
     std::string line;

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "platform/events.h"
+#include "platform/file_map.h"
+
 namespace quon {
 
 namespace {
@@ -44,9 +47,11 @@ std::size_t cut_length(const LineReader& reader, std::string_view text) {
 
 }  // namespace
 
-bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
-                LongLine long_line) {
+bool open_lines(LineReader& reader, const std::string& path, std::size_t limit, LongLine long_line,
+                StandardInput input) {
     reader = {};
+    const bool taken = input == StandardInput::TAKEN && is_standard_input(path);
+    if (!taken && !readable_file(path)) return false;
     reader.file.reset(std::fopen(path.c_str(), "rb"));
     if (!reader.file) return false;
     std::error_code unknown;
@@ -58,6 +63,12 @@ bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
     refill(reader);
     if (unread(reader).starts_with(BYTE_ORDER_MARK)) skip(reader, BYTE_ORDER_MARK.size());
     return true;
+}
+
+bool is_no_file(const std::string& path) {
+    std::error_code unknown;
+    const auto status = std::filesystem::status(path, unknown);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
 }
 
 bool next_piece(LineReader& reader, LinePiece& piece) {
@@ -87,11 +98,5 @@ bool next_piece(LineReader& reader, LinePiece& piece) {
 }
 
 bool read_failed(const LineReader& reader) { return std::ferror(reader.file.get()) != 0; }
-
-bool read_well(const LineReader& reader, const std::string& path) {
-    if (!read_failed(reader)) return true;
-    std::fprintf(stderr, "quon: %s cannot be read\n", path.c_str());
-    return false;
-}
 
 }  // namespace quon

@@ -35,15 +35,19 @@ struct LineReader {
     i64 file_size = 0;   // 0 when it is not known
 };
 
-// False if the file cannot be opened. A byte-order mark is skipped. limit: 1 or more.
-bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
-                LongLine long_line = LongLine::AT_LIMIT);
+// Whether standard input is read when the path names it, whatever kind of file it is.
+enum class StandardInput { REFUSED, TAKEN };
 
-// False at the end of the file. A read error, such as that of a directory, ends the file too and
-// makes read_failed true.
+// False if the file cannot be opened, or is none: a pipe or a device could hold the program up, or
+// never end. A byte-order mark is skipped. limit: 1 or more.
+bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
+                LongLine long_line = LongLine::AT_LIMIT,
+                StandardInput input = StandardInput::REFUSED);
+// True if something else than a file has the name: a directory, a pipe, a device.
+bool is_no_file(const std::string& path);
+
+// False at the end of the file. A read error ends the file too and makes read_failed true.
 bool next_piece(LineReader& reader, LinePiece& piece);
 bool read_failed(const LineReader& reader);
-// The opposite, and says on standard error what failed.
-bool read_well(const LineReader& reader, const std::string& path);
 
 }  // namespace quon

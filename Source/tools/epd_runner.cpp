@@ -158,7 +158,7 @@ void print_statistics(const Suite& suite) {
 
 bool run_test_suite(const std::string& path) {
     Suite suite;
-    if (!open_lines(suite.reader, path, MAX_LINE)) return true;
+    if (!open_tool_file(suite.reader, path, MAX_LINE)) return quietly_missing(path);
     if (overwrites_input(path, UNSOLVED_NAME)) return false;
     if (!create_output(suite.unsolved, UNSOLVED_NAME)) return true;
     suite.progress = start_progress();

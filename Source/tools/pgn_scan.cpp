@@ -87,7 +87,7 @@ void read_games(Scan& scan) {
 bool scan_pgn(const std::string& path, int variant) {
     Scan scan{};
     scan.variant = &scan_variants[variant - 1];
-    if (!open_lines(scan.lines, path, MAX_LINE)) return true;
+    if (!open_tool_file(scan.lines, path, MAX_LINE)) return quietly_missing(path);
     for (const char* name : {scan.variant->main_name, BLUNDERS_NAME}) {
         if (overwrites_input(path, name)) return false;
     }

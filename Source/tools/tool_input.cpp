@@ -2,6 +2,8 @@
 
 #include "tools/tool_input.h"
 
+#include <cstdio>
+
 #include "frontend/input.h"
 #include "frontend/output.h"
 #include "frontend/uci.h"
@@ -76,6 +78,27 @@ bool look_due() { return interrupted() || monotonic_seconds() - looked_at >= LOO
 bool all_heard() { return input_ended() && !command_pending(); }
 
 }  // namespace
+
+bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit) {
+    const auto input = in_console ? StandardInput::REFUSED : StandardInput::TAKEN;
+    return open_lines(reader, path, limit, LongLine::AT_LIMIT, input);
+}
+
+bool quietly_missing(const std::string& path) {
+    if (!is_no_file(path)) return true;
+    report_unreadable_file(path);
+    return false;
+}
+
+bool read_well(const LineReader& reader, const std::string& path) {
+    if (!read_failed(reader)) return true;
+    report_unreadable_file(path);
+    return false;
+}
+
+void report_unreadable_file(const std::string& path) {
+    std::fprintf(stderr, "quon: %s cannot be read\n", path.c_str());
+}
 
 void start_tool_input(const std::string& file) {
     wish = RUN;

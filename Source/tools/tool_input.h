@@ -5,7 +5,19 @@
 
 #include <string>
 
+#include "frontend/line_reader.h"
+
 namespace quon {
+
+// Opens the file that a tool reads, on the command line also standard input by its name
+// ("/dev/stdin"); false if that is not possible.
+bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit);
+// A file that could not be opened ends a tool in silence. False, and said on standard error, if
+// what has its name is no file.
+bool quietly_missing(const std::string& path);
+// False, and said on standard error, after a read error.
+bool read_well(const LineReader& reader, const std::string& path);
+void report_unreadable_file(const std::string& path);
 
 // At the start of a tool. An input that is at its end already, such as the null device, does not
 // end the tool. `file` is the file that the tool reads, if it reads one: if that is standard input

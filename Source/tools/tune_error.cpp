@@ -115,7 +115,7 @@ ErrorSum measure(const std::string& path, TuneStatus& status, OutputFile* copy) 
     ErrorSum errors;
     int line = 0;
     LineReader reader;
-    errors.readable = open_lines(reader, path, MAX_LINE);
+    errors.readable = open_tool_file(reader, path, MAX_LINE);
     LinePiece piece;
     EpdRecord record;
     while (errors.readable && !(copy && copy->failed) && !end_wished() &&
@@ -181,7 +181,7 @@ bool make_tuning_set() {
     const bool readable = tune_error_filter(path, copy).readable;
     end_tool_input();
     end_progress();
-    if (!readable) std::fprintf(stderr, "quon: %s cannot be read\n", path.c_str());
+    if (!readable) report_unreadable_file(path);
     return close_output(copy) && readable;
 }
 

@@ -143,7 +143,7 @@ Sample tune_sample(const std::string& path) {
         return {.written = false};
     }
     LineReader reader;
-    bool readable = open_lines(reader, path, PIECE_LENGTH);
+    bool readable = open_tool_file(reader, path, PIECE_LENGTH);
     LinePiece piece;
     bool drawn = false;
     while (readable && !sample.failed && !end_wished() && next_piece(reader, piece)) {
@@ -175,11 +175,11 @@ bool tune_gradient() {
     }
     end_tool_input();
     end_progress();
-    const std::string& unreadable = descent.unreadable;
-    if (!unreadable.empty()) std::fprintf(stderr, "quon: %s cannot be read\n", unreadable.c_str());
+    const bool readable = descent.unreadable.empty();
+    if (!readable) report_unreadable_file(descent.unreadable);
     const bool logged = close_output(descent.log);
     init_eval_tables();
-    return unreadable.empty() && sampled && logged;
+    return readable && sampled && logged;
 }
 
 }  // namespace quon

@@ -127,7 +127,7 @@ TEST_F(BookMerge, Failures) {
     EXPECT_EQ(output,
               "\ncannot write folder: Is a directory\n"
               "\ncannot read folder\n"
-              "\ncannot read a.opn or folder\n"
+              "\ncannot read folder\n"
               "\ncannot write nowhere/c.opn: No such file or directory\n"
               "\ncannot read none.opn\n"
               "\ncannot write folder: Is a directory\n");

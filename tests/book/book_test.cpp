@@ -67,12 +67,19 @@ TEST_F(Book, EdgesOfTheKey) {
 TEST_F(Book, NoBook) {
     std::filesystem::create_directory("folder");
     write_file("empty.opn", "");
+    make_pipe("pipe");
+    write_file("huge.opn", "");
+    std::filesystem::resize_file("huge.opn", RECORD_SIZE << 31);  // more than can be numbered
     const std::pair<std::string, std::string> cases[] = {
         {"", ""},
         {"quon.opn", ""},  // the default need not be there
         {"empty.opn", ""},
         {"none.opn", "cannot be read"},
         {"folder", "cannot be read"},
+        {"pipe", "cannot be read"},
+        {"/dev/zero", "cannot be read"},
+        {"/dev/stdin", "cannot be read"},
+        {"huge.opn", "cannot be read"},
     };
     for (const bool uci : {true, false}) {
         options.uci_mode = uci;

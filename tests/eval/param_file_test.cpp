@@ -10,6 +10,7 @@
 #include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "support/board_support.h"
+#include "support/files.h"
 
 namespace quon::test {
 namespace {
@@ -44,9 +45,11 @@ private:
 
 TEST_F(ParamFile, MissingFileChangesNothing) {
     record.pst[PAWN][A1] = {1, 2};
-    EXPECT_EQ(captured_output([&] { EXPECT_FALSE(load_params(path + "none", record)); }), "");
-    EXPECT_EQ(record.pst[PAWN][A1].en, 2);
-    EXPECT_EQ(record.contempt, 0);
+    make_pipe(path);
+    for (const std::string& file : {path + "none", path, std::string("/dev/zero")}) {
+        EXPECT_EQ(captured_output([&] { EXPECT_FALSE(load_params(file, record)); }), "");
+        EXPECT_EQ(record.pst[PAWN][A1].en, 2) << file;
+    }
 }
 
 TEST_F(ParamFile, Values) {
@@ -70,6 +73,7 @@ TEST_F(ParamFile, Values) {
         // The end of a long line is lost.
         {"contempt=5" + blanks + "pawn_value=1,2\n", 90, 110},
         {"#" + blanks + blanks + "\npawn_value=95,115\n", 95, 115},
+        {"pawn_value=95,115" + std::string(200000, ' ') + "pawn_value=1,2\nx", 95, 115},
     };
     for (const auto& [text, op, en] : cases) {
         EXPECT_FALSE(load(text));
@@ -162,7 +166,9 @@ TEST_F(ParamFile, SquareTables) {
     EXPECT_EQ(record.contempt, 3);
     EXPECT_TRUE(has_square_tables(record));
     // The next file starts with nothing set.
-    captured_output([&] { load_params("/dev/null", record); });
+    const EvalParams before = record;
+    load("");
+    EXPECT_EQ(before.pst[PAWN][H8].op, 7);
     EXPECT_EQ(record.pst[PAWN][A8].op, -1000);
 
     std::string short_line = good;

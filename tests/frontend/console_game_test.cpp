@@ -1,7 +1,6 @@
 // Console commands that set up positions, walk through the game, and keep it in files.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -214,7 +213,7 @@ TEST_F(ConsoleGame, FilesThatAreNoGames) {
     console("e4");
     limits.clock = {{1, 1}};
     limits.fixed_time = 3;
-    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    make_pipe("pipe");
     for (const std::string name : {"missing", ".", "pipe", "/dev/null"}) {
         EXPECT_EQ(console("load " + name + " 1"), "loading " + name + ", tag 1\n\n");
     }
@@ -237,6 +236,9 @@ TEST_F(ConsoleGame, FilesThatAreNoGames) {
 TEST_F(ConsoleGame, PositionsById) {
     console("e4");
     expect_board("get 1", "get\n");
+    make_pipe("test.epd");
+    expect_board("get 1", "get\n");
+    std::filesystem::remove("test.epd");
     const std::string ending = "8/P7/8/8/8/8/k6K/8 w - - bm a8=Q; id \"7\"; c0 \"x\";";
     write_file("test.epd", " " + ending + "\n;" + ending + "\nid \"s\"\r\n" + ending + "\r\n" +
                                std::string(250, '-') + " id \"long\";\n");

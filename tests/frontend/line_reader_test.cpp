@@ -76,9 +76,12 @@ TEST(LineReader, ManyBuffers) {
 
 TEST(LineReader, NoFile) {
     LineReader reader;
-    EXPECT_FALSE(open_lines(reader, temporary_path(), 100));
+    for (const char* path : {"missing", ".", "/dev/zero"}) {
+        EXPECT_FALSE(open_lines(reader, path, 100)) << path;
+    }
+    // A file that can be opened and not be read.
+    if (!open_lines(reader, "/proc/self/mem", 100)) GTEST_SKIP() << "there is none";
     LinePiece piece;
-    ASSERT_TRUE(open_lines(reader, std::filesystem::temp_directory_path().string(), 100));
     EXPECT_FALSE(next_piece(reader, piece));
     EXPECT_TRUE(read_failed(reader));
 }

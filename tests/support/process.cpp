@@ -26,7 +26,7 @@ void close_end(int& descriptor) {
 
 }  // namespace
 
-Process::Process(Lines arguments, const std::string& elsewhere)
+Process::Process(Lines arguments, const std::string& elsewhere, const std::string* whole_input)
     : directory_(std::filesystem::temp_directory_path() / "quon-test-XXXXXX") {
     std::signal(SIGPIPE, SIG_IGN);
     arguments.insert(arguments.begin(), QUON_BINARY);
@@ -39,6 +39,11 @@ Process::Process(Lines arguments, const std::string& elsewhere)
         if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
     }
     if (mkdtemp(directory_.data()) == nullptr) std::abort();
+    input_ = pipes[0][1];
+    if (whole_input) {
+        send_bytes(*whole_input);
+        close_input();
+    }
     const std::string& start = elsewhere.empty() ? directory_ : elsewhere;
     child_ = fork();
     if (child_ == 0) {
@@ -53,7 +58,6 @@ Process::Process(Lines arguments, const std::string& elsewhere)
     close(pipes[0][0]);
     close(pipes[1][1]);
     close(pipes[2][1]);
-    input_ = pipes[0][1];
     output_ = pipes[1][0];
     errors_ = pipes[2][0];
 }

@@ -22,8 +22,10 @@ struct Ending {
 class Process {
 public:
     // The directory, with the files in it, lives until the object is destroyed; `elsewhere` is a
-    // directory to start in instead.
-    explicit Process(Lines arguments = {}, const std::string& elsewhere = {});
+    // directory to start in instead. `whole_input`: what the program finds on its input, which has
+    // ended before it starts.
+    explicit Process(Lines arguments = {}, const std::string& elsewhere = {},
+                     const std::string* whole_input = nullptr);
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
     ~Process();

@@ -1,6 +1,5 @@
 #include "support/tool_support.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -33,10 +32,6 @@ bool ToolDirectory::make_full(const std::string& name) const {
     if (!std::filesystem::exists("/dev/full", error)) return false;
     std::filesystem::create_symlink("/dev/full", path_ + "/" + name, error);
     return !error;
-}
-
-void ToolDirectory::make_awaited(const std::string& name) const {
-    if (mkfifo((path_ + "/" + name).c_str(), 0600) != 0) std::abort();
 }
 
 Ending ToolDirectory::run(const Lines& arguments) const { return Process(arguments, path_).wait(); }

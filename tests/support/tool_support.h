@@ -19,9 +19,6 @@ public:
     // Makes a file for whose content there is no room; false where the system has no such device.
     bool make_full(const std::string& name) const;
 
-    // Makes a file that the program waits for when it opens it, until it is written.
-    void make_awaited(const std::string& name) const;
-
     // The program, with a standard input that stays open.
     Ending run(const Lines& arguments) const;
 

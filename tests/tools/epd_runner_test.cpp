@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+
 #include "frontend/output.h"
 #include "support/board_support.h"
+#include "support/files.h"
 #include "support/tool_support.h"
 
 namespace quon::test {
@@ -147,10 +149,15 @@ TEST(EpdRunner, DepthZero) {
 
 TEST(EpdRunner, NoFile) {
     const ToolDirectory directory;
-    const Ending ending = directory.run(quiet("4"));
-    EXPECT_EQ(ending.status, 0);
-    EXPECT_EQ(ending.lines, Lines{});
-    EXPECT_EQ(ending.errors, "");
+    make_pipe(directory.path() + "/pipe");
+    const std::pair<std::string, int> cases[] = {
+        {"missing", 0}, {".", 1}, {"pipe", 1}, {"/dev/zero", 1}};
+    for (const auto& [file, status] : cases) {
+        const Ending ending = directory.run({"-anepd", file});
+        EXPECT_EQ(ending.status, status) << file;
+        EXPECT_EQ(ending.lines, Lines{});
+        EXPECT_EQ(ending.errors, status == 0 ? "" : "quon: " + file + " cannot be read\n");
+    }
 }
 
 TEST(EpdRunner, OutputFull) {
@@ -231,13 +238,10 @@ TEST(EpdRunner, SuiteOnStandardInput) {
 // An input that has ended before the tool starts does not end it, whatever it holds.
 TEST(EpdRunner, InputEndedBefore) {
     const ToolDirectory directory;
-    directory.make_awaited("suite");
+    directory.write("suite", MATE + " bm Ra8;\n" + MATE + " bm Ra8;\n");
     for (const std::string& input :
          {std::string(), std::string("text"), std::string("text\n"), std::string(20000, 'x')}) {
-        Process process(quiet("6"), directory.path());
-        process.send_bytes(input);
-        process.close_input();
-        directory.write("suite", MATE + " bm Ra8;\n" + MATE + " bm Ra8;\n");
+        Process process(quiet("6"), directory.path(), &input);
         EXPECT_EQ(correct(process.wait()), "2 / 2") << input;
     }
 }

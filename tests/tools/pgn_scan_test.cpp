@@ -311,9 +311,12 @@ TEST(PgnScan, Failures) {
     directory.write("tmp.pgn", "1. e4");
     EXPECT_EQ(directory.run(scan_arguments(1, "tmp.pgn")).status, 1);
     EXPECT_EQ(directory.read("tmp.pgn"), "1. e4") << "not overwritten while it is read";
-    const Ending unreadable = directory.run(scan_arguments(1, directory.path()));
-    EXPECT_EQ(unreadable.status, 1);
-    EXPECT_NE(unreadable.errors.find("cannot be read"), std::string::npos) << unreadable.errors;
+    make_pipe(directory.path() + "/pipe");
+    for (const std::string file : {".", "pipe"}) {
+        const Ending unreadable = directory.run(scan_arguments(1, file));
+        EXPECT_EQ(unreadable.status, 1);
+        EXPECT_EQ(unreadable.errors, "quon: " + file + " cannot be read\n");
+    }
     if (!directory.make_full("tmp.epd")) GTEST_SKIP() << "no such device";
     directory.write("games", "[Event \"a\"]\n" + shuttle(8, no_comment) + "\n");
     const Ending full = directory.run(scan_arguments(3, "games"));

@@ -15,6 +15,7 @@
 #include "eval/tunables.h"
 #include "frontend/output.h"
 #include "support/board_support.h"
+#include "support/files.h"
 #include "support/process.h"
 #include "support/search_support.h"
 #include "support/work_directory.h"
@@ -296,8 +297,9 @@ TEST(TuningProcess, EndsWhenAskedTo) {
 
 TEST(TuningProcess, FilesThatCannotBeRead) {
     for (const char* mode : {"-tune", "-mktune"}) {
-        for (const std::string file : {"missing.epd", "."}) {
+        for (const std::string file : {"missing.epd", ".", "pipe"}) {
             const WorkDirectory directory;
+            make_pipe("pipe");
             const Ending ending = directory.run({mode, file, "-nolog"});
             EXPECT_EQ(ending.status, 1) << mode;
             EXPECT_EQ(ending.errors, "quon: " + file + " cannot be read\n");
