@@ -1,8 +1,6 @@
 // Games in files: one of a PGN file is loaded, the one on the board is appended to "tmp.pgn".
 
 #include <cctype>
-#include <cstdio>
-#include <memory>
 #include <string>
 
 #include "board/fen.h"
@@ -11,8 +9,8 @@
 #include "frontend/console_commands.h"
 #include "frontend/line_reader.h"
 #include "frontend/output.h"
-#include "platform/file_map.h"
 #include "search/run.h"
+#include "tools/output_file.h"
 #include "tools/tool_input.h"
 
 namespace quon {
@@ -108,7 +106,7 @@ void load_game(const ConsoleLine& line) {
     const std::string name(line.first);
     engine_print(format("loading %s, tag %s\n", name.c_str(), std::string(line.second).c_str()));
     LineReader reader;
-    if (readable_file(name) && open_lines(reader, name, GAME_LINE, LongLine::AT_BLANK)) {
+    if (open_lines(reader, name, GAME_LINE, LongLine::AT_BLANK)) {
         play_game(reader, choose_game(line.second));
     }
     reset_clocks();
@@ -138,9 +136,10 @@ std::string game_text() {
 }  // namespace
 
 void save_game(const ConsoleLine&) {
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(SAVE_NAME, "a"));
-    if (!file) return;
-    std::fprintf(file.get(), "[Event \"Unknown\"]\n%s\n\n", game_text().c_str());
+    OutputFile file;
+    if (!append_to_output(file, SAVE_NAME)) return;
+    write_text(file, "[Event \"Unknown\"]\n" + game_text() + "\n\n");
+    close_output(file);
 }
 
 }  // namespace quon

@@ -36,8 +36,11 @@ void write_output(std::string_view text) {
 
 void write_log(std::string_view line) {
     if (!options.log_enabled || !log_file) return;
-    std::fwrite(line.data(), 1, line.size(), log_file);
-    std::fflush(log_file);
+    const bool written = std::fwrite(line.data(), 1, line.size(), log_file) == line.size();
+    if (std::fflush(log_file) == 0 && written) return;
+    std::fprintf(stderr, "quon: %s could not be written whole\n", LOG_NAME);
+    std::fclose(log_file);
+    log_file = nullptr;
 }
 
 }  // namespace

@@ -19,8 +19,9 @@ constexpr int INDENT = 9;  // characters of one entry with a move of four
 // Belongs to the main search thread.
 struct SearchTrace {
     std::FILE* file = nullptr;
-    int iteration = 0;  // the last one of this search with a heading
-    int ply = 0;        // of the last entry
+    int iteration = 0;        // the last one of this search with a heading
+    int ply = 0;              // of the last entry
+    bool incomplete = false;  // a write has failed, which has been told
 };
 SearchTrace tracing;
 
@@ -46,7 +47,11 @@ void trace_move(const ThreadData& t, Move move) {
 }
 
 void flush_search_trace() {
-    if (tracing.file) std::fflush(tracing.file);
+    if (tracing.file && (std::fflush(tracing.file) != 0 || std::ferror(tracing.file) != 0) &&
+        !tracing.incomplete) {
+        tracing.incomplete = true;
+        std::fprintf(stderr, "quon: %s could not be written whole\n", TRACE_NAME);
+    }
     tracing.iteration = 0;
 }
 

@@ -13,10 +13,22 @@ bool overwrites_input(const std::string& input, const std::string& output) {
     return same;
 }
 
-bool create_output(OutputFile& output, const std::string& name) {
+namespace {
+
+bool open_output(OutputFile& output, const std::string& name, const char* mode) {
     output = {name, nullptr};
-    output.file.reset(std::fopen(name.c_str(), "wb"));
+    output.file.reset(std::fopen(name.c_str(), mode));
     return output.file != nullptr;
+}
+
+}  // namespace
+
+bool create_output(OutputFile& output, const std::string& name) {
+    return open_output(output, name, "wb");
+}
+
+bool append_to_output(OutputFile& output, const std::string& name) {
+    return open_output(output, name, "a");
 }
 
 void write_text(OutputFile& output, std::string_view text) {

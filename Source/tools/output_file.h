@@ -1,6 +1,6 @@
 #pragma once
-// A text file that a tool writes. The first write that fails is remembered, so that the tool can
-// end, and is told once when the file is closed.
+// A text file that a tool or a command writes. The first write that fails is remembered, so that
+// the tool can end, and is told once when the file is closed.
 
 #include <string>
 #include <string_view>
@@ -19,6 +19,8 @@ struct OutputFile {
 bool overwrites_input(const std::string& input, const std::string& output);
 // An empty file in place of an older one; false if it cannot be created.
 bool create_output(OutputFile& output, const std::string& name);
+// Goes on behind what is in the file, if there is one; false if it cannot be opened.
+bool append_to_output(OutputFile& output, const std::string& name);
 void write_text(OutputFile& output, std::string_view text);
 // Hands everything to the system: what is written survives the end of the process.
 void flush_output(OutputFile& output);
