@@ -118,16 +118,10 @@ constexpr Tool TOOLS[] = {
     {Job::TUNE, [](const RunMode&) { return tune_gradient(); }},
 };
 
-bool run_tool(const Tool& tool, const RunMode& mode) {
-    const bool done = tool.run(mode);
-    if (output_lost()) std::fputs("quon: standard output cannot be written\n", stderr);
-    return done && !output_lost();
-}
-
 // False if a tool failed.
 bool run_job(const RunMode& mode) {
     for (const Tool& tool : TOOLS) {
-        if (tool.job == mode.job) return run_tool(tool, mode);
+        if (tool.job == mode.job) return tool.run(mode);
     }
     run_protocol();
     return true;
@@ -141,16 +135,23 @@ void shut_down() {
     close_log_file();
 }
 
+// The exit status after `status`, unless the output was lost.
+int checked_status(int status) {
+    if (!output_lost()) return status;
+    refuse("standard output cannot be written");
+    return 1;
+}
+
 }  // namespace
 
 int run_program(const std::vector<std::string>& words) {
     const CommandLine line = read_command_line(words);
-    if (line.exit_status) return *line.exit_status;
+    if (line.exit_status) return checked_status(*line.exit_status);
     RunMode mode;
     if (!start(line, mode)) return 1;
     const bool done = run_job(mode);
     shut_down();
-    return done ? 0 : 1;
+    return checked_status(done ? 0 : 1);
 }
 
 }  // namespace quon

@@ -30,13 +30,18 @@ int to_spin(std::string_view value, int low, int high) {
     return int(std::clamp<i64>(to_integer(value), low, high));
 }
 
-// Search threads exist and look at globals: nothing may be torn down.
-[[noreturn]] void end_at_once() { std::_Exit(OUT_OF_MEMORY); }
+// Search threads may exist and look at globals: nothing may be torn down.
+[[noreturn]] void end_without_memory(const std::string& purpose) {
+    engine_print(message_prefix() + ("not enough memory for " + purpose));
+    std::_Exit(OUT_OF_MEMORY);
+}
 
 void set_hash(std::string_view value) {
     finish_search();
     options.hash_mb = i16(to_spin(value, 0, MAX_HASH_MB));
-    if (!hash_alloc()) end_at_once();
+    if (!hash_alloc()) {
+        end_without_memory(format("a hash table of %dM bytes", options.hash_mb));
+    }
     engine_print(format("info string Hash size set to %dM bytes", options.hash_mb));
 }
 
@@ -46,7 +51,7 @@ void set_threads(std::string_view value) {
         finish_search();
         destroy_threads();
         options.threads = u8(count);
-        if (!create_threads(count)) end_at_once();
+        if (!create_threads(count)) end_without_memory("the search threads");
     }
     engine_print(format("info string Threads set to %d", options.threads));
 }

@@ -9,6 +9,9 @@
 
 #include "frontend/output.h"
 #include "protocol/session.h"
+#include "support/board_support.h"
+#include "support/files.h"
+#include "support/tool_support.h"
 
 namespace quon::test {
 namespace {
@@ -107,19 +110,20 @@ TEST(Program, OutputClosedByItsReader) {
         session.send({"go infinite"});
         session.read_to("info depth 3 ");
         session.close_output();
-        EXPECT_EQ(session.wait().status, 0) << "while searching";
+        EXPECT_EQ(session.wait().status, 1) << "while searching";
     }
     Session session;
     session.answers({});
     session.close_output();
     session.send({"isready"});
-    EXPECT_EQ(session.wait().status, 0) << "while idle";
+    EXPECT_EQ(session.wait().status, 1) << "while idle";
 }
 
-// Runs the program in a shell, for redirections; its exit status.
-int run_in_shell(const std::string& directory, const std::string& redirections) {
+// Runs the program in a shell, for redirections and limits; its exit status.
+int run_in_shell(const std::string& directory, const std::string& redirections,
+                 const std::string& limits = {}) {
     const std::string command =
-        "cd '" + directory + "' && timeout 120 " + QUON_BINARY + " " + redirections;
+        "cd '" + directory + "' && " + limits + " timeout 120 " + QUON_BINARY + " " + redirections;
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
@@ -132,11 +136,43 @@ TEST(Program, OtherKindsOfInputAndOutput) {
     std::ifstream answers(directory + "/answers");
     const std::string text((std::istreambuf_iterator<char>(answers)), {});
     EXPECT_NE(text.find("\nbestmove "), std::string::npos) << text;
-    for (const char* redirections :
-         {"</dev/null >answers", "<&- >answers", "<commands >&-", "<commands >/dev/full",
-          "-bench -d 1 <&- >answers", "<. >answers"}) {
-        EXPECT_EQ(run_in_shell(directory, redirections), 0) << redirections;
+    const std::pair<const char*, int> cases[] = {
+        {"</dev/null >answers", 0},        {"<&- >answers", 0},
+        {"-bench -d 1 <&- >answers", 0},   {"<. >answers", 0},
+        {"<commands >&- 2>errors", 1},     {"<commands >/dev/full 2>errors", 1},
+        {"--help >/dev/full 2>errors", 1},
+    };
+    for (const auto& [redirections, status] : cases) {
+        EXPECT_EQ(run_in_shell(directory, redirections), status) << redirections;
     }
+    EXPECT_EQ(read_file(directory + "/errors"), "quon: standard output cannot be written\n");
+}
+
+TEST(Program, MemoryRunsOut) {
+    const Process host({"--version"});
+    const std::string& directory = host.directory();
+    const auto last_answer = [&](const std::string& option, int status) {
+        std::ofstream(directory + "/commands") << option << "\nisready\n";
+        const std::string limits = "ulimit -v 1000000 &&";
+        EXPECT_EQ(run_in_shell(directory, "<commands >answers 2>&1", limits), status) << option;
+        const Lines answers = split(read_file(directory + "/answers"), '\n');
+        return answers.size() > 1 ? answers[answers.size() - 2] : "";
+    };
+    if (run_in_shell(directory, "--version >answers 2>&1", "ulimit -v 1000000 &&") != 0) {
+        GTEST_SKIP() << "a sanitizer needs more";
+    }
+    EXPECT_EQ(last_answer("setoption name Hash value 8192", 255),
+              "info string not enough memory for a hash table of 8192M bytes");
+    EXPECT_EQ(last_answer("setoption name Threads value 80", 255),
+              "info string not enough memory for the search threads");
+    EXPECT_TRUE(read_file(directory + "/quon.log").ends_with("for the search threads\n"));
+}
+
+TEST(Program, PipesInPlaceOfItsFiles) {
+    const ToolDirectory directory;
+    for (const char* name : {"quon.rc", "quon.opn"}) make_pipe(directory.path() + "/" + name);
+    Session session({"-nolog"}, directory.path());
+    EXPECT_EQ(session.answers({}), Lines{"info string book file quon.opn cannot be read"});
 }
 
 TEST(Program, WithoutALog) {
