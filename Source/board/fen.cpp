@@ -84,25 +84,6 @@ void read_ep(Position& p, std::string_view field) {
     p.ep = u8(square);
 }
 
-// Returns true if a claimed right had to go.
-bool drop_unsupported_rights(Position& p) {
-    struct Home {
-        u8 right;
-        int color, king, rook;
-    };
-    constexpr Home homes[] = {{WHITE_KING_SIDE, WHITE, E1, H1},
-                              {WHITE_QUEEN_SIDE, WHITE, E1, A1},
-                              {BLACK_KING_SIDE, BLACK, E8, H8},
-                              {BLACK_QUEEN_SIDE, BLACK, E8, A8}};
-    const u8 claimed = p.castle;
-    for (const Home& home : homes) {
-        const bool supported = p.board[home.king] == make_piece(home.color, KING) &&
-                               p.board[home.rook] == make_piece(home.color, ROOK);
-        if (!supported) p.castle = u8(p.castle & ~home.right);
-    }
-    return p.castle != claimed;
-}
-
 }  // namespace
 
 bool complete_position(Position& p) {
@@ -110,7 +91,9 @@ bool complete_position(Position& p) {
     for (int square = 0; square < 64; ++square) {
         if (p.board[square]) toggle_key(p, p.board[square], square);
     }
-    return drop_unsupported_rights(p);
+    const u8 claimed = p.castle;
+    p.castle &= supported_rights(p);
+    return p.castle != claimed;
 }
 
 void position_from_fen(Position& p, std::string_view text) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "board/keys.h"
+#include "board/verify.h"
 
 namespace quon {
 
@@ -167,6 +168,7 @@ void make_game_move(Game& game, Move move) {
         game.game_ply = kept;
     }
     make_move(game.position, move);
+    assert(verify(game.position).empty());
 }
 
 }  // namespace quon

@@ -92,6 +92,32 @@ void copy_game(Game& to, const Game& from) {
     to.position.owner = &to;
 }
 
+u8 supported_rights(const Position& p) {
+    struct Home {
+        u8 right;
+        int color, king, rook;
+    };
+    constexpr Home homes[] = {{WHITE_KING_SIDE, WHITE, E1, H1},
+                              {WHITE_QUEEN_SIDE, WHITE, E1, A1},
+                              {BLACK_KING_SIDE, BLACK, E8, H8},
+                              {BLACK_QUEEN_SIDE, BLACK, E8, A8}};
+    u8 rights = 0;
+    for (const Home& home : homes) {
+        const bool supported = p.board[home.king] == make_piece(home.color, KING) &&
+                               p.board[home.rook] == make_piece(home.color, ROOK);
+        if (supported) rights |= home.right;
+    }
+    return rights;
+}
+
+bool ep_was_passed(const Position& p) {
+    if (p.ep == NO_SQUARE || relative_rank(p.side, p.ep) != 5) return false;
+    const int pawn = p.ep - forward(p.side);
+    const int origin = p.ep + forward(p.side);
+    return p.board[p.ep] == 0 && p.board[origin] == 0 &&
+           p.board[pawn] == make_piece(p.side ^ 1, PAWN);
+}
+
 const char* position_problem(const Position& p) {
     if (p.flaw == TextFlaw::TOO_MANY_PIECES) return "more than nine pieces of a kind";
     if (p.flaw == TextFlaw::OUTSIDE_BOARD) return "pieces outside the board";
@@ -102,13 +128,7 @@ const char* position_problem(const Position& p) {
     }
     if ((p.bb[WHITE][PAWN] | p.bb[BLACK][PAWN]) & (RANK_1 | RANK_8)) return "pawn on an end rank";
     if (square_attacked(p, king_square(p, p.side ^ 1), p.side)) return "king can be taken";
-    if (p.ep != NO_SQUARE) {
-        const int pawn = p.ep - forward(p.side);
-        const int origin = p.ep + forward(p.side);
-        const bool passed = relative_rank(p.side, p.ep) == 5 && p.board[p.ep] == 0 &&
-                            p.board[origin] == 0 && p.board[pawn] == make_piece(p.side ^ 1, PAWN);
-        if (!passed) return "en passant without a pawn that passed";
-    }
+    if (p.ep != NO_SQUARE && !ep_was_passed(p)) return "en passant without a pawn that passed";
     return nullptr;
 }
 

@@ -106,6 +106,13 @@ void clear_position(Position& p);
 // Copies position and game record; the copy's position points at its own record.
 void copy_game(Game& to, const Game& from);
 
+// The castling rights that the pieces allow: king and rook at home.
+u8 supported_rights(const Position& p);
+
+// True if a pawn of the waiting side has just passed the en-passant square; a position text may
+// name any other square.
+bool ep_was_passed(const Position& p);
+
 // Why the position cannot be searched, or nullptr if it can: one king a side, no pawns on the end
 // ranks, the waiting side not in check, an en-passant square that a pawn has passed.
 const char* position_problem(const Position& p);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "board/make.h"
+#include "board/verify.h"
 #include "support/board_support.h"
 
 namespace quon::test {
@@ -34,7 +35,7 @@ TEST(Fen, ReadingAndWriting) {
         std::unique_ptr<Game> game;
         const std::string output = captured_output([&, t = text] { game = make_game(t); });
         EXPECT_EQ(position_to_fen(game->position), written) << text;
-        EXPECT_EQ(inconsistency(game->position), "") << text;
+        EXPECT_EQ(verify(game->position), "") << text;
         EXPECT_EQ(game->position.flaw, TextFlaw::NONE) << text;
         EXPECT_EQ(output, complaint ? "Illegal EPD record\n" : "") << text;
     }
@@ -81,11 +82,11 @@ TEST(Fen, PositionsThatCannotBeSearched) {
 void expect_safe(Game& game, const std::string& text, Random& random) {
     Position& p = game.position;
     position_from_fen(p, text);
-    ASSERT_EQ(inconsistency(p), "") << text;
+    ASSERT_EQ(verify(p), "") << text;
     const std::string fen = position_to_fen(p);
     if (position_problem(p)) return;
     const int plies = play_random(game, random, 40);
-    ASSERT_EQ(inconsistency(p), "") << text;
+    ASSERT_EQ(verify(p), "") << text;
     for (int i = 0; i < plies; ++i) unmake_move(p);
     ASSERT_EQ(position_to_fen(p), fen);
 }

@@ -8,6 +8,7 @@
 
 #include "board/draw.h"
 #include "board/fen.h"
+#include "board/verify.h"
 #include "support/board_support.h"
 
 namespace quon::test {
@@ -61,14 +62,14 @@ TEST(Make, RandomWalksThereAndBack) {
             const Move move = pass ? NO_MOVE : moves[random() % moves.size()];
             pass ? make_null_move(p) : make_move(p, move);
             ASSERT_EQ(state_of(game), expected_state(places.back(), p.board, move));
-            ASSERT_EQ(inconsistency(p), "") << position_to_fen(p);
+            ASSERT_EQ(verify(p), "") << position_to_fen(p);
         }
         for (; !places.empty(); places.pop_back()) {
             game.last_move == NO_MOVE ? unmake_null_move(p) : unmake_move(p);
             const auto& board = places.back().board;
             ASSERT_TRUE(std::equal(p.board.begin(), p.board.end(), board.begin()));
             ASSERT_EQ(state_of(game), places.back().state);
-            ASSERT_EQ(inconsistency(p), "");
+            ASSERT_EQ(verify(p), "");
         }
     });
 }
@@ -115,7 +116,7 @@ TEST(Make, GameLongerThanTheRecordAndItsCopy) {
         unmake_move(copy->position);
         ASSERT_EQ(copy->position.key, keys.back());
     }
-    EXPECT_EQ(inconsistency(copy->position), "");
+    EXPECT_EQ(verify(copy->position), "");
     EXPECT_EQ(state_of(*game), state);
 }
 

@@ -9,6 +9,7 @@
 
 #include "board/fen.h"
 #include "board/move_text.h"
+#include "board/verify.h"
 #include "support/book_support.h"
 
 namespace quon::test {
@@ -44,7 +45,7 @@ struct BookPick : testing::Test {
         Move move = NO_MOVE;
         printed = captured_output([&] { move = book_pick(game->position); });
         EXPECT_EQ(position_to_fen(game->position), before);
-        EXPECT_EQ(inconsistency(game->position), "");
+        EXPECT_EQ(verify(game->position), "");
         return move_to_text(move);
     }
 };

@@ -7,6 +7,7 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "board/verify.h"
 #include "search/run.h"
 #include "support/board_support.h"
 #include "support/console_support.h"
@@ -74,7 +75,7 @@ TEST_F(ConsoleGame, ReplayOfMovesThatNoLongerFit) {
     EXPECT_EQ(console("]"), "") << "f1 is shut in";
     console("jump 3");
     EXPECT_EQ(game.game_ply, 2);
-    EXPECT_EQ(inconsistency(game.position), "");
+    EXPECT_EQ(verify(game.position), "");
 }
 
 TEST_F(ConsoleGame, WalksToAndFro) {
@@ -118,7 +119,7 @@ TEST_F(ConsoleGame, LongGames) {
     console("]");
     console("jump 99999");  // what is left of the record can be replayed without an end
     EXPECT_LE(game.game_ply, MAX_GAME_PLIES);
-    EXPECT_EQ(inconsistency(game.position), "");
+    EXPECT_EQ(verify(game.position), "");
     const int plies = game.game_ply;
     EXPECT_GT(plies, MAX_GAME_PLIES / 2);
     console("save");
@@ -278,7 +279,7 @@ TEST_F(ConsoleGame, Edit) {
         EXPECT_EQ(output, std::string(EDIT_HELP) + c.message + board_text()) << c.lines;
         EXPECT_EQ(game_fen(), c.fen) << c.lines;
         EXPECT_EQ(game.game_ply, 0);
-        EXPECT_EQ(inconsistency(game.position), "");
+        EXPECT_EQ(verify(game.position), "");
         EXPECT_EQ(console("]"), "") << "the record is empty";
     }
     // The en-passant square and the fifty-move counter stay.
@@ -303,7 +304,7 @@ TEST_F(ConsoleGame, EditOfABoardWithTenQueens) {
     for (const auto& c : cases) {
         EXPECT_EQ(edit(c.line).find(REFUSED) != std::string::npos, c.refused) << c.line;
         EXPECT_EQ(game_fen(), c.fen);
-        EXPECT_EQ(inconsistency(game.position), "");
+        EXPECT_EQ(verify(game.position), "");
         EXPECT_EQ(console("ev").find(REFUSED) == std::string::npos, c.searched) << c.line;
     }
 }
@@ -322,7 +323,7 @@ TEST_F(ConsoleGame, EditLinesOfAnyKind) {
             lines += '\n';
         }
         edit(lines + "w Pa1 Pa2 Pa3 Pa4 Pa5 Pa6 Pa7 Pa8 Pb1 Pb2 Pb3 Pb4 Pb5");
-        ASSERT_EQ(inconsistency(game.position), "") << lines;
+        ASSERT_EQ(verify(game.position), "") << lines;
         for (const char* line : {"ev", "pv", "swap", "a1", "perft 2", "undo", "]", "save", "bd"}) {
             console(line);
         }

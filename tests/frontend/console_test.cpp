@@ -8,6 +8,7 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "board/verify.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "search/search_params.h"
@@ -215,7 +216,7 @@ TEST_F(Console, LinesOfAnyKind) {
             for (int more = pick(random, 4); more > 0; --more) line += " " + any_word();
         }
         console(line);
-        ASSERT_EQ(inconsistency(game.position), "") << line;
+        ASSERT_EQ(verify(game.position), "") << line;
     }
 }
 

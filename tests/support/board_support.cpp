@@ -8,7 +8,6 @@
 #include <fstream>
 
 #include "board/fen.h"
-#include "board/keys.h"
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/movegen.h"
@@ -128,39 +127,6 @@ Bitboard attackers_by_steps(const Position& p, int square, int by_side) {
         if (hits) attackers |= bit(from);
     }
     return attackers;
-}
-
-std::string inconsistency(const Position& p) {
-    constexpr u32 SIG[] = {0, 0x1, 0x10, 0x100, 0x1000, 0x10000, 0};
-    constexpr int NPM[] = {0, 0, 3, 3, 5, 10, 0};
-    Position fresh{};
-    std::vector<int> lists[16];
-    for (int square = 0; square < 64; ++square) {
-        const int piece = p.board[square];
-        if (piece == 0) continue;
-        const int color = piece > 8 ? BLACK : WHITE;
-        const int type = piece - 8 * color;
-        if (type < PAWN || type > KING) return "piece code";
-        fresh.bb[color][0] |= bit(square);
-        fresh.bb[color][type] |= bit(square);
-        fresh.sig[color] += SIG[type];
-        fresh.npm[color] = u16(fresh.npm[color] + NPM[type]);
-        fresh.key ^= piece_sq_keys[piece][square];
-        if (type == PAWN) fresh.pawn_key ^= piece_sq_keys[piece][square];
-        lists[piece].push_back(square);
-    }
-    if (p.board[NO_SQUARE] != 0) return "board[NO_SQUARE]";
-    for (int piece = 0; piece < 16; ++piece) {
-        std::vector<int> list = piece_squares(p, piece);
-        std::sort(list.begin(), list.end());
-        if (list != lists[piece]) return "plist " + std::to_string(piece);
-    }
-    for (const int color : {WHITE, BLACK}) {
-        if (!std::equal(p.bb[color].begin(), p.bb[color].end(), fresh.bb[color].begin()))
-            return "bb";
-        if (p.sig[color] != fresh.sig[color] || p.npm[color] != fresh.npm[color]) return "material";
-    }
-    return p.key == fresh.key && p.pawn_key == fresh.pawn_key ? "" : "key";
 }
 
 std::string captured_output(const std::function<void()>& call) {

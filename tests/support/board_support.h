@@ -46,9 +46,6 @@ std::string flip_colors(const Position& p);
 Bitboard reach_by_steps(int type, int from, Bitboard occupancy);
 Bitboard attackers_by_steps(const Position& p, int square, int by_side);
 
-// The first redundant field that does not follow from `board`, list order left aside; "" if none.
-std::string inconsistency(const Position& p);
-
 // What the call writes to standard output.
 std::string captured_output(const std::function<void()>& call);
 

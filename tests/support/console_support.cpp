@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "board/fen.h"
+#include "board/verify.h"
 #include "frontend/console.h"
 #include "search/run.h"
 #include "support/board_support.h"
@@ -69,7 +70,7 @@ std::string game_difference(const Game& a, const Game& b) {
         if (r.captured != s.captured || r.ep != s.ep || r.fifty != s.fifty || r.castle != s.castle)
             return "undo";
     }
-    return inconsistency(p) + inconsistency(q);
+    return verify(p).empty() ? std::string(verify(q)) : std::string(verify(p));
 }
 
 }  // namespace quon::test

@@ -11,6 +11,7 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "board/verify.h"
 #include "eval/eval_tables.h"
 #include "platform/clock.h"
 #include "search/control.h"
@@ -128,7 +129,7 @@ std::string copy_problem(const ThreadData& t) {
     if (own.fifty != master.fifty) return "fifty";
     if (t.game_ply != game.game_ply || t.last_move != game.last_move) return "record";
     if (t.ply != 1 || t.ext_acc % 16 != t.ext_acc) return "ply";
-    return inconsistency(own);
+    return std::string(verify(own));
 }
 
 }  // namespace quon::test
