@@ -136,7 +136,8 @@ bool is_pseudo_legal(const Position& p, Move move) {
         default:
             if (promotion != 0) return false;
             if (has(king_attacks[from], to)) return true;
-            return is_castling(KING, from, to) && castling_possible(p, to > from);
+            return is_castling(KING, from, to) && from == king_square(p, us) &&
+                   castling_possible(p, to > from);
     }
 }
 

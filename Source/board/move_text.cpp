@@ -211,11 +211,10 @@ bool parse_san(const Position& p, std::string_view input, Move& out_move) {
 
 namespace {
 
-// A position text may name an en-passant square that no pawn has passed. For pseudo-legal moves.
-bool en_passant_without_pawn(const Position& p, int from, int to) {
-    const bool en_passant =
-        to == p.ep && type_of(p.board[from]) == PAWN && file_of(from) != file_of(to);
-    return en_passant && p.board[to - forward(p.side)] != make_piece(p.side ^ 1, PAWN);
+// make_move takes every pawn's move to the en-passant square for an en-passant capture, which it is
+// only behind a pawn that has passed the square.
+bool false_en_passant(const Position& p, int from, int to) {
+    return to == p.ep && type_of(p.board[from]) == PAWN && !ep_was_passed(p);
 }
 
 }  // namespace
@@ -237,8 +236,8 @@ Move parse_coordinates(const Position& p, std::string_view text) {
         default: break;
     }
     const Move move = make_code(from, to, promotion);
-    const bool refused = !is_pseudo_legal(p, move) || type_of(p.board[to]) == KING ||
-                         en_passant_without_pawn(p, from, to);
+    const bool refused =
+        !is_pseudo_legal(p, move) || type_of(p.board[to]) == KING || false_en_passant(p, from, to);
     return refused ? NO_MOVE : move;
 }
 

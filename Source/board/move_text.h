@@ -35,7 +35,8 @@ bool parse_san(const Position& p, std::string_view text, Move& out_move);
 std::string normalized_san(std::string_view text);
 
 // Coordinate text as front ends write it: e2e4, e7e8q. Returns NO_MOVE unless the text names a
-// pseudo-legal move of the side to move that does not take a king.
+// pseudo-legal move of the side to move that takes no king and moves no pawn to an en-passant
+// square that none has passed: what make_move can make and take back in any position.
 Move parse_coordinates(const Position& p, std::string_view text);
 
 }  // namespace quon

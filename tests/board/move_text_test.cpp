@@ -141,6 +141,12 @@ TEST(ParseCoordinates, Cases) {
         {"4k3/8/8/3pP3/8/8/8/4K3 w - -", "e5d6:"},
         {"4k3/8/8/4P3/8/8/8/4K3 w - d6", "e5d6:"},  // no pawn has passed
         {"4k3/8/3r4/3nP3/8/8/8/4K3 w - d6", "e5d6:"},
+        {"4k3/8/3r4/3pP3/8/8/8/4K3 w - d6", "e5d6:"},
+        {"4k3/8/8/8/8/8/P7/4K3 w - a3", "a2a3: a2a4:a2a4"},  // a push is no capture
+        {"4k3/p7/8/8/8/8/8/4K3 b - a6", "a7a6: a7a5:a7a5"},
+        {"4k3/8/8/8/8/8/8/R3K2K w Q -", "h1f1: e1c1:e1c1"},  // only the king at home castles
+        {"r3k2k/8/8/8/8/8/8/4K3 b q -", "h8f8: e8c8:e8c8"},
+        {"4k3/8/8/8/4K3/8/8/R3K2R w KQ -", "e4g4: e4c4: e1g1: e1c1:"},
         {"4k3/8/8/8/8/8/1P6/4K3 w - a1", "b2a1:"},
         {"4k3/1p6/8/8/8/8/8/4K3 b - h8", "b7h8:"},
         {"4k3/8/8/8/8/8/4r3/4K3 w - -", "e1d1:e1d1"},  // legality is the caller's business

@@ -85,20 +85,5 @@ TEST_F(PositionCommand, LongGames) {
     EXPECT_LE(game.game_ply, MAX_GAME_PLIES);
 }
 
-TEST_F(PositionCommand, TextsThatAreNoPositions) {
-    for (const char* text :
-         {"fen", "fen ", "fen x", "xfen", "fen 8/8/8/8/8/8/8/8 w - -",
-          "fen kkkkkkkk/kkkkkkkk/8/8/8/8/KKKKKKKK/KKKKKKKK w KQkq e3",
-          "fen pppppppp/pppppppp/pppppppp/pppppppp/pppppppp/pppppppp/pppppppp/pppppppp b - -",
-          "fen ////////////////////////// w - -", "fen 99999999999/99999999 b KQkq h9",
-          "fen rnbqkbnrrnbqkbnr/pppppppppppppppppp w - - moves e2e4",
-          "fen 4k3/8/8/8/8/8/8/4K3 w KQkq e8 moves e1e2 e8e7"}) {
-        output(text);  // survives, whatever it becomes
-        EXPECT_EQ(game.position.owner, &game) << text;
-    }
-    EXPECT_EQ(output("startpos"), "");
-    EXPECT_EQ(fen(), START_FEN);
-}
-
 }  // namespace
 }  // namespace quon::test
