@@ -3,7 +3,10 @@
 #include "frontend/input.h"
 
 #include <algorithm>
+#include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "frontend/console.h"
 #include "frontend/engine_options.h"
@@ -24,16 +27,20 @@ constexpr char SEPARATOR = '@';
 constexpr std::size_t READ_AHEAD = 65536;
 constexpr int READS_AT_ONCE = 64;  // a flood of empty lines must not hold the program up
 
-std::string partial_line;       // bytes since the last line end
-bool partial_line_cut = false;  // more than MAX_LINE of them came
-std::string pending_input;      // whole lines, a SEPARATOR behind each
+// Guards all below. A thread that prints takes it too: under it nothing may be printed.
+std::mutex input_mutex;
+std::string partial_line;          // bytes since the last line end
+bool partial_line_cut = false;     // more than MAX_LINE of them came
+std::string pending_input;         // whole lines, a SEPARATOR behind each
+std::vector<std::string> remarks;  // on long lines, for the main thread to print
 bool ended = false;
+bool quit_taken = false;
 
 void end_line() {
     if (partial_line.size() > USUAL_LINE) {
-        engine_print(format("%s%s %d characters", message_prefix(),
-                            partial_line_cut ? "line cut at" : "long line of",
-                            int(partial_line.size())));
+        remarks.push_back(format("%s %d characters",
+                                 partial_line_cut ? "line cut at" : "long line of",
+                                 int(partial_line.size())));
     }
     if (!partial_line.empty()) pending_input += partial_line + SEPARATOR;
     partial_line.clear();
@@ -74,48 +81,73 @@ std::string take_command() {
     std::string command = pending_input.substr(0, end);
     pending_input.erase(0, end + 1);
     command.erase(std::min(command.find_first_of("\r\n"), command.size()));
+    quit_taken |= first_word(command) == "quit";
     return command;
 }
 
 }  // namespace
 
-bool command_pending() { return !pending_input.empty(); }
+bool command_pending() {
+    const std::lock_guard lock(input_mutex);
+    return !pending_input.empty();
+}
 
-std::size_t waiting_length() { return pending_input.size(); }
+std::size_t waiting_length() {
+    const std::lock_guard lock(input_mutex);
+    return pending_input.size();
+}
 
 bool command_waits(std::string_view word, std::size_t behind) {
+    const std::lock_guard lock(input_mutex);
     return find_command(word, behind) != std::string::npos;
 }
 
 bool withdraw_command(std::string_view word, std::size_t behind) {
+    const std::lock_guard lock(input_mutex);
     const std::size_t start = find_command(word, behind);
     if (start == std::string::npos) return false;
     pending_input.erase(start, pending_input.find(SEPARATOR, start) + 1 - start);
     return true;
 }
 
-bool input_ended() { return ended; }
+bool input_ended() {
+    const std::lock_guard lock(input_mutex);
+    return ended;
+}
 
 bool input_at_end() {
+    const std::lock_guard lock(input_mutex);
     for (int reads = 0; reads < READS_AT_ONCE && read_lines(); ++reads) {
     }
     return ended;
 }
 
+bool quit_comes() {
+    input_at_end();
+    const std::lock_guard lock(input_mutex);
+    return quit_taken || find_command("quit", 0) != std::string::npos;
+}
+
+bool quit_or_end_comes() { return quit_comes() || input_ended(); }
+
 bool next_input_line(std::string& line) {
     while (interruption() == Interruption::NONE) {
         if (next_command(line)) return true;
-        if (ended) return false;
+        if (input_ended()) return false;
         wait_for_event(-1, true);
     }
     return false;
 }
 
 bool next_command(std::string& command) {
+    std::unique_lock lock(input_mutex);
     read_lines();
-    if (!command_pending()) return false;
-    command = take_command();
-    return true;
+    const bool found = !pending_input.empty();
+    if (found) command = take_command();
+    const std::vector<std::string> told = std::exchange(remarks, {});
+    lock.unlock();
+    for (const std::string& remark : told) engine_print(message_prefix() + remark);
+    return found;
 }
 
 void process_input() {

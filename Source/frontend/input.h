@@ -1,5 +1,6 @@
 #pragma once
-// Commands as lines from standard input. Main thread only.
+// Commands as lines from standard input. Main thread only, but for the two tests of leaving: a line
+// of output that waits for its reader asks them, whichever thread prints it.
 
 #include <string>
 #include <string_view>
@@ -25,6 +26,11 @@ std::size_t waiting_length();
 // before. It stays there, or is taken out.
 bool command_waits(std::string_view word, std::size_t behind);
 bool withdraw_command(std::string_view word, std::size_t behind);
+
+// Both read what standard input holds, and keep it: "quit" has been handled or waits, behind
+// whichever other commands; or else the input is at its end.
+bool quit_comes();
+bool quit_or_end_comes();
 
 // A whole command has been read and waits for process_input.
 bool command_pending();

@@ -8,7 +8,9 @@
 #include <mutex>
 
 #include "frontend/engine_options.h"
+#include "platform/clock.h"
 #include "platform/relaxed.h"
+#include "platform/standard_output.h"
 
 namespace quon {
 
@@ -19,6 +21,7 @@ constexpr char LOG_NAME[] = "quon.log";
 std::mutex print_mutex;  // guards both streams: a line appears whole in each
 std::FILE* log_file = nullptr;
 Relaxed<bool> lost = false;
+Relaxed<bool (*)()> leave_test = nullptr;
 bool status_shown = false;  // guarded by print_mutex
 
 constexpr char REWRITE_LINE[] = "\r\x1b[K";
@@ -28,10 +31,43 @@ void erase_status() {
     status_shown = false;
 }
 
+bool leaving() {
+    bool (*const test)() = leave_test;
+    return test && test();
+}
+
+// A line that its reader lets wait.
+struct Stall {
+    std::size_t unread = 0;  // bytes of this and earlier lines
+    double since = 0;        // when the reader last took some, or nobody wanted to leave
+};
+
+// Waits for the reader; gives the output up when the program is to end and nothing is read.
+void wait_for_reader(Stall& stall, std::size_t unwritten) {
+    constexpr int LISTEN_MS = 20;
+    constexpr double PATIENCE = 0.5;  // seconds
+    const std::size_t unread = unwritten + std::size_t(unread_output());
+    const double now = monotonic_seconds();
+    if (unread != stall.unread) {
+        stall = {unread, now};
+    } else {
+        sleep_ms(1);  // some terminals report room and take nothing
+    }
+    if (!leaving()) stall.since = now;
+    lost = now - stall.since > PATIENCE;
+    if (!lost) wait_for_room(LISTEN_MS);
+}
+
 void write_output(std::string_view text) {
     erase_status();
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (std::fflush(stdout) != 0 || !written) lost = true;
+    Stall stall;
+    while (!lost && !text.empty()) {
+        if (offer_output(text) == OutputState::LOST) {
+            lost = true;
+        } else if (!text.empty()) {
+            wait_for_reader(stall, text.size());
+        }
+    }
 }
 
 void write_log(std::string_view line) {
@@ -102,6 +138,8 @@ void close_log_file() {
     if (log_file) std::fclose(log_file);
     log_file = nullptr;
 }
+
+void leave_output_if(bool (*test)()) { leave_test = test; }
 
 bool output_lost() { return lost; }
 

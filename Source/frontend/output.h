@@ -8,8 +8,8 @@
 
 namespace quon {
 
-// Writes the text and a newline to standard output and flushes it; copies them to the log file when
-// logging is on and the file is open.
+// Writes the text and a newline to standard output, waiting for a slow reader; copies them to the
+// log file when logging is on and the file is open.
 void engine_print(std::string_view text);
 
 // The text as it stands, to standard output alone: what never goes to the log.
@@ -33,7 +33,12 @@ void show_status_line(std::string_view text);
 void open_log_file();
 void close_log_file();
 
-// True once a write to standard output has failed: its reader is gone.
+// The test says whether the program is to end. While it does, output is lost that nobody reads for
+// half a second; without it a reader is waited for without limit. Called by any thread, under the
+// lock of the output: it must neither print nor wait.
+void leave_output_if(bool (*test)());
+
+// True once standard output cannot be written, as its reader is gone, or has been given up.
 bool output_lost();
 
 }  // namespace quon

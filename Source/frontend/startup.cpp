@@ -13,10 +13,12 @@
 #include "eval/param_file.h"
 #include "frontend/command_line.h"
 #include "frontend/engine_options.h"
+#include "frontend/input.h"
 #include "frontend/main_loop.h"
 #include "frontend/output.h"
 #include "platform/clock.h"
 #include "platform/events.h"
+#include "platform/standard_output.h"
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/run.h"
@@ -63,6 +65,7 @@ bool refuse(const char* reason) {
 bool start(const CommandLine& line, RunMode& mode) {
     // 1. Before any file is opened and any thread exists.
     init_events();
+    init_output();
     std::srand(unsigned(wall_clock_ms()));
     // 2. From here on lines are logged.
     open_log_file();
@@ -88,6 +91,7 @@ bool start(const CommandLine& line, RunMode& mode) {
 }
 
 void run_protocol() {
+    leave_output_if(quit_or_end_comes);
     position_from_fen(game.position, START_FEN);
     calibrate();
     apply_search_params();

@@ -60,6 +60,7 @@ void search_with_all_threads() {
 }  // namespace
 
 void run_bench(int variant, bool single_thread) {
+    leave_output_if(quit_comes);
     limits.fixed_time = SECONDS_PER_POSITION;
     options.output_delay = NEVER;
     if (single_thread || limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;

@@ -30,10 +30,10 @@ struct Heard {
 
 constexpr Heard HEARD[] = {{"isready", RUN}, {"stop", STOP}, {"quit", ABORT}};
 
-StopFlag wish = RUN;      // the first that was heard
-bool listening = false;   // standard input carries commands, and its end is one of them
-bool in_console = false;  // what standard input carries is the console's
-double looked_at = 0;     // monotonic seconds
+Relaxed<StopFlag> wish = RUN;  // the first that was heard
+bool listening = false;        // standard input carries commands, and its end is one of them
+bool in_console = false;       // what standard input carries is the console's
+double looked_at = 0;          // monotonic seconds
 // Of a console command:
 bool first_look = false;
 bool heeds_waiting = false;      // the lines that waited at the first look
@@ -75,6 +75,11 @@ void hear() {
 
 bool look_due() { return interrupted() || monotonic_seconds() - looked_at >= LOOK_PERIOD; }
 
+// Whether the output of the tool may be given up. The input may be data, or long at its end.
+bool broken_off() { return wish == ABORT || interrupted(); }
+bool listener_leaves() { return broken_off() || quit_or_end_comes(); }
+bool console_leaves() { return interrupted() || quit_comes(); }
+
 bool all_heard() { return input_ended() && !command_pending(); }
 
 }  // namespace
@@ -107,6 +112,7 @@ void start_tool_input(const std::string& file) {
     catch_interrupts();
     for (int i = 0; i < CALLS_AT_START && listening && !all_heard(); ++i) hear();
     if (all_heard()) listening = false;
+    leave_output_if(listening ? listener_leaves : broken_off);
 }
 
 void start_command_input() {
@@ -115,12 +121,16 @@ void start_command_input() {
     listening = heeds_waiting = false;
     looked_at = monotonic_seconds();
     catch_interrupts();
+    leave_output_if(console_leaves);
 }
 
 void heed_waiting_lines() { heeds_waiting = true; }
 
 void end_tool_input() {
-    if (in_console && interruption() == Interruption::REQUEST) control.quit_requested = true;
+    if (in_console) {
+        if (interruption() == Interruption::REQUEST) control.quit_requested = true;
+        leave_output_if(quit_or_end_comes);
+    }
     wish = RUN;
     listening = in_console = false;
     release_interrupts();

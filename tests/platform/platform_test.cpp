@@ -1,4 +1,4 @@
-// Waiting for events, files as memory, the machine's processors.
+// Waiting for events, full pipes, files as memory, the machine's processors.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -12,6 +12,7 @@
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/file_map.h"
+#include "platform/standard_output.h"
 #include "platform/topology.h"
 
 namespace quon::test {
@@ -33,6 +34,29 @@ TEST(Events, ACallEndsOneWait) {
     });
     wait_for_event(-1, false);
     caller.join();
+}
+
+TEST(StandardOutput, NeverBlocks) {
+    init_events();
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int before = dup(STDOUT_FILENO);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[1]);
+    const std::string text(1 << 22, 'x');
+    std::string_view left = text;
+    const OutputState full = offer_output(left);
+    const std::size_t unread = std::size_t(unread_output());
+    close(ends[0]);
+    std::string_view rest = left;
+    const OutputState lost = offer_output(rest);
+    dup2(before, STDOUT_FILENO);
+    close(before);
+    EXPECT_EQ(full, OutputState::OPEN);
+    EXPECT_GT(unread, 0U);
+    EXPECT_EQ(unread, text.size() - left.size());
+    EXPECT_EQ(lost, OutputState::LOST);
+    EXPECT_EQ(rest.size(), left.size());
 }
 
 TEST(FileMap, HoldsTheWholeFileOrNothing) {

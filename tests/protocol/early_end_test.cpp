@@ -146,11 +146,14 @@ TEST_F(LongWork, WhatWaitsAlreadyEndsNothing) {
     }
 }
 
+// The first one lets the tool wait for its reader for a while.
 TEST_F(LongWork, ASecondSignalKills) {
-    Process process({"-nolog", "-mktune", "pipe"}, directory.path());
-    directory.make_awaited("pipe");
-    process.send({"isready"});
-    process.read_to("readyok");
+    std::string suite;
+    for (int i = 0; i < 50; ++i) suite += "6k1/5ppp/8/8/8/8/8/R5K1 w - - bm Ra8;\n";
+    directory.write("suite", suite);
+    Process process({"-nolog", "-anepd", "suite", "-d", "1"}, directory.path(), nullptr,
+                    OutputPipe::NARROW);
+    process.await_full_output();
     process.signal(SIGTERM);
     sleep_ms(50);
     process.signal(SIGINT);

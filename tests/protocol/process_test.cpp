@@ -104,19 +104,57 @@ TEST(Program, QuitOrEndOfInputDuringASearch) {
     }
 }
 
-TEST(Program, OutputClosedByItsReader) {
-    {
-        Session session({"-nolog", "-threads", "2"});
-        session.send({"go infinite"});
-        session.read_to("info depth 3 ");
-        session.close_output();
-        EXPECT_EQ(session.wait().status, 1) << "while searching";
+const Lines PRINT_MUCH(60, "uci");
+
+TEST(Program, EndsWhenNobodyReads) {
+    const struct {
+        Lines sent;
+        void (Process::*cut)();
+    } cases[] = {{{"quit"}, nullptr},
+                 {{"stop", "quit"}, nullptr},  // the main thread waits for the search threads
+                 {{}, &Process::close_input},
+                 {{}, &Process::close_output}};
+    for (const auto& c : cases) {
+        for (const Lines& lines :
+             {PRINT_MUCH, {"setoption name MultiPV value 30", "go infinite"}}) {
+            Process process({"-nolog", "-threads", "2"}, {}, nullptr, OutputPipe::NARROW);
+            process.send(lines);
+            process.await_full_output();
+            EXPECT_FALSE(process.ends_unread(50)) << &c - cases << lines.back();
+            process.send(c.sent);
+            if (c.cut) (process.*c.cut)();
+            EXPECT_TRUE(process.ends_unread(5000)) << &c - cases << lines.back();
+        }
     }
-    Session session;
-    session.answers({});
-    session.close_output();
-    session.send({"isready"});
-    EXPECT_EQ(session.wait().status, 1) << "while idle";
+}
+
+TEST(Program, LosesNoLineToASlowReader) {
+    // Longer than the patience with a reader when the program is to end.
+    constexpr int PAUSE_MS = 700;
+    for (const OutputPipe output : {OutputPipe::NARROW, OutputPipe::NARROW_NONBLOCKING}) {
+        Process engine({"-nolog"}, {}, nullptr, output);
+        engine.send(PRINT_MUCH);
+        engine.await_full_output();
+        EXPECT_FALSE(engine.ends_unread(PAUSE_MS));
+        engine.send({"isready", "uci", "quit"});
+        const Lines lines = engine.wait().lines;
+        EXPECT_EQ(lines_with(lines, "uciok").size(), 61U);
+        EXPECT_EQ(lines_with(lines, "id author").size(), 61U);
+        EXPECT_TRUE(contains(lines, "readyok"));
+    }
+    // The input of a tool was at its end before.
+    const Process host({"--version"});
+    std::ofstream suite(host.directory() + "/suite");
+    for (int i = 0; i < 50; ++i) suite << "6k1/5ppp/8/8/8/8/8/R5K1 w - - bm Ra8;\n";
+    suite.close();
+    Process tool({"-nolog", "-anepd", "suite", "-d", "1"}, host.directory(), nullptr,
+                 OutputPipe::NARROW);
+    tool.close_input();
+    tool.await_full_output();
+    EXPECT_FALSE(tool.ends_unread(PAUSE_MS));
+    const Ending ending = tool.wait();
+    EXPECT_EQ(ending.status, 0) << ending.errors;
+    EXPECT_EQ(lines_with(ending.lines, "move= ").size(), 50U);
 }
 
 // Runs the program in a shell, for redirections and limits; its exit status.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +19,9 @@ namespace {
 
 // Far beyond any healthy session, also with a sanitizer on a loaded machine.
 constexpr unsigned LIFETIME_SECONDS = 600;
+constexpr int PATIENCE_MS = 60000;
+constexpr int NARROW_SIZE = 4096;
+constexpr int LONGEST_LINE = 500;
 
 void close_end(int& descriptor) {
     if (descriptor >= 0) close(descriptor);
@@ -26,7 +30,8 @@ void close_end(int& descriptor) {
 
 }  // namespace
 
-Process::Process(Lines arguments, const std::string& elsewhere, const std::string* whole_input)
+Process::Process(Lines arguments, const std::string& elsewhere, const std::string* whole_input,
+                 OutputPipe output)
     : directory_(std::filesystem::temp_directory_path() / "quon-test-XXXXXX") {
     std::signal(SIGPIPE, SIG_IGN);
     arguments.insert(arguments.begin(), QUON_BINARY);
@@ -38,6 +43,8 @@ Process::Process(Lines arguments, const std::string& elsewhere, const std::strin
     for (auto& ends : pipes) {
         if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
     }
+    if (output != OutputPipe::USUAL) fcntl(pipes[1][1], F_SETPIPE_SZ, NARROW_SIZE);
+    if (output == OutputPipe::NARROW_NONBLOCKING) fcntl(pipes[1][1], F_SETFL, O_NONBLOCK);
     if (mkdtemp(directory_.data()) == nullptr) std::abort();
     input_ = pipes[0][1];
     if (whole_input) {
@@ -134,6 +141,25 @@ std::string Process::take_errors() {
     const std::string text(bytes, count > 0 ? std::size_t(count) : 0);
     EXPECT_EQ(text.find("Sanitizer"), std::string::npos) << text;
     return text;
+}
+
+void Process::await_full_output() {
+    int unread = 0;
+    for (int ms = 0; unread < NARROW_SIZE - LONGEST_LINE && ms < PATIENCE_MS; ++ms) {
+        usleep(1000);
+        if (ioctl(output_, FIONREAD, &unread) != 0) std::abort();
+    }
+    EXPECT_GE(unread, NARROW_SIZE - LONGEST_LINE);
+}
+
+bool Process::ends_unread(int ms) {
+    while (waitpid(child_, nullptr, WNOHANG) == 0) {
+        if (--ms < 0) return false;
+        usleep(1000);
+    }
+    child_ = -1;
+    take_errors();
+    return true;
 }
 
 Ending Process::wait() {

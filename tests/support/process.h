@@ -19,13 +19,17 @@ struct Ending {
     std::string errors;
 };
 
+// A narrow pipe holds 4 KB; a nonblocking one refuses what it cannot hold.
+enum class OutputPipe { USUAL, NARROW, NARROW_NONBLOCKING };
+
 class Process {
 public:
     // The directory, with the files in it, lives until the object is destroyed; `elsewhere` is a
     // directory to start in instead. `whole_input`: what the program finds on its input, which has
     // ended before it starts.
     explicit Process(Lines arguments = {}, const std::string& elsewhere = {},
-                     const std::string* whole_input = nullptr);
+                     const std::string* whole_input = nullptr,
+                     OutputPipe output = OutputPipe::USUAL);
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
     ~Process();
@@ -44,8 +48,12 @@ public:
     // True if nothing is written for this long.
     bool silent_for(int ms);
 
+    // Waits until a narrow pipe takes no more lines.
+    void await_full_output();
     // Waits for the end of the process, reading what it still writes.
     Ending wait();
+    // The same without reading; false if it takes longer.
+    bool ends_unread(int ms);
 
     const std::string& directory() const { return directory_; }
 

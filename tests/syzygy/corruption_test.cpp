@@ -43,11 +43,6 @@ private:
     std::FILE* nowhere = std::fopen("/dev/null", "w");
 };
 
-void load_tables(const std::string& path) {
-    const Silence messages(stdout);
-    tb_init(path);
-}
-
 // ---- Positions ----
 
 // Men of a table name on random squares, either colour with those named first; legal.
@@ -170,7 +165,7 @@ constexpr std::chrono::seconds LONGEST_CASE(5);
 Answers probe_damaged(const Original& original, const std::string& bytes) {
     const auto start = Clock::now();
     original.directory->write(original.file, bytes);
-    load_tables(original.directory->path);
+    captured_output([&] { tb_init(original.directory->path); });
     const Answers answers = probe_all(original.positions);
     EXPECT_LT(Clock::now() - start, LONGEST_CASE);
     original.directory->write(original.file, original.bytes);
