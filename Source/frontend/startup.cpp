@@ -23,6 +23,7 @@
 #include "search/hash.h"
 #include "search/run.h"
 #include "search/search_params.h"
+#include "search/search_trace.h"
 #include "search/strength.h"
 #include "search/threads.h"
 #include "syzygy/tbprobe.h"
@@ -133,6 +134,7 @@ bool run_job(const RunMode& mode) {
 
 void shut_down() {
     destroy_threads();
+    flush_search_trace();  // of a search that "quit" has broken off
     book_close();
     hash_free();
     release_timer_period(options.timer_resolution);

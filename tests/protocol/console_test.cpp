@@ -227,23 +227,27 @@ TEST(ConsoleSession, TraceOfTheSearch) {
     EXPECT_EQ(session.finish(), 0);
 }
 
-// Each file is told of once, and nothing else changes.
+// Each file is told of once, and nothing else changes; also when "quit" breaks the search off.
 TEST(ConsoleSession, DiskFull) {
-    auto full = std::make_unique<FullDisk>(0);
-    Process session({"-c"});
-    full.reset();
-    session.send({"save", "trace 2", "go 3"});
-    session.read_to("Hash fill");
-    session.send({"e4", "go 3"});
-    session.read_to("Hash fill");
-    session.send({"quit"});
-    const Ending ending = session.wait();
-    EXPECT_EQ(ending.status, 0);
-    std::string expected;
-    for (const char* name : {"quon.log", "tmp.pgn", "trace.txt"}) {
-        expected += std::string("quon: ") + name + " could not be written whole\n";
+    for (const bool broken_off : {false, true}) {
+        auto full = std::make_unique<FullDisk>(0);
+        Process session({"-c"});
+        full.reset();
+        session.send({"save", "trace 2"});
+        for (int search = 0; search < 2 && !broken_off; ++search) {
+            session.send({"e4", "go 3"});
+            session.read_to("Hash fill");
+        }
+        if (broken_off) session.send({"go"});
+        session.send({"quit"});
+        const Ending ending = session.wait();
+        EXPECT_EQ(ending.status, 0);
+        std::string expected;
+        for (const char* name : {"quon.log", "tmp.pgn", "trace.txt"}) {
+            expected += std::string("quon: ") + name + " could not be written whole\n";
+        }
+        EXPECT_EQ(ending.errors, expected) << broken_off;
     }
-    EXPECT_EQ(ending.errors, expected);
 }
 
 TEST(ConsoleSession, GoesOverToUci) {
