@@ -4,8 +4,8 @@
 
 #include "board/bitboard.h"
 #include "board/keys.h"
-#include "eval/eval_tables.h"
 #include "eval/kpk.h"
+#include "harness/engine.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ struct EngineTables : testing::Environment {
         quon::init_attack_tables();
         quon::init_keys();
         quon::build_kpk_bitbase();
-        quon::init_eval_tables();
+        quon::test::derive_parameters();
     }
 };
 

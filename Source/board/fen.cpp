@@ -3,8 +3,7 @@
 #include "board/fen.h"
 
 #include "board/keys.h"
-#include "frontend/output.h"
-#include "frontend/words.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -96,7 +95,9 @@ bool complete_position(Position& p) {
     return p.castle != claimed;
 }
 
-void position_from_fen(Position& p, std::string_view text) {
+void set_start_position(Position& p) { (void)position_from_fen(p, START_FEN); }
+
+bool position_from_fen(Position& p, std::string_view text) {
     clear_position(p);
     Reader reader{text};
     read_board(p, reader);
@@ -105,7 +106,7 @@ void position_from_fen(Position& p, std::string_view text) {
     if (side == 'b') p.side = BLACK;
     read_castling(p, reader.field());
     read_ep(p, reader.field());
-    if (complete_position(p)) engine_print("Illegal EPD record");
+    return !complete_position(p);
 }
 
 std::string position_to_fen(const Position& p) {
@@ -144,7 +145,7 @@ char diagram_character(const Position& p, int square) {
     return piece ? DIAGRAM_PIECES[std::size_t(piece)] : empty;
 }
 
-void print_board(const Position& p) {
+std::string board_text(const Position& p) {
     std::string text = position_to_fen(p) + "\n";
     for (int rank = 7; rank >= 0; --rank) {
         for (int file = 0; file < 8; ++file) {
@@ -153,8 +154,7 @@ void print_board(const Position& p) {
         }
         text += '\n';
     }
-    text += p.side == WHITE ? "white\n" : "black\n";
-    engine_print(text);
+    return text + (p.side == WHITE ? "white\n" : "black\n");
 }
 
 namespace {

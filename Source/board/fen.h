@@ -12,9 +12,10 @@ extern const char* const square_name[64];
 constexpr char PIECE_LETTERS[] = "-PNBRQK";
 
 // Sets the position from the first four fields of a FEN or EPD text and empties its game record.
-// Castling rights that the pieces do not support are dropped with "Illegal EPD record". Pieces that
-// no board can hold are left out and noted in `flaw`.
-void position_from_fen(Position& p, std::string_view text);
+// Castling rights that the pieces do not support are dropped: then it returns false. Pieces that no
+// board can hold are left out and noted in `flaw`.
+[[nodiscard]] bool position_from_fen(Position& p, std::string_view text);
+void set_start_position(Position& p);
 
 // The four fields, without counters.
 std::string position_to_fen(const Position& p);
@@ -26,8 +27,8 @@ bool complete_position(Position& p);
 // The square in a diagram: a piece's letter, 'o' for Black's pawns, '+' or '-' when it is empty.
 char diagram_character(const Position& p, int square);
 
-// Prints FEN, diagram and side to move.
-void print_board(const Position& p);
+// FEN, diagram and side to move, a line each.
+std::string board_text(const Position& p);
 
 // Operands of the opcodes that the tools use; empty when absent.
 struct EpdRecord {

@@ -2,7 +2,7 @@
 
 #include "board/keys.h"
 
-#include "frontend/output.h"
+#include <cassert>
 
 namespace quon {
 
@@ -60,7 +60,7 @@ void init_keys() {
             close = close_to_earlier(candidate, i);
             ++tries;
         }
-        if (close) engine_print("bad hashcode");
+        assert(!close);
         piece_sq_keys[i >> 6][i & 63] = candidate;
     }
     for (u64& key : state_keys) key = random.key();

@@ -8,8 +8,6 @@
 #include "board/fen.h"
 #include "board/legality.h"
 #include "board/movegen.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
 
 namespace quon {
 
@@ -28,12 +26,12 @@ std::string promotion_suffix(Move move) {
 
 }  // namespace
 
-std::string move_to_text(Move move) {
+std::string move_to_text(Move move, MoveStyle style) {
     if (move == NO_MOVE) return "null";
     const int type = promotion_type(move);
     if (type == NO_TYPE) return squares_text(move);
-    return options.uci_mode ? squares_text(move) + UCI_PROMOTION_LETTERS[type]
-                            : squares_text(move) + promotion_suffix(move);
+    return style == MoveStyle::UCI ? squares_text(move) + UCI_PROMOTION_LETTERS[type]
+                                   : squares_text(move) + promotion_suffix(move);
 }
 
 namespace {
@@ -200,13 +198,12 @@ std::string readable_san(const Position& p, const MoveEntry& entry) {
     return forms.coord;
 }
 
-bool parse_san(const Position& p, std::string_view input, Move& out_move) {
+int parse_san(const Position& p, std::string_view input, Move& out_move) {
     out_move = NO_MOVE;
     Move found = NO_MOVE;
     const int count = count_moves_named(p, input, found);
-    if (count == 2) print_unlogged("ambiguous move\n");
     if (count == 1) out_move = found;
-    return count == 1;
+    return count;
 }
 
 namespace {

@@ -8,8 +8,12 @@
 
 namespace quon {
 
-// e2e4, and e7e8q in UCI mode or e7e8=Q outside it; "null" for NO_MOVE.
-std::string move_to_text(Move move);
+enum class MoveStyle : u8 {
+    UCI,   // e7e8q
+    LONG,  // e7e8=Q
+};
+// e2e4, a promotion in the style; "null" for NO_MOVE.
+std::string move_to_text(Move move, MoveStyle style);
 
 // The ways a move of the side to move may be written, each with "+" when it gives check. Forms that
 // a move does not have are empty.
@@ -26,9 +30,9 @@ MoveForms move_forms(const Position& p, const MoveEntry& entry);
 std::string readable_san(const Position& p, const MoveEntry& entry);
 
 // Finds the one legal move that the text names in any of the forms; "e8q", "O-O" and "0-0" are
-// understood, a trailing "+" or "#" is not needed. Returns false, and NO_MOVE, when none or
-// several match; prints "ambiguous move" to standard output when two do.
-bool parse_san(const Position& p, std::string_view text, Move& out_move);
+// understood, a trailing "+" or "#" is not needed. Returns the number of moves that match; unless
+// it is 1, out_move becomes NO_MOVE.
+[[nodiscard]] int parse_san(const Position& p, std::string_view text, Move& out_move);
 
 // The text as parse_san compares it: check and mate signs off, "e8Q" as "e8=Q", "O-O" and "0-0" as
 // "o-o".

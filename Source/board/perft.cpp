@@ -13,7 +13,7 @@ namespace {
 constexpr u64 NODES_PER_LOOK = 256;  // nodes of two plies or more
 
 struct Count {
-    bool (*keep_on)();
+    const std::function<bool()>& keep_on;
     u64 nodes = 0;
     bool ended = false;
 };
@@ -46,7 +46,7 @@ u64 count_paths(Count& count, Position& p, int depth) {
 
 }  // namespace
 
-std::optional<u64> perft(Position& p, int depth, bool (*keep_on)()) {
+std::optional<u64> perft(Position& p, int depth, const std::function<bool()>& keep_on) {
     Count count{keep_on};
     const u64 nodes = count_paths(count, p, depth);
     if (count.ended) return std::nullopt;

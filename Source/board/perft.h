@@ -1,6 +1,7 @@
 #pragma once
 // Counts move paths, the standard check of generation, legality and make/unmake together.
 
+#include <functional>
 #include <optional>
 
 #include "board/position.h"
@@ -9,6 +10,6 @@ namespace quon {
 
 // Legal move sequences of exactly `depth` plies from the position; 0 for a depth below 1.
 // `keep_on`, if given, is asked every few milliseconds; nothing once it has said no.
-std::optional<u64> perft(Position& p, int depth, bool (*keep_on)() = nullptr);
+std::optional<u64> perft(Position& p, int depth, const std::function<bool()>& keep_on = {});
 
 }  // namespace quon

@@ -83,6 +83,15 @@ void clear_position(Position& p) {
     clear_record(record);
 }
 
+Game::Game() : GameRecord(), position() { position.owner = this; }
+
+Game::Game(const Game& other) : GameRecord(), position() { copy_game(*this, other); }
+
+Game& Game::operator=(const Game& other) {
+    if (this != &other) copy_game(*this, other);
+    return *this;
+}
+
 void copy_game(Game& to, const Game& from) {
     std::copy_n(from.undo.begin(), from.game_ply + 1, to.undo.begin());
     to.game_ply = from.game_ply;

@@ -66,7 +66,11 @@ struct Position {
 // A position with its own game record: the game on the front end's board, or a search thread's
 // copy.
 struct Game : GameRecord {
-    Position position;
+    Position position;  // writes into this very record
+
+    Game();
+    Game(const Game& other);
+    Game& operator=(const Game& other);
 };
 
 inline Bitboard occupied(const Position& p) { return p.bb[WHITE][0] | p.bb[BLACK][0]; }

@@ -1,45 +1,18 @@
 #pragma once
-// The vocabulary of the board: integers, squares, colours, pieces, moves.
+// The vocabulary of the board: squares, colours, pieces, moves.
 //
 // Squares are 0..63, rank by rank from White's side (a1 = 0, h1 = 7, h8 = 63); 64 is NO_SQUARE.
 // A piece code is colour * 8 + type, 0 is an empty square.
 
-#include <cassert>
-#include <cstdint>
 #include <initializer_list>
+
+#include "support/integers.h"
+#include "support/table.h"
 
 namespace quon {
 
-using u8 = std::uint8_t;
-using u16 = std::uint16_t;
-using u32 = std::uint32_t;
-using u64 = std::uint64_t;
-using i8 = std::int8_t;
-using i16 = std::int16_t;
-using i64 = std::int64_t;
-
 // Bit n stands for square n.
 using Bitboard = u64;
-
-// An array indexed by plain ints: squares, pieces, plies and depths.
-template <typename T, int N>
-struct Table {
-    T values[N];
-
-    static constexpr int size() { return N; }
-    constexpr T& operator[](int index) {
-        assert(0 <= index && index < N);
-        return values[index];
-    }
-    constexpr const T& operator[](int index) const {
-        assert(0 <= index && index < N);
-        return values[index];
-    }
-    constexpr T* begin() { return values; }
-    constexpr T* end() { return values + N; }
-    constexpr const T* begin() const { return values; }
-    constexpr const T* end() const { return values + N; }
-};
 
 constexpr int WHITE = 0;
 constexpr int BLACK = 1;

@@ -7,34 +7,18 @@
 #include <filesystem>
 #include <vector>
 
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
-
 namespace quon {
 
 namespace {
 
-constexpr int BUCKETS = 1024;
 constexpr int NO_RECORD = -1;
 constexpr int NO_BUCKET = -1;
 constexpr std::size_t MAX_CACHED = 2048;
 
-struct Book {
-    Table<int, BUCKETS> index;  // number of the bucket's first record, or NO_RECORD
-    int count = 0;              // records in the file; 0: no book
-    std::vector<BookRecord> cache;
-    int cached_bucket = NO_BUCKET;
-};
-Book book;
-
 constexpr int bucket_of(BookKey key) { return key.key16 >> 6; }
 
-void complain(const char* problem) {
-    engine_print(format("%sbook file %s %s", message_prefix(), options.book_file.c_str(), problem));
-}
-
 // Numbers the records; false if they are out of order.
-bool read_index(RecordReader& file) {
+bool read_index(Book& book, RecordReader& file) {
     bool sorted = true;
     BookRecord record{};
     for (BookRecord last{}; read_record(file, record); last = record) {
@@ -47,12 +31,12 @@ bool read_index(RecordReader& file) {
 }
 
 // Fills the cache with the bucket; leaves it empty if the file does not hold one.
-void load_bucket(int bucket) {
+void load_bucket(Book& book, int bucket) {
     book.cache.clear();
     book.cached_bucket = NO_BUCKET;
     const int start = book.index[bucket];
     if (start == NO_RECORD) return;
-    RecordReader file = open_records(options.book_file, start);
+    RecordReader file = open_records(book.path, start);
     if (!file) return;
     BookRecord record{};
     while (book.cache.size() < MAX_CACHED && read_record(file, record) &&
@@ -64,33 +48,37 @@ void load_bucket(int bucket) {
 
 }  // namespace
 
-void book_close() {
+void book_close(Book& book) {
     book = {};
     std::fill(book.index.begin(), book.index.end(), NO_RECORD);
 }
 
-void book_open() {
-    book_close();
-    const std::string& path = options.book_file;
-    if (path.empty()) return;
+std::vector<std::string> book_open(Book& book, const std::string& path) {
+    book_close(book);
+    if (path.empty()) return {};
     std::error_code unknown;
-    if (path == DEFAULT_BOOK && !std::filesystem::exists(path, unknown)) return;
+    if (path == DEFAULT_BOOK && !std::filesystem::exists(path, unknown)) return {};
+    book.path = path;
     RecordReader file = open_records(path);
-    const bool sorted = file && read_index(file);
+    const bool sorted = file && read_index(book, file);
     if (!file || read_failed(file)) {
-        book_close();
-        return complain("cannot be read");
+        book_close(book);
+        return {"cannot be read"};
     }
-    if (!sorted) complain("is not sorted: positions will be missed");
+    std::vector<std::string> problems;
+    if (!sorted) problems.emplace_back("is not sorted: positions will be missed");
     const auto size = std::filesystem::file_size(path, unknown);
-    if (!unknown && size % RECORD_SIZE != 0) complain("is cut short: its end is missing");
+    if (!unknown && size % RECORD_SIZE != 0) {
+        problems.emplace_back("is cut short: its end is missing");
+    }
+    return problems;
 }
 
-bool book_in_use() { return book.count > 0; }
+bool book_in_use(const Book& book) { return book.count > 0; }
 
-std::optional<BookRecord> book_find(BookKey key) {
-    if (!book_in_use()) return std::nullopt;
-    if (bucket_of(key) != book.cached_bucket) load_bucket(bucket_of(key));
+std::optional<BookRecord> book_find(Book& book, BookKey key) {
+    if (!book_in_use(book)) return std::nullopt;
+    if (bucket_of(key) != book.cached_bucket) load_bucket(book, bucket_of(key));
     const BookRecord wanted{key, 0, 0, 0};
     const auto found =
         std::lower_bound(book.cache.begin(), book.cache.end(), wanted, stands_before);

@@ -12,15 +12,13 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "board/pgn_token.h"
-#include "book/book.h"
-#include "book/book_merge.h"
-#include "frontend/engine_options.h"
-#include "frontend/line_reader.h"
-#include "frontend/output.h"
-#include "frontend/progress.h"
-#include "frontend/words.h"
+#include "book/book_key.h"
+#include "pgn/pgn_token.h"
 #include "platform/terminal.h"
+#include "support/format.h"
+#include "support/line_reader.h"
+#include "support/progress.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -41,7 +39,7 @@ constexpr int NOBODY = 2;          // the winner of a drawn or unfinished game
 
 struct Builder {
     Position& position;
-    KeepOn keep_on;
+    const BookWork& work;
     Progress progress = start_progress();
     std::vector<BookRecord> run = {};  // one record for each position recorded since the last flush
     int games = 0;
@@ -54,31 +52,35 @@ struct Builder {
     bool skip_line = false;
 };
 
+void tell(const BookWork& work, std::string_view text) {
+    if (work.step) work.step(text);
+}
+
 bool flush(Builder& b) {
     sort_into_run(b.run);
-    if (!merge_runs(RUN_FILE, b.run, MERGED_FILE, b.keep_on) ||
-        !rename_run(MERGED_FILE, RUN_FILE)) {
+    if (!merge_runs(RUN_FILE, b.run, MERGED_FILE, b.work) ||
+        !rename_run(MERGED_FILE, RUN_FILE, b.work)) {
         return false;
     }
     b.run.clear();
-    print_unlogged(".");
+    tell(b.work, ".");
     return true;
 }
 
 bool merge_into_book(const Builder& b) {
-    print_unlogged("\nmerging...");
-    if (!merge_runs(GROWING_FILE, RUN_FILE, MERGED_FILE, b.keep_on) ||
-        !rename_run(MERGED_FILE, GROWING_FILE)) {
+    tell(b.work, "\nmerging...");
+    if (!merge_runs(GROWING_FILE, RUN_FILE, MERGED_FILE, b.work) ||
+        !rename_run(MERGED_FILE, GROWING_FILE, b.work)) {
         return false;
     }
     std::remove(RUN_FILE);
-    print_unlogged("\n");
+    tell(b.work, "\n");
     return true;
 }
 
 bool start_game(Builder& b, std::string_view result_line) {
     const auto has = [&](const char* text) { return result_line.find(text) != result_line.npos; };
-    position_from_fen(b.position, START_FEN);
+    set_start_position(b.position);
     b.winner = has("1-0") ? WHITE : has("0-1") ? BLACK : NOBODY;
     b.comment_depth = b.variation_depth = 0;
     b.stopped = false;
@@ -119,7 +121,9 @@ void take_pgn_token(Builder& b, std::string_view token) {
         const std::string_view text = move_part(token);
         if (text.empty()) return;
         Move move = NO_MOVE;
-        b.stopped = !parse_san(b.position, text, move);
+        const int named = parse_san(b.position, text, move);
+        if (named == 2) tell(b.work, "ambiguous move\n");
+        b.stopped = named != 1;
         if (b.stopped) return;
         make_move(b.position, move);
         record_position(b);
@@ -152,21 +156,21 @@ void report_progress(Builder& b, const LineReader& reader) {
 
 bool read_games(Builder& b, LineReader& reader) {
     for (LinePiece piece; next_piece(reader, piece);) {
-        if (ended(b.keep_on) || !take_line_piece(b, piece)) return false;
+        if (ended(b.work) || !take_line_piece(b, piece)) return false;
         report_progress(b, reader);
     }
     end_progress();
     if (!read_failed(reader)) return true;
-    report_unreadable(GAMES_FILE);
+    report_unreadable(b.work, GAMES_FILE);
     return false;
 }
 
 // The frequent positions of the grown book become the new one; returns how many these are.
 std::optional<int> prune_into_book(const Builder& b) {
-    print_unlogged("pruning...");
-    const std::optional<int> kept = copy_frequent(GROWING_FILE, MIN_GAMES, RUN_FILE, b.keep_on);
-    if (!kept || !rename_run(RUN_FILE, BOOK_FILE)) return std::nullopt;
-    print_unlogged("\n");
+    tell(b.work, "pruning...");
+    const std::optional<int> kept = copy_frequent(GROWING_FILE, MIN_GAMES, RUN_FILE, b.work);
+    if (!kept || !rename_run(RUN_FILE, BOOK_FILE, b.work)) return std::nullopt;
+    tell(b.work, "\n");
     return kept;
 }
 
@@ -176,29 +180,27 @@ void remove_temporaries() {
 
 }  // namespace
 
-void build_book(Position& position, KeepOn keep_on) {
-    book_close();
-    options.book_file.clear();
+void build_book(Position& position, const BookWork& work) {
     LineReader reader;
     if (!open_lines(reader, GAMES_FILE, MAX_LINE, LongLine::AT_BLANK)) {
-        if (is_no_file(GAMES_FILE)) report_unreadable(GAMES_FILE);
+        if (is_no_file(GAMES_FILE)) report_unreadable(work, GAMES_FILE);
         return;
     }
     remove_temporaries();
-    position_from_fen(position, START_FEN);
+    set_start_position(position);
 
-    Builder b{position, keep_on};
+    Builder b{position, work};
     const bool merged = read_games(b, reader) && flush(b) && merge_into_book(b);
     const std::optional<int> kept = merged ? prune_into_book(b) : std::nullopt;
     end_progress();
     remove_temporaries();
-    if (!kept && ended(keep_on)) print_unlogged("\nended, no book made\n");
-    if (kept) print_unlogged("done\n");
+    if (!kept && ended(work)) tell(work, "\nended, no book made\n");
+    if (kept) tell(work, "done\n");
     if (kept && output_is_terminal()) {
-        print_unlogged(format("%d games, %d positions kept, %.1f seconds\n", b.games, *kept,
-                              progress_seconds(b.progress)));
+        tell(work, format("%d games, %d positions kept, %.1f seconds\n", b.games, *kept,
+                          progress_seconds(b.progress)));
     }
-    position_from_fen(position, START_FEN);
+    set_start_position(position);
 }
 
 }  // namespace quon

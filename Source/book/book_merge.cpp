@@ -8,8 +8,6 @@
 #include <span>
 #include <system_error>
 
-#include "frontend/output.h"
-
 namespace quon {
 
 namespace {
@@ -42,11 +40,11 @@ RunReader read_run(RecordReader file, std::span<const BookRecord> memory = {}) {
 }
 
 // A run that may be missing; false, with a message, if it is there and cannot be opened.
-bool open_run(const std::string& path, RunReader& run) {
+bool open_run(const BookWork& work, const std::string& path, RunReader& run) {
     RecordReader file = open_records(path);
     std::error_code error;
     if (!file && (std::filesystem::exists(path, error) || error)) {
-        report_unreadable(path);
+        report_unreadable(work, path);
         return false;
     }
     run = read_run(std::move(file));
@@ -54,9 +52,9 @@ bool open_run(const std::string& path, RunReader& run) {
 }
 
 // False, with a message, if not all of it has reached the file.
-bool finish(RecordWriter& out, bool written, const std::string& path) {
+bool finish(const BookWork& work, RecordWriter& out, bool written, const std::string& path) {
     if (written && close_records(out)) return true;
-    report_unwritable(path);
+    report_unwritable(work, path);
     return false;
 }
 
@@ -80,22 +78,22 @@ BookRecord take_front(RunReader& a, RunReader& b) {
 }
 
 bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to,
-           KeepOn keep_on) {
+           const BookWork& work) {
     RecordWriter out = create_records(to);
     if (!out) {
-        report_unwritable(to);
+        report_unwritable(work, to);
         return false;
     }
     bool written = true;
     while (written && !(a.ended && b.ended)) {
-        if (ended(keep_on)) return false;
+        if (ended(work)) return false;
         written = write_record(out, take_front(a, b));
     }
     if (broken(a) || broken(b)) {
-        report_unreadable(from);
+        report_unreadable(work, from);
         return false;
     }
-    return finish(out, written, to);
+    return finish(work, out, written, to);
 }
 
 }  // namespace
@@ -117,65 +115,74 @@ void sort_into_run(std::vector<BookRecord>& records) {
 }
 
 bool merge_runs(const std::string& path, const std::vector<BookRecord>& run,
-                const std::string& to_path, KeepOn keep_on) {
+                const std::string& to_path, const BookWork& work) {
     RunReader old_run;
-    return open_run(path, old_run) &&
-           merge(std::move(old_run), read_run({}, run), path, to_path, keep_on);
+    return open_run(work, path, old_run) &&
+           merge(std::move(old_run), read_run({}, run), path, to_path, work);
 }
 
 bool merge_runs(const std::string& path, const std::string& other_path, const std::string& to_path,
-                KeepOn keep_on) {
+                const BookWork& work) {
     RunReader run;
     RunReader other_run;
-    return open_run(path, run) && open_run(other_path, other_run) &&
-           merge(std::move(run), std::move(other_run), path + " or " + other_path, to_path,
-                 keep_on);
+    return open_run(work, path, run) && open_run(work, other_path, other_run) &&
+           merge(std::move(run), std::move(other_run), path + " or " + other_path, to_path, work);
 }
 
 std::optional<int> copy_frequent(const std::string& path, int min_games, const std::string& to_path,
-                                 KeepOn keep_on) {
+                                 const BookWork& work) {
     RecordReader in = open_records(path);
     if (!in) {
-        report_unreadable(path);
+        report_unreadable(work, path);
         return std::nullopt;
     }
     RecordWriter out = create_records(to_path);
     if (!out) {
-        report_unwritable(to_path);
+        report_unwritable(work, to_path);
         return std::nullopt;
     }
     RunReader run = read_run(std::move(in));
     int kept = 0;
     bool written = true;
     for (; written && !run.ended; advance(run)) {
-        if (ended(keep_on)) return std::nullopt;
+        if (ended(work)) return std::nullopt;
         if (game_count(run.front) < min_games) continue;
         written = write_record(out, run.front);
         ++kept;
     }
     if (broken(run)) {
-        report_unreadable(path);
+        report_unreadable(work, path);
         return std::nullopt;
     }
-    if (!finish(out, written, to_path)) return std::nullopt;
+    if (!finish(work, out, written, to_path)) return std::nullopt;
     return kept;
 }
 
-bool rename_run(const std::string& path, const std::string& new_path) {
+bool rename_run(const std::string& path, const std::string& new_path, const BookWork& work) {
     std::error_code error;
     std::filesystem::rename(path, new_path, error);
     if (error) {
         errno = error.value();
-        report_unwritable(new_path);
+        report_unwritable(work, new_path);
     }
     return !error;
 }
 
-void report_unreadable(const std::string& path) { engine_print("\ncannot read " + path); }
+namespace {
 
-void report_unwritable(const std::string& path) {
+void fail(const BookWork& work, const std::string& text) {
+    if (work.failure) work.failure(text);
+}
+
+}  // namespace
+
+void report_unreadable(const BookWork& work, const std::string& path) {
+    fail(work, "\ncannot read " + path);
+}
+
+void report_unwritable(const BookWork& work, const std::string& path) {
     const std::string reason = std::generic_category().message(errno);
-    engine_print(format("\ncannot write %s: %s", path.c_str(), reason.c_str()));
+    fail(work, "\ncannot write " + path + ": " + reason);
 }
 
 }  // namespace quon

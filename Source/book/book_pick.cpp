@@ -1,35 +1,22 @@
-// The candidates of a position, and the draw among them.
+// The moves that a book knows in a position, and the draw among the good ones.
 
 #include "book/book_pick.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <vector>
 
 #include "board/legality.h"
 #include "board/make.h"
-#include "board/move_text.h"
 #include "board/movegen.h"
-#include "book/book.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
 #include "search/picker.h"
 
 namespace quon {
 
 namespace {
 
-// The share of points that a move must have exceeded, by the side to move.
+// The share of points that a good move must have exceeded, by the side to move.
 constexpr float MIN_SHARE[] = {0.45F, 0.41F};
 constexpr int MIN_GAMES = 9;  // not lost
-
-struct Candidate {
-    Move move;
-    double weight;  // logarithm of its points
-};
-
-std::string line_start() { return options.uci_mode ? "info string " : " "; }
 
 // The legal moves, with the orders by which the promising ones are tried first.
 void list_moves(const Position& p, std::vector<MoveEntry>& moves) {
@@ -44,74 +31,53 @@ void list_moves(const Position& p, std::vector<MoveEntry>& moves) {
     moves.push_back({LIST_END, 0, 0, 0});
 }
 
-std::optional<BookRecord> record_after(Position& p, Move move) {
+std::optional<BookRecord> record_after(Book& book, Position& p, Move move) {
     make_move(p, move);
     const BookKey key = record_key(p);
     unmake_move(p);
-    return book_find(key);
+    return book_find(book, key);
 }
 
-// Prints the record of a move, and adds the move to the candidates if it did well enough.
-void judge(const BookRecord& r, Move move, float min_share, std::vector<Candidate>& candidates) {
-    const int not_lost = r.wins + r.draws;
-    if (not_lost == 0) return;
+BookMove judge(Move move, const BookRecord& r, float min_share) {
     const float points = float(r.wins) + 0.5F * float(r.draws);
     const float share = points / float(game_count(r));
-    if (not_lost >= MIN_GAMES && share > min_share) {
-        candidates.push_back({move, std::log(double(points))});
-    }
-    const std::string row = format("  %s   %0.1f%%   %5d  %5d  %5d", move_to_text(move).c_str(),
-                                   double(100 * share), r.wins, r.losses, r.draws);
-    engine_print(line_start() + row);
-}
-
-std::vector<Candidate> find_candidates(Position& p) {
-    std::vector<Candidate> candidates;
-    std::vector<MoveEntry> moves;
-    list_moves(p, moves);
-    const float min_share = MIN_SHARE[p.side];
-    engine_print(line_start() + "  move  result    wins losses  draws");
-    UndoRecord& next = p.owner->undo[p.owner->game_ply];
-    const UndoRecord redo = next;  // what can be played again stays so
-    for (MoveEntry* entry = moves.data(); select_best(entry); ++entry) {
-        if (const auto record = record_after(p, entry->move)) {
-            judge(*record, entry->move, min_share, candidates);
-        }
-    }
-    next = redo;
-    return candidates;
-}
-
-// Chance adds up to a share of the largest weight to every candidate's own.
-Move choose_by_chance(const std::vector<Candidate>& candidates) {
-    double largest = 0;
-    for (const Candidate& candidate : candidates) largest = std::max(largest, candidate.weight);
-    Move chosen = NO_MOVE;
-    double best = 0;
-    for (const Candidate& candidate : candidates) {
-        const int chance = std::rand() % options.book_variety;
-        const double value = 2 * 0.01 * chance * largest + candidate.weight;
-        if (value <= best) continue;
-        chosen = candidate.move;
-        best = value;
-    }
-    return chosen;
+    const bool good = r.wins + r.draws >= MIN_GAMES && share > min_share;
+    return {move, r, share, good, good ? std::log(double(points)) : 0.0};
 }
 
 }  // namespace
 
-Move book_pick(Position& p) {
-    if (!book_in_use() || position_problem(p) != nullptr) return NO_MOVE;
+std::optional<std::vector<BookMove>> book_moves(Book& book, Position& p) {
+    if (!book_in_use(book) || position_problem(p) != nullptr) return std::nullopt;
     // A game that has left the book does not come back.
-    if (p.owner->game_ply > 0 && !book_find(record_key(p))) return NO_MOVE;
-    return choose_by_chance(find_candidates(p));
+    if (p.owner->game_ply > 0 && !book_find(book, record_key(p))) return std::nullopt;
+    std::vector<MoveEntry> list;
+    list_moves(p, list);
+    UndoRecord& next = p.owner->undo[p.owner->game_ply];
+    const UndoRecord redo = next;  // what can be played again stays so
+    std::vector<BookMove> known;
+    for (MoveEntry* entry = list.data(); select_best(entry); ++entry) {
+        const auto record = record_after(book, p, entry->move);
+        if (!record || record->wins + record->draws == 0) continue;
+        known.push_back(judge(entry->move, *record, MIN_SHARE[p.side]));
+    }
+    next = redo;
+    return known;
 }
 
-void book_show(Position& p, bool announce) {
-    const Move move = book_pick(p);
-    if (announce && move != NO_MOVE) {
-        engine_print(format("book move is %s\n", move_to_text(move).c_str()));
+Move draw_book_move(const std::vector<BookMove>& moves, int variety, Random& random) {
+    double largest = 0;
+    for (const BookMove& move : moves) largest = std::max(largest, move.weight);
+    Move chosen = NO_MOVE;
+    double best = 0;
+    for (const BookMove& move : moves) {
+        if (!move.good) continue;
+        const double value = 2 * 0.01 * draw(random, variety) * largest + move.weight;
+        if (value <= best) continue;
+        chosen = move.move;
+        best = value;
     }
+    return chosen;
 }
 
 }  // namespace quon

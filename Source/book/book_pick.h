@@ -1,16 +1,31 @@
 #pragma once
-// Choosing a move from the opening book.
+// Choosing a move from an opening book.
+
+#include <optional>
+#include <vector>
 
 #include "board/position.h"
+#include "book/book.h"
+#include "support/random.h"
 
 namespace quon {
 
-// A move of the position that has done well in enough games, drawn at random with std::rand in
-// favour of the good ones; NO_MOVE when the book offers none. Prints what it knows of every move.
-// Moves are tried on the position itself, which can change the order of its piece lists.
-Move book_pick(Position& p);
+// What the book knows of a move.
+struct BookMove {
+    Move move;
+    BookRecord record;
+    float share;    // of the points
+    bool good;      // did well enough in enough games
+    double weight;  // of a good move: logarithm of its points
+};
 
-// The same for a person to see; with `announce` the choice is printed as well.
-void book_show(Position& p, bool announce);
+// The position's moves that the book knows and that were not always lost, the promising ones first.
+// Nothing without a book, in a position that cannot be searched, and in a game that has left the
+// book. Moves are tried on the position itself, which can change the order of its piece lists.
+std::optional<std::vector<BookMove>> book_moves(Book& book, Position& p);
+
+// One of the good moves, drawn in favour of the better ones; NO_MOVE without one. variety: 1 or
+// more, the percentage of the largest weight, doubled, that chance may add to each.
+Move draw_book_move(const std::vector<BookMove>& moves, int variety, Random& random);
 
 }  // namespace quon

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "book/book_key.h"
-#include "frontend/close_file.h"
+#include "support/owned_file.h"
 
 namespace quon {
 

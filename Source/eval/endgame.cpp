@@ -76,7 +76,7 @@ int rook_or_queen(const Position& p, int strong, Kings kings) {
 
 }  // namespace
 
-bool material_shortcut(const Position& p, EvalNotes& notes, bool tracing, int& score) {
+bool material_shortcut(const Position& p, EvalNotes& notes, EvalTrace* trace, int& score) {
     if (is_bare(p.sig[WHITE]) && is_bare(p.sig[BLACK])) {
         notes.eval_final = 1;
         score = 0;
@@ -92,11 +92,11 @@ bool material_shortcut(const Position& p, EvalNotes& notes, bool tracing, int& s
         score = kpk_probe(p, p.side);
     } else if (sig == BISHOP_SIG + KNIGHT_SIG) {
         score = sign * bishop_and_knight(p, strong, kings);
-        if (tracing) trace_piece(strong, TRACE_KINGS, kings.strong, score);
+        if (trace) trace_piece(*trace, strong, TRACE_KINGS, kings.strong, score);
     } else if (sig >= ROOK_SIG) {
         const int value = rook_or_queen(p, strong, kings);
         score = sign * value;
-        if (tracing) trace_piece(strong, TRACE_KINGS, kings.strong, value);
+        if (trace) trace_piece(*trace, strong, TRACE_KINGS, kings.strong, value);
     } else {
         return false;
     }

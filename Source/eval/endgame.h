@@ -10,8 +10,8 @@ namespace quon {
 struct EvalInfo;
 
 // True when the material decides; `score` is then final, from the side to move's view, and
-// notes.eval_final says that it is a dead draw. Fills the trace record if `tracing`.
-bool material_shortcut(const Position& p, EvalNotes& notes, bool tracing, int& score);
+// notes.eval_final says that it is a dead draw. Adds to the trace, if there is one.
+bool material_shortcut(const Position& p, EvalNotes& notes, EvalTrace* trace, int& score);
 
 // The factor in [0.05, 1.0] that the score, from the side to move's view, is worth. Needs the
 // attack maps of `info`.

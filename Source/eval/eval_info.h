@@ -46,13 +46,13 @@ constexpr int attackers_in(int packed, int type) { return packed / KING_ATTACKER
 
 // evaluate() fills it; what the steps add to starts at 0.
 struct EvalInfo {
-    EvalInfo(const Position& p, const EvalTables& t, EvalNotes& n, bool trace)
-        : position(p), tables(t), notes(n), tracing(trace), king_attackers{} {}
+    EvalInfo(const Position& p, const EvalTables& t, EvalNotes& n, EvalTrace* term_trace)
+        : position(p), tables(t), notes(n), trace(term_trace), king_attackers{} {}
 
     const Position& position;
     const EvalTables& tables;
     EvalNotes& notes;
-    bool tracing;
+    EvalTrace* trace;
 
     Bitboard occupancy;
     int stage;            // 0 with all pieces, 24 with kings and pawns only

@@ -4,9 +4,6 @@
 
 namespace quon {
 
-EvalParams params;
-EvalParams default_params;
-
 bool has_square_tables(const EvalParams& record) {
     for (int type = PAWN; type <= KING; ++type) {
         for (const Pair& entry : record.pst[type]) {

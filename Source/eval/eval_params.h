@@ -77,9 +77,6 @@ struct EvalParams {
     i16 tune = 256;
 };
 
-extern EvalParams params;          // the live record
-extern EvalParams default_params;  // as start-up left it, parameter file included
-
 // True if every entry of the record's own square tables is set; otherwise the built-in ones serve.
 bool has_square_tables(const EvalParams& record);
 

@@ -2,10 +2,7 @@
 
 #include "eval/eval_print.h"
 
-#include <string>
-
-#include "eval/eval_tables.h"
-#include "frontend/output.h"
+#include "support/format.h"
 
 namespace quon {
 
@@ -72,16 +69,14 @@ std::string square_table_text(const Table<Pair, 64>& table, i16 Pair::*phase) {
 
 }  // namespace
 
-void print_eval_tables() {
-    const EvalTables& t = eval_tables;
+std::string eval_tables_text(const EvalTables& t) {
     std::string text = values_text(t) + danger_text(t) + mobility_text(t) + terms_text(t);
     for (int type = PAWN; type <= KING; ++type) {
         const std::string name = TYPE_NAMES[type];
         text += name + "Opening\n" + square_table_text(t.pst[type], &Pair::op);
         text += name + "Ending\n" + square_table_text(t.pst[type], &Pair::en);
     }
-    text += "\n\n";
-    print_unlogged(text);
+    return text + "\n\n";
 }
 
 }  // namespace quon

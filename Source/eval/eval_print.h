@@ -1,9 +1,12 @@
 #pragma once
 // The evaluation tables as text, for the console.
 
+#include <string>
+
+#include "eval/eval_tables.h"
+
 namespace quon {
 
-// Prints the master tables to standard output.
-void print_eval_tables();
+std::string eval_tables_text(const EvalTables& tables);
 
 }  // namespace quon

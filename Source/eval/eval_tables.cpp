@@ -3,13 +3,9 @@
 #include "eval/eval_tables.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 namespace quon {
-
-EvalTables eval_tables;
-FileMaskTables file_mask_tables;
 
 namespace {
 
@@ -119,9 +115,9 @@ constexpr SquareTableSource SQUARE_TABLE_SOURCES[] = {
 // A queen in the enemy half comes out too early.
 constexpr int ADVANCED_QUEEN_OP = -4;
 
-void build_default_psts(SquareTables& pst) {
+void build_default_psts(SquareTables& pst, const Table<Pair, 7>& scales) {
     for (const SquareTableSource& source : SQUARE_TABLE_SOURCES) {
-        const Pair scale = params.pst_scale[source.type];
+        const Pair scale = scales[source.type];
         for (int square = 0; square < 64; ++square) {
             const int file = file_of(square);
             const int half = rank_of(square) * 4 + (file < 4 ? file : 7 - file);
@@ -149,7 +145,7 @@ void build_mobility(Table<Pair, N>& table, Pair term, int most, double exponent,
 
 constexpr int PPAWN_RANK8 = 275;
 
-void build_passed_pawns(EvalTables& tables) {
+void build_passed_pawns(EvalTables& tables, const EvalParams& params) {
     for (int rank = 0; rank < 7; ++rank) tables.ppawn[rank] = params.passed_pawn[rank];
     tables.ppawn[7] = PPAWN_RANK8;
     for (int rank = 0; rank < 7; ++rank) {
@@ -158,31 +154,23 @@ void build_passed_pawns(EvalTables& tables) {
 }
 
 // Grows with the square of the attack until the steps get too steep, then ever more slowly.
-void build_king_danger(Table<i16, 64>& danger) {
+void build_king_danger(Table<i16, 64>& danger, int percent) {
     constexpr double STEEPEST = 470;
     danger[0] = 0;
     for (int i = 1; i < 64; ++i) {
-        const long square_law = std::lround(i * i * params.king_safety.op * 0.01 * 0.5);
+        const long square_law = std::lround(i * i * percent * 0.01 * 0.5);
         const long limit = danger[i - 1] + std::lround(STEEPEST / i);
         danger[i] = i16(std::min(square_law, limit));
     }
 }
 
-void build_file_masks(FileMaskTables& masks) {
-    for (int files = 0; files < 256; ++files) {
-        masks.lowest[files] = i8(files ? std::countr_zero(unsigned(files)) : 8);
-        masks.highest[files] = i8(std::bit_width(unsigned(files)) - 1);
-    }
-}
-
 }  // namespace
 
-void init_eval_tables() {
-    EvalTables& t = eval_tables;
+void init_eval_tables(EvalTables& t, const EvalParams& params) {
     if (has_square_tables(params)) {
         t.pst = params.pst;
     } else {
-        build_default_psts(t.pst);
+        build_default_psts(t.pst, params.pst_scale);
     }
     t.piece_value = {{{0, 0},
                       params.pawn_value,
@@ -203,8 +191,8 @@ void init_eval_tables() {
     t.rook_open_file = params.rook_open_file;
     t.rook_half_open_file = params.rook_half_open_file;
     t.rook_rank7 = params.rook_rank7;
-    build_passed_pawns(t);
-    build_king_danger(t.KingDanger);
+    build_passed_pawns(t, params);
+    build_king_danger(t.KingDanger, params.king_safety.op);
     t.hung = params.hung;
     t.pinned = params.pinned;
     t.contempt = params.contempt;
@@ -214,7 +202,6 @@ void init_eval_tables() {
     t.queen_rank7 = params.queen_rank7.en;
     t.pawn_shield = params.pawn_shield.op;
     t.pawn_storm = params.pawn_storm.op;
-    build_file_masks(file_mask_tables);
 }
 
 }  // namespace quon

@@ -38,16 +38,8 @@ struct EvalTables {
     i16 pawn_shield;     // opening
     i16 pawn_storm;      // opening
 };
-extern EvalTables eval_tables;
 
-// By set of files (bit 0 = file a).
-struct FileMaskTables {
-    Table<i8, 256> lowest;   // 8 for the empty set
-    Table<i8, 256> highest;  // -1 for the empty set
-};
-extern FileMaskTables file_mask_tables;
-
-// Rebuilds both from the live parameters; no search may be running.
-void init_eval_tables();
+// Builds the tables from the parameters.
+void init_eval_tables(EvalTables& tables, const EvalParams& params);
 
 }  // namespace quon

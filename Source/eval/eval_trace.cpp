@@ -1,20 +1,16 @@
-// The trace record and its accumulation.
+// Accumulation of the trace record.
 
 #include "eval/eval_trace.h"
 
 namespace quon {
 
-EvalTrace traced;
-
-void reset_trace() { traced = {}; }
-
-void trace_piece(int color, TraceTerm term, int square, int value) {
-    traced.square[square] = i16(traced.square[square] + value);
-    trace_total(color, term, value);
+void trace_piece(EvalTrace& trace, int color, TraceTerm term, int square, int value) {
+    trace.square[square] = i16(trace.square[square] + value);
+    trace_total(trace, color, term, value);
 }
 
-void trace_total(int color, TraceTerm term, int value) {
-    i16& total = traced.total[term][color];
+void trace_total(EvalTrace& trace, int color, TraceTerm term, int value) {
+    i16& total = trace.total[term][color];
     total = i16(total + value);
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 // The record of one evaluation, term by term, for the console's breakdown.
-//
-// Outside a search the main thread's evaluation at ply 1 adds to it; nobody but the command that
-// prints it resets it. Values are blended by the game stage.
+// Values are blended by the game stage. An evaluation adds to the record that it is given.
 
 #include "board/types.h"
 
@@ -28,16 +26,13 @@ struct EvalTrace {
     Table<Table<i16, 2>, TRACE_TERMS> total;  // [term][colour]
     Bitboard hung;                            // both colours
     Bitboard pinned;                          // both colours
-    int stage;
-    double factor = 1.0;  // by which the score was scaled down
+    int stage;                                // 0 with all pieces, 24 with kings and pawns only
+    double factor = 1.0;                      // by which the score was scaled down
 };
-extern EvalTrace traced;
-
-void reset_trace();
 
 // Adds a piece's value to its square and to the colour's total of the term.
-void trace_piece(int color, TraceTerm term, int square, int value);
+void trace_piece(EvalTrace& trace, int color, TraceTerm term, int square, int value);
 // Adds to the colour's total alone.
-void trace_total(int color, TraceTerm term, int value);
+void trace_total(EvalTrace& trace, int color, TraceTerm term, int value);
 
 }  // namespace quon

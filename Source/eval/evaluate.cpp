@@ -169,11 +169,12 @@ int contempt_score(const EvalState& state, const Position& p) {
 }
 
 void trace_result(const EvalInfo& info, double factor) {
-    traced.stage = info.stage;
-    traced.factor = factor;
+    EvalTrace& trace = *info.trace;
+    trace.stage = info.stage;
+    trace.factor = factor;
     for (const int color : {WHITE, BLACK}) {
-        trace_total(color, TRACE_MATERIAL, blend(info.material[color], info.stage));
-        trace_total(color, TRACE_POSITIONAL, blend(info.positional[color], info.stage));
+        trace_total(trace, color, TRACE_MATERIAL, blend(info.material[color], info.stage));
+        trace_total(trace, color, TRACE_POSITIONAL, blend(info.positional[color], info.stage));
     }
 }
 
@@ -182,9 +183,8 @@ void trace_result(const EvalInfo& info, double factor) {
 int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCall& call) {
     if (call.in_check) return EVAL_IN_CHECK;
 
-    const bool tracing = !call.iterating && call.ply == 1 && call.main_thread;
     int score = 0;
-    if (material_shortcut(p, notes, tracing, score)) return score;
+    if (material_shortcut(p, notes, call.trace, score)) return score;
     state.evaluations.add(1);
 
     const u64 key = full_key(p);
@@ -195,7 +195,7 @@ int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCa
         return cached.score;
     }
 
-    EvalInfo info(p, state.tables, notes, tracing);
+    EvalInfo info(p, state.tables, notes, call.trace);
     info.occupancy = occupied(p);
     set_up_material(info);
     find_pawns(state, info, call.iterating);
@@ -216,7 +216,7 @@ int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCa
     score = i16(int(score * factor));  // as the cache keeps it
 
     cached = {key, notes.threat, i16(score)};
-    if (tracing) trace_result(info, factor);
+    if (call.trace) trace_result(info, factor);
     return score;
 }
 

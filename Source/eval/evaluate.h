@@ -8,7 +8,7 @@
 #include "board/position.h"
 #include "eval/eval_tables.h"
 #include "eval/pawns.h"
-#include "platform/relaxed.h"
+#include "support/relaxed.h"
 
 namespace quon {
 
@@ -43,19 +43,19 @@ struct EvalState {
     int root_side;         // side to move at the root of the search
 };
 
+struct EvalTrace;
+
 struct EvalCall {
     int ply;           // 1 at the root
     bool in_check;     // the side to move is in check
     bool iterating;    // an iteration of the thread's deepening is under way
-    bool main_thread;  // thread 0
+    EvalTrace* trace;  // takes the score apart (eval_trace.h); mostly nullptr
 };
 
 // Returned instead of a score when the side to move is in check.
 constexpr int EVAL_IN_CHECK = -10000;
 
 // Centipawns from the side to move's point of view; the position must be one that can be searched.
-// Outside an iteration the main thread's call at ply 1 also adds its findings to the trace record
-// (eval_trace.h).
 int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCall& call);
 
 }  // namespace quon

@@ -4,6 +4,7 @@
 #include "eval/king.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "eval/eval_info.h"
 #include "eval/eval_trace.h"
@@ -163,8 +164,8 @@ int king_ending(const EvalInfo& info, int king) {
     if (!moves) en += NO_INNER_MOVE_EN;
     const int files = info.pawns->files[WHITE] | info.pawns->files[BLACK];
     if (files) {
-        const int below = file_mask_tables.lowest[files] - file_of(king);
-        const int above = file_of(king) - file_mask_tables.highest[files];
+        const int below = std::countr_zero(unsigned(files)) - file_of(king);
+        const int above = file_of(king) - int(std::bit_width(unsigned(files))) + 1;
         en += OUTSIDE_PAWNS_EN * std::max({below, above, 0});
     }
     return en;
@@ -180,7 +181,7 @@ void evaluate_king(EvalInfo& info) {
     if (!info.position.bb[ENEMY][QUEEN]) score.op /= 2;
     if (info.stage > ENDING_STAGE) score.en += king_ending<Color>(info, king);
     info.positional[Color] += score;
-    if (info.tracing) trace_piece(Color, TRACE_KINGS, king, blend(score, info.stage));
+    if (info.trace) trace_piece(*info.trace, Color, TRACE_KINGS, king, blend(score, info.stage));
 }
 
 }  // namespace

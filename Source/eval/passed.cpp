@@ -86,7 +86,8 @@ Score passer_score(EvalInfo& info, int square) {
 template <int Color>
 void add_score(EvalInfo& info, int square, Score score) {
     info.positional[Color] += score;
-    if (info.tracing) trace_piece(Color, TRACE_PASSERS, square, blend(score, info.stage));
+    if (info.trace)
+        trace_piece(*info.trace, Color, TRACE_PASSERS, square, blend(score, info.stage));
 }
 
 template <int Color>

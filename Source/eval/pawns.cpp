@@ -99,7 +99,8 @@ void walk_pawns(const EvalInfo& info, PawnEntry& entry, const PawnSets& sets) {
             entry.candidates |= bit(square);
         }
         sum += score;
-        if (info.tracing) trace_piece(Color, TRACE_PAWNS, square, blend(score, info.stage));
+        if (info.trace)
+            trace_piece(*info.trace, Color, TRACE_PAWNS, square, blend(score, info.stage));
     }
     entry.op[Color] = i16(sum.op);
     entry.en[Color] = i16(sum.en);

@@ -64,8 +64,9 @@ void walk_pieces(EvalInfo& info, const Table<Pair, N>& mobility, Attacks attacks
         score += mobility[piece.mobility];
         add_terms(score, piece);
         sum += score;
-        if (info.tracing) {
-            trace_piece(Color, trace_term(Type), piece.square, blend(score, info.stage));
+        if (info.trace) {
+            trace_piece(*info.trace, Color, trace_term(Type), piece.square,
+                        blend(score, info.stage));
         }
     }
     info.attacks[Color][0] = all;

@@ -43,7 +43,7 @@ void evaluate_threats_to(EvalInfo& info) {
     while (!(hung & pieces[dearest])) --dearest;
     i16& threat = info.notes.threat[Color];
     threat = std::max(threat, i16(SEE_VALUE[dearest]));
-    if (info.tracing) traced.hung |= hung;
+    if (info.trace) info.trace->hung |= hung;
 }
 
 template <int Color>
@@ -66,7 +66,7 @@ void evaluate_pins_of(EvalInfo& info) {
     const int count = popcount64(pinned);
     info.positional[Color].op += info.tables.pinned.op * count;
     info.positional[Color].en += info.tables.pinned.en * count;
-    if (info.tracing) traced.pinned |= pinned;
+    if (info.trace) info.trace->pinned |= pinned;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace quon {
 
 struct TunableParam {
     std::string name;
-    i16* field;  // in the live record
+    i16* field;  // in the record that is tuned
     i16 step;
     double value;     // continuous counterpart of the field
     double gradient;  // last one measured
@@ -18,9 +18,8 @@ struct TunableParam {
 };
 
 using Tunables = std::vector<TunableParam>;
-extern Tunables tunables;
 
-// Fills the registry on the first call; later calls do nothing.
-void register_tunables();
+// Fills an empty registry with the parameters of the record; does nothing to a filled one.
+void register_tunables(Tunables& tunables, EvalParams& params);
 
 }  // namespace quon

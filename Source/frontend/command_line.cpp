@@ -3,15 +3,16 @@
 #include "frontend/command_line.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 
+#include "engine/engine.h"
 #include "eval/eval_params.h"
-#include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "frontend/uci.h"
-#include "frontend/words.h"
 #include "search/strength.h"
+#include "support/format.h"
+#include "support/status_line.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -28,7 +29,7 @@ struct Switch {
     std::string_view word;
     Takes takes;
     const char* argument_name;
-    void (*apply)(const Argument& argument, RunMode& mode);
+    void (*apply)(Engine& engine, const Argument& argument, RunMode& mode);
     const char* help;
     double above = -std::numeric_limits<double>::infinity();  // refuses numbers that are not
     bool anywhere = false;  // the word may stand inside a longer one; not listed in the help
@@ -39,89 +40,98 @@ namespace {
 constexpr double FIXED_DEPTH_SECONDS = 10000;
 constexpr double FIXED_NODES_SECONDS = 1000;
 
-void fix_time(double seconds) {
-    limits.fixed_time = seconds;
-    limits.time_mode = FIXED_TIME;
+void fix_time(Engine& engine, double seconds) {
+    engine.limits.fixed_time = seconds;
+    engine.limits.time_mode = FIXED_TIME;
 }
 
-void be_quiet(const Argument&, RunMode&) {
-    options.log_enabled = false;
-    options.output_delay = NEVER;
+void be_quiet(Engine& engine, const Argument&, RunMode&) {
+    set_log_enabled(false);
+    engine.options.output_delay = NEVER;
 }
 
-void set_depth(const Argument& argument, RunMode&) {
-    limits.depth_limit = to_depth_limit(argument.integer);
-    fix_time(FIXED_DEPTH_SECONDS);
+void set_depth(Engine& engine, const Argument& argument, RunMode&) {
+    engine.limits.depth_limit = to_depth_limit(argument.integer);
+    fix_time(engine, FIXED_DEPTH_SECONDS);
 }
 
-void set_nodes(const Argument& argument, RunMode&) {
-    limits.max_nodes = std::max<i64>(argument.integer, 0);
-    fix_time(FIXED_NODES_SECONDS);
+void set_nodes(Engine& engine, const Argument& argument, RunMode&) {
+    engine.limits.max_nodes = std::max<i64>(argument.integer, 0);
+    fix_time(engine, FIXED_NODES_SECONDS);
 }
 
-void set_node_rate(const Argument& argument, RunMode&) {
+void set_node_rate(Engine& engine, const Argument& argument, RunMode&) {
     constexpr double MAX_ELO = std::numeric_limits<i16>::max();
-    params.limit_strength = 1;
-    options.target_nps = argument.real;
-    params.elo = i16(std::min(nps_to_elo(argument.real), MAX_ELO));
-    print_unlogged(format("Elo= %d\n", params.elo));
+    engine.params.limit_strength = 1;
+    engine.settings.target_nps = argument.real;
+    engine.params.elo = i16(std::min(nps_to_elo(argument.real), MAX_ELO));
+    print_unlogged(format("Elo= %d\n", engine.params.elo));
 }
 
-void set_hash(const Argument& argument, RunMode&) {
-    options.hash_mb = i16(std::clamp<i64>(argument.integer, 0, MAX_HASH_MB));
+void set_hash(Engine& engine, const Argument& argument, RunMode&) {
+    engine.settings.hash_mb = i16(std::clamp<i64>(argument.integer, 0, MAX_HASH_MB));
 }
 
-void set_threads(const Argument& argument, RunMode&) {
+void set_threads(Engine& engine, const Argument& argument, RunMode&) {
     const int low_byte = int(argument.integer & 255);
-    options.threads = u8(std::clamp(low_byte, 1, MAX_THREADS));
+    engine.settings.threads = u8(std::clamp(low_byte, 1, MAX_THREADS));
 }
 
 void choose(RunMode& mode, Job job) { mode.job = std::min(mode.job, job); }
 
 template <int VARIANT, bool SINGLE_THREAD = false>
-void choose_bench(const Argument&, RunMode& mode) {
+void choose_bench(Engine&, const Argument&, RunMode& mode) {
     choose(mode, Job::BENCH);
     mode.bench_variant = VARIANT;
     mode.bench_single_thread |= SINGLE_THREAD;
 }
 
 template <Job JOB>
-void choose_with_tune_file(const Argument& argument, RunMode& mode) {
+void choose_with_tune_file(Engine& engine, const Argument& argument, RunMode& mode) {
     choose(mode, JOB);
-    options.tune_file = argument.text;
+    engine.options.tune_file = argument.text;
 }
 
 template <int VARIANT>
-void choose_scan(const Argument& argument, RunMode& mode) {
+void choose_scan(Engine&, const Argument& argument, RunMode& mode) {
     choose(mode, Job::PGN_SCAN);
     mode.scan_variant = VARIANT;
     mode.scan_file = argument.text;
 }
 
-void show_help(const Argument&, RunMode&);
+void show_help(Engine&, const Argument&, RunMode&);
 
 constexpr Switch SWITCHES[] = {
-    {"-uci", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_mode = true; },
+    {"-uci", Takes::NOTHING, "",
+     [](Engine& engine, const Argument&, RunMode&) { set_uci_mode(engine, true); },
      "talk UCI (as it does by default)"},
-    {"-c", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_mode = false; },
+    {"-c", Takes::NOTHING, "",
+     [](Engine& engine, const Argument&, RunMode&) { set_uci_mode(engine, false); },
      "console mode: commands typed by a person"},
     {"-hash", Takes::INTEGER, "MB", set_hash, "size of the hash table, 0 to 8192"},
     {"-threads", Takes::INTEGER, "N", set_threads, "search threads, 1 to 80"},
-    {"-numa", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.numa = true; },
+    {"-numa", Takes::NOTHING, "",
+     [](Engine& engine, const Argument&, RunMode&) { engine.settings.numa = true; },
      "place the search threads on the machine's memory nodes"},
     {"-d", Takes::INTEGER, "DEPTH", set_depth, "search to this depth, 66 at most"},
-    {"-t", Takes::REAL, "SECONDS", [](const Argument& a, RunMode&) { fix_time(a.real); },
+    {"-t", Takes::REAL, "SECONDS",
+     [](Engine& engine, const Argument& a, RunMode&) { fix_time(engine, a.real); },
      "time for each move; front ends and the benchmark set their own"},
     {"-n", Takes::INTEGER, "NODES", set_nodes, "search this many positions"},
     {"-nps", Takes::REAL, "N", set_node_rate,
      "limit the strength to N positions a second in each thread; above 21", MIN_NPS},
-    {"-nolog", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.log_enabled = false; },
+    {"-seed", Takes::INTEGER, "N",
+     [](Engine& engine, const Argument& a, RunMode&) { seed(engine.random, u64(a.integer)); },
+     "start the random choices of book, match and tuner from N instead of the clock"},
+    {"-nolog", Takes::NOTHING, "",
+     [](Engine&, const Argument&, RunMode&) { set_log_enabled(false); },
      "write nothing into quon.log"},
     {"-noise", Takes::REAL, "SECONDS",
-     [](const Argument& a, RunMode&) { options.output_delay = a.real; },
+     [](Engine& engine, const Argument& a, RunMode&) { engine.options.output_delay = a.real; },
      "no progress lines before a search is this old"},
     {"-quiet", Takes::NOTHING, "", be_quiet, "neither log nor progress lines"},
-    {"-uci_extra", Takes::NOTHING, "", [](const Argument&, RunMode&) { options.uci_extra = true; },
+    {"-uci_extra", Takes::NOTHING, "",
+     [](Engine& engine, const Argument&, RunMode&) { engine.options.uci_extra = true; },
      "mark progress lines with the search thread"},
     {"-bench", Takes::NOTHING, "", choose_bench<1>,
      "search ten positions to depth 17 (or -d), print times, and end"},
@@ -131,9 +141,9 @@ constexpr Switch SWITCHES[] = {
     {"-anepd", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TEST_SUITE>,
      "search the positions of an EPD test suite, count solutions, and end"},
     {"-match", Takes::FILE_NAME, "FILE",
-     [](const Argument& a, RunMode& mode) {
+     [](Engine& engine, const Argument& a, RunMode& mode) {
          choose(mode, Job::MATCH);
-         options.match_file = a.text;
+         engine.options.match_file = a.text;
      },
      "play the parameters of test1.rc against those of the start, games to FILE, and end"},
     {"-mktune", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TUNING_SET>,
@@ -152,15 +162,15 @@ constexpr Switch SWITCHES[] = {
     {.word = "-scan_pgn",
      .takes = Takes::FILE_NAME,
      .argument_name = "FILE",
-     .apply = [](const Argument& a, RunMode& mode) { mode.scan_file = a.text; },
+     .apply = [](Engine&, const Argument& a, RunMode& mode) { mode.scan_file = a.text; },
      .help = "",
      .anywhere = true},
     {"--help", Takes::ENDS, "", show_help, "print this text and end"},
-    {"--version", Takes::ENDS, "", [](const Argument&, RunMode&) { print_name(); },
+    {"--version", Takes::ENDS, "", [](Engine&, const Argument&, RunMode&) { print_name(); },
      "print the engine's name and end"},
 };
 
-void show_help(const Argument&, RunMode&) {
+void show_help(Engine&, const Argument&, RunMode&) {
     std::string text = "usage: quon [switch ...]\n\n";
     for (const Switch& row : SWITCHES) {
         if (row.anywhere) continue;
@@ -185,7 +195,7 @@ Argument to_argument(const std::string& text) { return {text, to_integer(text), 
 
 // Says on standard error why the program cannot start.
 int refuse(const std::string& reason) {
-    std::fprintf(stderr, "quon: %s\n", reason.c_str());
+    error_line(format("quon: %s", reason.c_str()));
     return 1;
 }
 
@@ -205,7 +215,7 @@ std::string argument_problem(const Switch& row, const std::string& argument) {
 
 }  // namespace
 
-CommandLine read_command_line(const std::vector<std::string>& words) {
+CommandLine read_command_line(Engine& engine, const std::vector<std::string>& words) {
     CommandLine line;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const Switch* const row = find_switch(words[i]);
@@ -214,7 +224,7 @@ CommandLine read_command_line(const std::vector<std::string>& words) {
         std::string argument;
         if (row->takes == Takes::ENDS) {
             RunMode unused;
-            row->apply({}, unused);
+            row->apply(engine, {}, unused);
             line.exit_status = 0;
             return line;
         }
@@ -235,10 +245,10 @@ CommandLine read_command_line(const std::vector<std::string>& words) {
     return line;
 }
 
-RunMode apply_command_line(const CommandLine& line) {
+RunMode apply_command_line(Engine& engine, const CommandLine& line) {
     RunMode mode;
     for (const GivenSwitch& given : line.switches) {
-        given.row->apply(to_argument(given.argument), mode);
+        given.row->apply(engine, to_argument(given.argument), mode);
     }
     return mode;
 }

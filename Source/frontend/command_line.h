@@ -9,6 +9,8 @@
 
 namespace quon {
 
+struct Engine;
+
 // What the process does once it has started. When several are asked for the first of this list
 // runs.
 enum class Job : u8 { TEST_SUITE, PGN_SCAN, MATCH, BENCH, TUNING_SET, TUNE, PROTOCOL };
@@ -35,9 +37,9 @@ struct CommandLine {
 
 // Recognises the switches and changes nothing yet. Help, version and wrong arguments are answered
 // here and end the program.
-CommandLine read_command_line(const std::vector<std::string>& words);
+CommandLine read_command_line(Engine& engine, const std::vector<std::string>& words);
 
 // Applies the switches in their order, over what the parameter file has set.
-RunMode apply_command_line(const CommandLine& line);
+RunMode apply_command_line(Engine& engine, const CommandLine& line);
 
 }  // namespace quon

@@ -5,14 +5,15 @@
 #include <string>
 
 #include "book/book_build.h"
-#include "book/book_pick.h"
+#include "engine/engine.h"
 #include "eval/eval_print.h"
+#include "frontend/book_report.h"
 #include "frontend/console_commands.h"
-#include "frontend/engine_options.h"
 #include "frontend/eval_command.h"
 #include "frontend/output.h"
 #include "search/control.h"
 #include "search/run.h"
+#include "support/format.h"
 #include "tools/tool_input.h"
 #include "tools/tune.h"
 
@@ -20,27 +21,30 @@ namespace quon {
 
 namespace {
 
-void show_help(const ConsoleLine&);
+void show_help(Engine&, const ConsoleLine&);
 
-void show_book(const ConsoleLine&) {
-    book_show(game.position, true);
+void show_book(Engine& engine, const ConsoleLine&) {
+    book_show(engine, true);
     engine_print("");
 }
 
-void make_book(const ConsoleLine&) {
-    take_over();
-    build_book(game.position, keep_on);
+void make_book(Engine& engine, const ConsoleLine&) {
+    take_over(engine);
+    book_close(engine.book);
+    engine.options.book_file.clear();
+    build_book(engine.game.position,
+               {print_unlogged, engine_print, [&] { return keep_on(engine); }});
 }
 
-void tune_parameter(const ConsoleLine& line) {
-    take_over();
-    tune_command(line.first, line.second);
+void tune_parameter(Engine& engine, const ConsoleLine& line) {
+    take_over(engine);
+    tune_command(engine, line.first, line.second);
 }
 
 struct ConsoleCommand {
     std::string_view word;
     const char* arguments;
-    void (*handle)(const ConsoleLine& line);
+    void (*handle)(Engine& engine, const ConsoleLine& line);
     const char* help;
     bool as_part = false;  // words that contain this one match as well
 };
@@ -49,36 +53,60 @@ struct ConsoleCommand {
 constexpr ConsoleCommand COMMANDS[] = {
     {"new", "", new_game, "set up the start position"},
     {"fen", "FEN", set_fen, "set up a position"},
-    {"quit", "", [](const ConsoleLine&) { control.quit_requested = true; }, "end the program"},
+    {"quit", "", [](Engine& engine, const ConsoleLine&) { engine.control.quit_requested = true; },
+     "end the program"},
     {"mv", "", search_move, "search and report a move, without playing it"},
     {"go", "[DEPTH]", analyse, "analyse, until '.' if no depth is given"},
     {"an", "[DEPTH]", analyse, "the same as go"},
     {".", "", end_search, "end the search and report it"},
-    {"bd", "", [](const ConsoleLine&) { show_game(); }, "show the board"},
+    {"bd", "", [](Engine& engine, const ConsoleLine&) { show_game(engine); }, "show the board"},
     {"level", "MOVES TIME INC", set_level,
      "MOVES moves in TIME (seconds or m:ss), INC more for each; 0: the game, 1: a move"},
     {"depth", "N",
-     [](const ConsoleLine& line) { limits.depth_limit = to_depth_limit(to_integer(line.first)); },
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.limits.depth_limit = to_depth_limit(to_integer(line.first));
+     },
      "search no deeper than N plies; 66: no limit"},
     {"ponder", "N",
-     [](const ConsoleLine& line) { options.ponder_option = to_number<i16>(line.first); },
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.settings.ponder_option = to_number<i16>(line.first);
+     },
      "1: spend a little more time, as if pondering; 0: do not"},
     {"self", "", play_itself, "let the engine play both sides, until you move, undo or go"},
     {"get", "ID", get_position, "set up the position of that id from test.epd"},
     {"noise", "SECONDS",
-     [](const ConsoleLine& line) { options.output_delay = to_real(line.first); },
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.options.output_delay = to_real(line.first);
+     },
      "no progress lines before a search is this old; 9999: none"},
-    {"hash", "N", [](const ConsoleLine& line) { options.hash_mode = to_number<u8>(line.first); },
+    {"hash", "N",
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.settings.hash_mode = to_number<u8>(line.first);
+     },
      "hash table: 0 unused, 1 used, 2 also kept by go"},
-    {"ev", "", [](const ConsoleLine&) { eval_trace(); }, "the evaluation, term by term"},
-    {"sp", "", [](const ConsoleLine&) { print_eval_tables(); }, "the tables of the evaluation"},
+    {"ev", "", [](Engine& engine, const ConsoleLine&) { eval_trace(engine); },
+     "the evaluation, term by term"},
+    {"sp", "",
+     [](Engine& engine, const ConsoleLine&) {
+         print_unlogged(eval_tables_text(engine.eval_tables));
+     },
+     "the tables of the evaluation"},
     {"pv", "", show_line, "the line that the engine expects; ] then plays it"},
-    {"trace", "N", [](const ConsoleLine& line) { options.trace = to_number<i16>(line.first); },
+    {"trace", "N",
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.settings.trace = to_number<i16>(line.first);
+     },
      "write the first N plies of the search tree to trace.txt; 0: off"},
     {"lmr", "", show_reductions, "search parameters and the tables of reductions"},
-    {"debug", "N", [](const ConsoleLine& line) { options.debug = to_number<i16>(line.first); },
+    {"debug", "N",
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.options.debug = to_number<i16>(line.first);
+     },
      "1: show evaluations in place of boards; 0: boards"},
-    {"multipv", "N", [](const ConsoleLine& line) { options.multipv = to_number<i16>(line.first); },
+    {"multipv", "N",
+     [](Engine& engine, const ConsoleLine& line) {
+         engine.settings.multipv = to_number<i16>(line.first);
+     },
      "show the best N lines", true},
     {"undo", "", undo_move, "take a move back"},
     {"[", "", undo_move, "the same as undo"},
@@ -95,12 +123,12 @@ constexpr ConsoleCommand COMMANDS[] = {
      "search the best value of a parameter over the positions of FILE, or tune.epd"},
     {"perft", "N", count_paths, "count the move paths of N plies"},
     {"swap", "", show_exchanges, "what each piece is worth to the side that takes it"},
-    {"move", "MOVE", [](const ConsoleLine& line) { play_move(line.first); },
+    {"move", "MOVE", [](Engine& engine, const ConsoleLine& line) { play_move(engine, line.first); },
      "play a move; a move alone (e4, Nf3, e2e4) does as well"},
     {"help", "", show_help, "this list"},
 };
 
-void show_help(const ConsoleLine&) {
+void show_help(Engine&, const ConsoleLine&) {
     std::string text;
     for (const ConsoleCommand& command : COMMANDS) {
         const std::string call = std::string(command.word) + ' ' + command.arguments;
@@ -131,15 +159,15 @@ ConsoleLine parse_line(std::string_view text) {
 
 }  // namespace
 
-void handle_console_command(std::string_view text) {
+void handle_console_command(Engine& engine, std::string_view text) {
     const ConsoleLine line = parse_line(text);
     start_command_input();
     if (const ConsoleCommand* const command = find_command(line.word)) {
-        command->handle(line);
+        command->handle(engine, line);
     } else {
-        play_move(line.word);
+        play_move(engine, line.word);
     }
-    end_tool_input();
+    end_tool_input(engine);
 }
 
 }  // namespace quon

@@ -5,7 +5,9 @@
 
 namespace quon {
 
+struct Engine;
+
 // Handles one line that is not empty.
-void handle_console_command(std::string_view line);
+void handle_console_command(Engine& engine, std::string_view line);
 
 }  // namespace quon

@@ -7,7 +7,8 @@
 #include <string_view>
 
 #include "board/types.h"
-#include "frontend/words.h"
+#include "engine/engine.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -25,41 +26,41 @@ Integer to_number(std::string_view text) {
 }
 
 // Before anything about the game changes: abandons and reports a running search, ends self-play.
-void take_over();
+void take_over(Engine& engine);
 // The board, or the evaluation in its place while options.debug is set.
-void show_game();
+void show_game(Engine& engine);
 // Both clocks as at the start of a game.
-void reset_clocks();
+void reset_clocks(Engine& engine);
 
 // console_game.cpp: the game on the board
-void new_game(const ConsoleLine& line);
-void set_fen(const ConsoleLine& line);
-void get_position(const ConsoleLine& line);
-void undo_move(const ConsoleLine& line);
-void redo_move(const ConsoleLine& line);
-void jump_to_ply(const ConsoleLine& line);
+void new_game(Engine& engine, const ConsoleLine& line);
+void set_fen(Engine& engine, const ConsoleLine& line);
+void get_position(Engine& engine, const ConsoleLine& line);
+void undo_move(Engine& engine, const ConsoleLine& line);
+void redo_move(Engine& engine, const ConsoleLine& line);
+void jump_to_ply(Engine& engine, const ConsoleLine& line);
 // Makes the move that the text names; does nothing for any other text.
-void play_move(std::string_view text);
+void play_move(Engine& engine, std::string_view text);
 
 // game_files.cpp
-void load_game(const ConsoleLine& line);
-void save_game(const ConsoleLine& line);
+void load_game(Engine& engine, const ConsoleLine& line);
+void save_game(Engine& engine, const ConsoleLine& line);
 
 // console_edit.cpp
-void edit_position(const ConsoleLine& line);
+void edit_position(Engine& engine, const ConsoleLine& line);
 
 // console_search.cpp: searches and their settings
-void search_move(const ConsoleLine& line);
-void analyse(const ConsoleLine& line);
-void end_search(const ConsoleLine& line);
-void play_itself(const ConsoleLine& line);
-void set_level(const ConsoleLine& line);
-void set_parameter(const ConsoleLine& line);
+void search_move(Engine& engine, const ConsoleLine& line);
+void analyse(Engine& engine, const ConsoleLine& line);
+void end_search(Engine& engine, const ConsoleLine& line);
+void play_itself(Engine& engine, const ConsoleLine& line);
+void set_level(Engine& engine, const ConsoleLine& line);
+void set_parameter(Engine& engine, const ConsoleLine& line);
 
 // console_inspect.cpp: looking inside
-void show_line(const ConsoleLine& line);
-void show_reductions(const ConsoleLine& line);
-void show_exchanges(const ConsoleLine& line);
-void count_paths(const ConsoleLine& line);
+void show_line(Engine& engine, const ConsoleLine& line);
+void show_reductions(Engine& engine, const ConsoleLine& line);
+void show_exchanges(Engine& engine, const ConsoleLine& line);
+void count_paths(Engine& engine, const ConsoleLine& line);
 
 }  // namespace quon

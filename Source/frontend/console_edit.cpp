@@ -4,12 +4,14 @@
 #include <string>
 
 #include "board/fen.h"
+#include "engine/engine.h"
+#include "frontend/board_report.h"
 #include "frontend/console_commands.h"
 #include "frontend/input.h"
 #include "frontend/output.h"
-#include "frontend/words.h"
 #include "search/control.h"
 #include "search/run.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -66,9 +68,10 @@ bool has_too_many(const Position& p) {
 }
 
 // False when the line ends the edit; "quit" ends the program as well.
-bool edit_line(Position& p, std::string_view line) {
-    if (first_word(line) == "quit") control.quit_requested = true;
-    if (line.starts_with('.') || first_word(line) == "stop" || control.quit_requested) return false;
+bool edit_line(Engine& engine, Position& p, std::string_view line) {
+    if (first_word(line) == "quit") engine.control.quit_requested = true;
+    if (line.starts_with('.') || first_word(line) == "stop" || engine.control.quit_requested)
+        return false;
     if (line.starts_with('#')) {
         clear_position(p);
         return true;
@@ -82,16 +85,17 @@ bool edit_line(Position& p, std::string_view line) {
 
 }  // namespace
 
-void edit_position(const ConsoleLine&) {
-    take_over();
+void edit_position(Engine& engine, const ConsoleLine&) {
+    take_over(engine);
     engine_print(HELP);
-    Position& p = game.position;
+    Position& p = engine.game.position;
     std::string line;
-    while (next_input_line(line) && edit_line(p, std::string_view(line).substr(0, EDIT_LINE))) {
+    while (next_input_line(engine, line) &&
+           edit_line(engine, p, std::string_view(line).substr(0, EDIT_LINE))) {
     }
     p.flaw = has_too_many(p) ? TextFlaw::TOO_MANY_PIECES : TextFlaw::NONE;
     complete_position(p);
-    clear_record(game);
+    clear_record(engine.game);
     print_board(p);
 }
 

@@ -9,6 +9,8 @@
 #include "board/move_text.h"
 #include "board/perft.h"
 #include "board/see.h"
+#include "engine/engine.h"
+#include "frontend/board_report.h"
 #include "frontend/console_commands.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
@@ -19,6 +21,7 @@
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "support/format.h"
 #include "tools/tool_input.h"
 
 namespace quon {
@@ -27,21 +30,21 @@ namespace {
 
 // What the search of the game position, running or ended, expects; empty if another position was
 // searched.
-Table<Move, MAX_PLY> searched_line() {
+Table<Move, MAX_PLY> searched_line(Engine& engine) {
     Table<Move, MAX_PLY> line{};
-    if (run.root_key != full_key(game.position)) return line;
-    for (int i = 1; i < MAX_PLY; ++i) line[i] = run.shared_line[i];
+    if (engine.run.root_key != full_key(engine.game.position)) return line;
+    for (int i = 1; i < MAX_PLY; ++i) line[i] = engine.run.shared_line[i];
     return line;
 }
 
 }  // namespace
 
 // Walks the line on the game's own board and record, so that "]" can then replay it.
-void show_line(const ConsoleLine&) {
-    if (!position_accepted()) return;
-    Position& p = game.position;
-    Table<Move, MAX_PLY> line = searched_line();
-    hash_line(p, 1, line);
+void show_line(Engine& engine, const ConsoleLine&) {
+    if (!position_accepted(engine)) return;
+    Position& p = engine.game.position;
+    Table<Move, MAX_PLY> line = searched_line(engine);
+    hash_line(engine.hash, p, 1, line);
     std::string text;
     int made = 0;
     for (; made < LAST_LINE_PLY && can_be_made(p, line[made + 1]); ++made) {
@@ -69,24 +72,28 @@ std::string reductions_text(const ReductionTable& table) {
 
 }  // namespace
 
-void show_reductions(const ConsoleLine&) {
+void show_reductions(Engine& engine, const ConsoleLine&) {
     const struct {
         const char* name;
         int value;
     } values[] = {
-        {"FP_depth", search_params.FP_depth},   {"FP_margin", search_params.FP_margin},
-        {"SEP_depth", search_params.SEP_depth}, {"SEP_margin", search_params.SEP_margin},
-        {"NMP_depth", search_params.NMP_depth}, {"LMP_depth", search_params.LMP_depth},
-        {"LMP_count", search_params.LMP_count}, {"LMR_depth", search_params.LMR_depth},
+        {"FP_depth", engine.search_params.FP_depth},
+        {"FP_margin", engine.search_params.FP_margin},
+        {"SEP_depth", engine.search_params.SEP_depth},
+        {"SEP_margin", engine.search_params.SEP_margin},
+        {"NMP_depth", engine.search_params.NMP_depth},
+        {"LMP_depth", engine.search_params.LMP_depth},
+        {"LMP_count", engine.search_params.LMP_count},
+        {"LMR_depth", engine.search_params.LMR_depth},
     };
     std::string text;
     for (const auto& row : values) text += format("%s= %d\n", row.name, row.value);
-    text += "LMR table:\n" + reductions_text(pv_reductions);
-    print_unlogged(text + "\n\n" + reductions_text(zero_window_reductions));
+    text += "LMR table:\n" + reductions_text(engine.search_params.pv_reductions);
+    print_unlogged(text + "\n\n" + reductions_text(engine.search_params.zero_window_reductions));
 }
 
-void show_exchanges(const ConsoleLine&) {
-    const Position& position = game.position;
+void show_exchanges(Engine& engine, const ConsoleLine&) {
+    const Position& position = engine.game.position;
     for (int square = 0; square < 64; ++square) {
         const int piece = position.board[square];
         if (piece == 0) continue;
@@ -96,25 +103,25 @@ void show_exchanges(const ConsoleLine&) {
 }
 
 // Counts on a search thread's copy, so that the game's piece lists keep their order.
-void count_paths(const ConsoleLine& line) {
+void count_paths(Engine& engine, const ConsoleLine& line) {
     const int depth = int(std::clamp<i64>(to_integer(line.first), 0, 20));
-    finish_search(ABORT);
-    if (!position_accepted()) return;
-    const u8 next_search = control.go_request;  // that of self-play
-    control.go_request = NO_SEARCH;
-    time_setup();
-    ThreadData& thread = thread_data(0);
+    finish_search(engine, ABORT);
+    if (!position_accepted(engine)) return;
+    const u8 next_search = engine.control.go_request;  // that of self-play
+    engine.control.go_request = NO_SEARCH;
+    begin_search(engine);
+    ThreadData& thread = thread_data(engine, 0);
     thread_prepare(thread);
-    const std::optional<u64> paths = perft(thread.position, depth, keep_on);
-    update_elapsed();
-    control.go_request = next_search;
+    const std::optional<u64> paths = perft(thread.position, depth, [&] { return keep_on(engine); });
+    update_elapsed(engine.run);
+    engine.control.go_request = next_search;
     if (!paths) {
         engine_print("perft ended");
         return;
     }
     const auto nodes = double(*paths);
     engine_print(format("visited %0.0f nodes in %0.3f seconds, nps= %0.0f", nodes,
-                        run.elapsed.get(), nodes / (run.elapsed + 0.001)));
+                        engine.run.elapsed.get(), nodes / (engine.run.elapsed + 0.001)));
 }
 
 }  // namespace quon

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "eval/eval_params.h"
+#include "engine/engine.h"
+#include "eval/parameters.h"
 #include "frontend/console_commands.h"
-#include "frontend/engine_options.h"
 #include "frontend/input.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
@@ -13,36 +13,37 @@
 #include "search/search_params.h"
 #include "search/strength.h"
 #include "search/threads.h"
+#include "support/format.h"
 
 namespace quon {
 
-void search_move(const ConsoleLine&) {
-    take_over();
-    control.go_request = GO_PLAY;
+void search_move(Engine& engine, const ConsoleLine&) {
+    take_over(engine);
+    engine.control.go_request = GO_PLAY;
 }
 
-void analyse(const ConsoleLine& line) {
+void analyse(Engine& engine, const ConsoleLine& line) {
     constexpr double ANALYSIS_SECONDS = 99999;
     constexpr u8 KEEP_TABLE = 2;  // hash mode
-    take_over();
+    take_over(engine);
     const i64 depth = to_integer(line.first);
-    limits.fixed_time = ANALYSIS_SECONDS;
-    limits.time_mode = FIXED_TIME;
-    limits.depth_limit = u8(depth >= 1 && depth < NO_DEPTH_LIMIT ? depth : NO_DEPTH_LIMIT);
-    if (options.hash_mode < KEEP_TABLE) hash_clear();
-    control.go_request = GO_ANALYSE;
+    engine.limits.fixed_time = ANALYSIS_SECONDS;
+    engine.limits.time_mode = FIXED_TIME;
+    engine.limits.depth_limit = u8(depth >= 1 && depth < NO_DEPTH_LIMIT ? depth : NO_DEPTH_LIMIT);
+    if (engine.settings.hash_mode < KEEP_TABLE) hash_clear(engine.hash);
+    engine.control.go_request = GO_ANALYSE;
 }
 
-void end_search(const ConsoleLine&) {
-    if (busy_threads() != 0) stop_search(ABORT);
+void end_search(Engine& engine, const ConsoleLine&) {
+    if (busy_threads(engine) != 0) stop_search(engine, ABORT);
 }
 
-void play_itself(const ConsoleLine&) {
-    take_over();
-    options.ponder_option = 0;
-    options.self_play = true;
-    options.self_play_alone = input_at_end();
-    control.go_request = GO_PLAY;
+void play_itself(Engine& engine, const ConsoleLine&) {
+    take_over(engine);
+    engine.settings.ponder_option = 0;
+    engine.options.self_play = true;
+    engine.options.self_play_alone = input_at_end();
+    engine.control.go_request = GO_PLAY;
 }
 
 namespace {
@@ -57,65 +58,57 @@ double to_seconds(std::string_view text) {
 
 }  // namespace
 
-void set_level(const ConsoleLine& line) {
-    limits.time_mode = to_number<u8>(line.first);
-    limits.fixed_time = to_seconds(line.second);
-    limits.increment = to_seconds(line.third);
-    reset_clocks();
-    engine_print(format("set level to %d moves in %0.2f seconds, inc %0.2f", limits.time_mode,
-                        limits.fixed_time, limits.increment));
+void set_level(Engine& engine, const ConsoleLine& line) {
+    engine.limits.time_mode = to_number<u8>(line.first);
+    engine.limits.fixed_time = to_seconds(line.second);
+    engine.limits.increment = to_seconds(line.third);
+    reset_clocks(engine);
+    engine_print(format("set level to %d moves in %0.2f seconds, inc %0.2f",
+                        engine.limits.time_mode, engine.limits.fixed_time,
+                        engine.limits.increment));
 }
 
 namespace {
 
-struct SearchParam {
-    std::string_view name;
-    i16 EvalParams::*field;
-};
-constexpr SearchParam SEARCH_PARAMS[] = {
-    {"NMP_depth", &EvalParams::NMP_depth}, {"SEP_depth", &EvalParams::SEP_depth},
-    {"FP_depth", &EvalParams::FP_depth},   {"LMP_depth", &EvalParams::LMP_depth},
-    {"LMR_depth", &EvalParams::LMR_depth}, {"LMR_strength", &EvalParams::LMR_strength},
-};
-
-void stop_pruning() {
+void stop_pruning(Engine& engine) {
     constexpr i16 NEVER_DEPTH = 99;
-    params.SEP_depth = 0;
-    params.NMP_depth = NEVER_DEPTH;
-    params.LMP_depth = 0;
-    params.LMR_depth = NEVER_DEPTH;
+    engine.params.SEP_depth = 0;
+    engine.params.NMP_depth = NEVER_DEPTH;
+    engine.params.LMP_depth = 0;
+    engine.params.LMR_depth = NEVER_DEPTH;
     engine_print("selectivity set to OFF");
 }
 
-void set_target_nps(std::string_view value) {
-    options.target_nps = std::max(to_real(value), MIN_NPS);
-    params.limit_strength = 1;
-    engine_print(format("target_nps set to %.0f", options.target_nps.get()));
+void set_target_nps(Engine& engine, std::string_view value) {
+    engine.settings.target_nps = std::max(to_real(value), MIN_NPS);
+    engine.params.limit_strength = 1;
+    engine_print(format("target_nps set to %.0f", engine.settings.target_nps.get()));
 }
 
-void change_parameter(std::string_view name, std::string_view value) {
-    for (const SearchParam& param : SEARCH_PARAMS) {
-        if (param.name != name) continue;
-        params.*param.field = to_number<i16>(value);
-        engine_print(format("%s set to %d", std::string(name).c_str(), params.*param.field));
+void change_parameter(Engine& engine, std::string_view name, std::string_view value) {
+    for (const Parameter& parameter : parameters()) {
+        if (!parameter.console || parameter.key != name) continue;
+        i16& field = number_of(parameter, engine.params);
+        field = to_number<i16>(value);
+        engine_print(format("%s set to %d", parameter.key, field));
         return;
     }
     if (name == "ss_off") {
-        stop_pruning();
+        stop_pruning(engine);
     } else if (name == "target_nps") {
-        set_target_nps(value);
+        set_target_nps(engine, value);
     } else {
-        params = default_params;
+        engine.params = engine.default_params;
         engine_print("selectivity set to default");
     }
 }
 
 }  // namespace
 
-void set_parameter(const ConsoleLine& line) {
-    finish_search();
-    change_parameter(line.first, line.second);
-    apply_search_params();
+void set_parameter(Engine& engine, const ConsoleLine& line) {
+    finish_search(engine);
+    change_parameter(engine, line.first, line.second);
+    apply_search_params(engine.search_params, engine.params);
 }
 
 }  // namespace quon

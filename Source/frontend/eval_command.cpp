@@ -7,6 +7,7 @@
 #include <string>
 
 #include "board/fen.h"
+#include "engine/engine.h"
 #include "eval/eval_trace.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
@@ -14,6 +15,7 @@
 #include "search/run.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
+#include "support/format.h"
 #include "tools/tool_input.h"
 
 namespace quon {
@@ -22,15 +24,16 @@ namespace {
 
 // Leaves the evaluation and the score of the captures in the main search thread's record; false if
 // it is to end before.
-bool search_captures() {
+bool search_captures(Engine& engine, EvalTrace& trace) {
     bool whole = true;
-    const int depth_limit = run.depth_limit;
-    run.depth_limit = 0;
-    control.stop_flag = RUN;
-    reset_trace();
-    search_in_main_thread([&] { return whole = !end_wished(); });
-    run.depth_limit = depth_limit;
-    flush_search_trace();
+    const int depth_limit = engine.run.depth_limit;
+    engine.run.depth_limit = 0;
+    engine.control.stop_flag = RUN;
+    thread_data(engine, 0).eval_trace = &trace;
+    search_in_main_thread(engine, [&] { return whole = !end_wished(engine); });
+    thread_data(engine, 0).eval_trace = nullptr;
+    engine.run.depth_limit = depth_limit;
+    flush_search_trace(engine.trace);
     return whole;
 }
 
@@ -51,13 +54,13 @@ std::string surplus_text(const Position& p, int color) {
     return text;
 }
 
-std::string totals_text(const Position& p) {
+std::string totals_text(const Position& p, const EvalTrace& trace) {
     constexpr const char* NAMES[] = {"mtl",   "pos",    "pawns", "knights", "bishops",
                                      "rooks", "queens", "kings", "passers"};
     std::string text = "           white    black     diff\n";
     for (int term = 0; term < TRACE_TERMS; ++term) {
-        const int white = traced.total[term][WHITE];
-        const int black = traced.total[term][BLACK];
+        const int white = trace.total[term][WHITE];
+        const int black = trace.total[term][BLACK];
         const std::string name = std::string(NAMES[term]) + '=';
         text += format("%-11s%5d    %5d    %5d", name.c_str(), white, black, white - black);
         if (term == TRACE_MATERIAL) {
@@ -69,14 +72,14 @@ std::string totals_text(const Position& p) {
     return text;
 }
 
-std::string board_text(const Position& p) {
+std::string board_text(const Position& p, const EvalTrace& trace) {
     std::string text;
     for (int rank = 7; rank >= 0; --rank) {
         std::string values = "    ";
         for (int file = 0; file < 8; ++file) {
             const int square = make_square(file, rank);
             text += format(" %c", diagram_character(p, square));
-            values += p.board[square] ? format(" %4d", traced.square[square]) : "    -";
+            values += p.board[square] ? format(" %4d", trace.square[square]) : "    -";
         }
         text += values + '\n';
     }
@@ -85,20 +88,21 @@ std::string board_text(const Position& p) {
 
 }  // namespace
 
-void eval_trace() {
-    finish_search();
-    if (!position_accepted()) return;
-    if (!search_captures()) {
+void eval_trace(Engine& engine) {
+    finish_search(engine);
+    if (!position_accepted(engine)) return;
+    EvalTrace trace{};
+    if (!search_captures(engine, trace)) {
         engine_print("evaluation ended");
         return;
     }
-    const ThreadData& t = thread_data(0);
-    const Position& p = game.position;
+    const ThreadData& t = thread_data(engine, 0);
+    const Position& p = engine.game.position;
     std::string text = format("eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", t.root_eval,
-                              t.root_score.get(), traced.stage, traced.factor);
-    text += squares_text("hung pieces on: ", traced.hung);
-    text += squares_text("pinned pieces on :", traced.pinned);
-    text += totals_text(p) + board_text(p);
+                              t.root_score.get(), trace.stage, trace.factor);
+    text += squares_text("hung pieces on: ", trace.hung);
+    text += squares_text("pinned pieces on :", trace.pinned);
+    text += totals_text(p, trace) + board_text(p, trace);
     text += p.side == WHITE ? "white\n" : "black\n";
     engine_print(text);
 }

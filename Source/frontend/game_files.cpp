@@ -6,11 +6,14 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "engine/engine.h"
+#include "frontend/board_report.h"
 #include "frontend/console_commands.h"
-#include "frontend/line_reader.h"
 #include "frontend/output.h"
 #include "search/run.h"
-#include "tools/output_file.h"
+#include "support/format.h"
+#include "support/line_reader.h"
+#include "support/output_file.h"
 #include "tools/tool_input.h"
 
 namespace quon {
@@ -68,48 +71,48 @@ std::string without_comments(std::string_view text, int& nesting) {
 }
 
 // False at the first token that is no move.
-bool play_tokens(std::string_view text) {
+bool play_tokens(Engine& engine, std::string_view text) {
     while (true) {
         const std::string_view token = take_token(text, " \t");
         if (token.empty()) return true;
         const std::string_view move_text = from_first_letter(token).substr(0, MOVE_TOKEN);
         if (move_text.empty()) continue;
         Move move = NO_MOVE;
-        if (!parse_san(game.position, move_text, move)) {
+        if (!read_move(engine.game.position, move_text, move)) {
             engine_print(format("can't parse move '%s'", std::string(move_text).c_str()));
             return false;
         }
-        make_game_move(game, move);
+        make_game_move(engine.game, move);
     }
 }
 
-void play_game(LineReader& reader, GameChoice choice) {
-    position_from_fen(game.position, START_FEN);
+void play_game(Engine& engine, LineReader& reader, GameChoice choice) {
+    set_start_position(engine.game.position);
     int nesting = 0;
     bool tag_line = false;
     LinePiece piece{};
-    while (!end_wished() && next_piece(reader, piece)) {
+    while (!end_wished(engine) && next_piece(reader, piece)) {
         if (piece.starts_line) tag_line = piece.text.starts_with('[');
         const bool chosen = belongs_to_game(choice, piece.text);
         if (is_past(choice)) break;
         if (!chosen || tag_line) continue;
-        if (!play_tokens(without_comments(piece.text, nesting))) break;
+        if (!play_tokens(engine, without_comments(piece.text, nesting))) break;
     }
-    game.undo[game.game_ply].move = NO_MOVE;  // nothing to replay
-    print_board(game.position);
+    engine.game.undo[engine.game.game_ply].move = NO_MOVE;  // nothing to replay
+    print_board(engine.game.position);
 }
 
 }  // namespace
 
-void load_game(const ConsoleLine& line) {
-    take_over();
+void load_game(Engine& engine, const ConsoleLine& line) {
+    take_over(engine);
     const std::string name(line.first);
     engine_print(format("loading %s, tag %s\n", name.c_str(), std::string(line.second).c_str()));
     LineReader reader;
     if (open_lines(reader, name, GAME_LINE, LongLine::AT_BLANK)) {
-        play_game(reader, choose_game(line.second));
+        play_game(engine, reader, choose_game(line.second));
     }
-    reset_clocks();
+    reset_clocks(engine);
 }
 
 namespace {
@@ -118,27 +121,27 @@ constexpr char SAVE_NAME[] = "tmp.pgn";
 constexpr int MOVES_PER_LINE = 11;
 
 // Takes the whole game back and makes it again.
-std::string game_text() {
-    const int plies = game.game_ply;
-    Position& p = game.position;
-    while (game.game_ply > 0) unmake_move(p);
+std::string game_text(Engine& engine) {
+    const int plies = engine.game.game_ply;
+    Position& p = engine.game.position;
+    while (engine.game.game_ply > 0) unmake_move(p);
     std::string text;
-    while (game.game_ply < plies) {
-        const Move move = game.undo[game.game_ply].move;
+    while (engine.game.game_ply < plies) {
+        const Move move = engine.game.undo[engine.game.game_ply].move;
         text += readable_san(p, move_entry(p, move));
         text += ' ';
         make_move(p, move);
-        if (game.game_ply % MOVES_PER_LINE == 0) text += '\n';
+        if (engine.game.game_ply % MOVES_PER_LINE == 0) text += '\n';
     }
     return text;
 }
 
 }  // namespace
 
-void save_game(const ConsoleLine&) {
+void save_game(Engine& engine, const ConsoleLine&) {
     OutputFile file;
     if (!append_to_output(file, SAVE_NAME)) return;
-    write_text(file, "[Event \"Unknown\"]\n" + game_text() + "\n\n");
+    write_text(file, "[Event \"Unknown\"]\n" + game_text(engine) + "\n\n");
     close_output(file);
 }
 

@@ -5,8 +5,10 @@
 
 namespace quon {
 
+struct Engine;
+
 // Aborts a running search, sets `limits` from the keywords in the text, and asks the main loop for
 // a search. What no keyword mentions stays as it was.
-void go_command(std::string_view rest);
+void go_command(Engine& engine, std::string_view rest);
 
 }  // namespace quon

@@ -8,13 +8,14 @@
 #include <utility>
 #include <vector>
 
+#include "engine/engine.h"
 #include "frontend/console.h"
-#include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "frontend/uci.h"
-#include "frontend/words.h"
 #include "platform/events.h"
 #include "platform/interrupt.h"
+#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -130,33 +131,33 @@ bool quit_comes() {
 
 bool quit_or_end_comes() { return quit_comes() || input_ended(); }
 
-bool next_input_line(std::string& line) {
+bool next_input_line(Engine& engine, std::string& line) {
     while (interruption() == Interruption::NONE) {
-        if (next_command(line)) return true;
+        if (next_command(engine, line)) return true;
         if (input_ended()) return false;
         wait_for_event(-1, true);
     }
     return false;
 }
 
-bool next_command(std::string& command) {
+bool next_command(Engine& engine, std::string& command) {
     std::unique_lock lock(input_mutex);
     read_lines();
     const bool found = !pending_input.empty();
     if (found) command = take_command();
     const std::vector<std::string> told = std::exchange(remarks, {});
     lock.unlock();
-    for (const std::string& remark : told) engine_print(message_prefix() + remark);
+    for (const std::string& remark : told) engine_print(message_prefix(engine) + remark);
     return found;
 }
 
-void process_input() {
+void process_input(Engine& engine) {
     std::string command;
-    if (!next_command(command)) return;
-    if (options.uci_mode || command == "uci") {
-        handle_uci_command(command);
+    if (!next_command(engine, command)) return;
+    if (engine.options.uci_mode || command == "uci") {
+        handle_uci_command(engine, command);
     } else if (!command.empty()) {
-        handle_console_command(command);
+        handle_console_command(engine, command);
     }
 }
 

@@ -7,15 +7,17 @@
 
 namespace quon {
 
+struct Engine;
+
 // Reads what standard input holds and takes the next command; false when none is whole yet. Never
 // waits for input.
-bool next_command(std::string& command);
+bool next_command(Engine& engine, std::string& command);
 // The same, and handles the command.
-void process_input();
+void process_input(Engine& engine);
 
 // Takes the next line, for commands that go on over several; waits for it. False at the end of the
 // input, and after an interruption.
-bool next_input_line(std::string& line);
+bool next_input_line(Engine& engine, std::string& line);
 
 // Reads what standard input holds, as far as lines are read ahead; true if that is the end. Does
 // not wait for input.

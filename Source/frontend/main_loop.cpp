@@ -3,7 +3,7 @@
 
 #include "frontend/main_loop.h"
 
-#include "frontend/engine_options.h"
+#include "engine/engine.h"
 #include "frontend/input.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
@@ -22,10 +22,12 @@ constexpr int CHECK_MS = 5;  // between time checks
 // "go" is answered with a move; but not longer than this.
 constexpr double FIRST_MOVE_SECONDS = 0.5;
 
-bool first_move_awaited() { return run.shared_depth < 1 && run.elapsed < FIRST_MOVE_SECONDS; }
+bool first_move_awaited(Engine& engine) {
+    return engine.run.shared_depth < 1 && engine.run.elapsed < FIRST_MOVE_SECONDS;
+}
 
-void wait_for_work(bool searching) {
-    if (searching && first_move_awaited()) {
+void wait_for_work(Engine& engine, bool searching) {
+    if (searching && first_move_awaited(engine)) {
         wait_for_event(1, false);
     } else if (!command_pending()) {
         wait_for_event(searching ? CHECK_MS : -1, !input_ended());
@@ -33,54 +35,55 @@ void wait_for_work(bool searching) {
 }
 
 // Nothing can stop this search but a command.
-bool unlimited(u8 mode) {
+bool unlimited(Engine& engine, u8 mode) {
     if (mode == GO_PONDER) return true;
-    if (limits.depth_limit < NO_DEPTH_LIMIT || limits.max_nodes != 0) return false;
+    if (engine.limits.depth_limit < NO_DEPTH_LIMIT || engine.limits.max_nodes != 0) return false;
     return mode == GO_ANALYSE ||
-           (limits.time_mode == FIXED_TIME && limits.fixed_time >= ENDLESS_SECONDS);
+           (engine.limits.time_mode == FIXED_TIME && engine.limits.fixed_time >= ENDLESS_SECONDS);
 }
 
 // The input has ended and its last command is handled: nobody will ask for more.
-void wind_up() {
-    if (control.search_mode == NO_SEARCH) {
-        control.quit_requested = true;
-    } else if (options.self_play && !options.self_play_alone) {
-        options.self_play = false;
-        stop_search(STOP);
-    } else if (unlimited(control.search_mode)) {
-        stop_search(STOP);
+void wind_up(Engine& engine) {
+    if (engine.control.search_mode == NO_SEARCH) {
+        engine.control.quit_requested = true;
+    } else if (engine.options.self_play && !engine.options.self_play_alone) {
+        engine.options.self_play = false;
+        stop_search(engine, STOP);
+    } else if (unlimited(engine, engine.control.search_mode)) {
+        stop_search(engine, STOP);
     }
 }
 
-void turn() {
-    const bool searching = busy_threads() != 0;
-    if (!searching && report_due()) return;
-    if (!input_ended() || searching) wait_for_work(searching);
+void turn(Engine& engine) {
+    const bool searching = busy_threads(engine) != 0;
+    if (!searching && report_due(engine)) return;
+    if (!input_ended() || searching) wait_for_work(engine, searching);
     if (searching) {
-        time_check();
-        if (first_move_awaited() && busy_threads() != 0) return;
+        time_check(engine);
+        if (first_move_awaited(engine) && busy_threads(engine) != 0) return;
     }
-    process_input();
-    if (input_ended() && !command_pending() && control.go_request == NO_SEARCH) wind_up();
+    process_input(engine);
+    if (input_ended() && !command_pending() && engine.control.go_request == NO_SEARCH)
+        wind_up(engine);
 }
 
 }  // namespace
 
-void main_loop() {
-    while (!control.quit_requested && !output_lost()) {
-        if (control.go_request == NO_SEARCH) {
-            turn();
-            if (control.quit_requested) break;
+void main_loop(Engine& engine) {
+    while (!engine.control.quit_requested && !output_lost()) {
+        if (engine.control.go_request == NO_SEARCH) {
+            turn(engine);
+            if (engine.control.quit_requested) break;
         }
-        if (control.go_request != NO_SEARCH) {
-            if (control.search_mode == NO_SEARCH) {
-                start_search();
+        if (engine.control.go_request != NO_SEARCH) {
+            if (engine.control.search_mode == NO_SEARCH) {
+                start_search(engine);
             } else {
                 // "go" has told the search before it to stop.
-                stop_search(ABORT);
+                stop_search(engine, ABORT);
             }
         }
-        if (report_due()) report_search();
+        if (report_due(engine)) report_search(engine);
     }
 }
 

@@ -2,15 +2,15 @@
 
 #include "frontend/output.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <filesystem>
 #include <mutex>
 
-#include "frontend/engine_options.h"
 #include "platform/clock.h"
-#include "platform/relaxed.h"
 #include "platform/standard_output.h"
+#include "support/format.h"
+#include "support/relaxed.h"
+#include "support/status_line.h"
 
 namespace quon {
 
@@ -21,15 +21,8 @@ constexpr char LOG_NAME[] = "quon.log";
 std::mutex print_mutex;  // guards both streams: a line appears whole in each
 std::FILE* log_file = nullptr;
 Relaxed<bool> lost = false;
+Relaxed<bool> log_wanted = true;
 Relaxed<bool (*)()> leave_test = nullptr;
-bool status_shown = false;  // guarded by print_mutex
-
-constexpr char REWRITE_LINE[] = "\r\x1b[K";
-
-void erase_status() {
-    if (status_shown) std::fputs(REWRITE_LINE, stderr);
-    status_shown = false;
-}
 
 bool leaving() {
     bool (*const test)() = leave_test;
@@ -59,7 +52,7 @@ void wait_for_reader(Stall& stall, std::size_t unwritten) {
 }
 
 void write_output(std::string_view text) {
-    erase_status();
+    erase_status_line();
     Stall stall;
     while (!lost && !text.empty()) {
         if (offer_output(text) == OutputState::LOST) {
@@ -71,10 +64,10 @@ void write_output(std::string_view text) {
 }
 
 void write_log(std::string_view line) {
-    if (!options.log_enabled || !log_file) return;
+    if (!log_wanted || !log_file) return;
     const bool written = std::fwrite(line.data(), 1, line.size(), log_file) == line.size();
     if (std::fflush(log_file) == 0 && written) return;
-    std::fprintf(stderr, "quon: %s could not be written whole\n", LOG_NAME);
+    error_line(format("quon: %s could not be written whole", LOG_NAME));
     std::fclose(log_file);
     log_file = nullptr;
 }
@@ -99,28 +92,9 @@ void log_line(std::string_view text) {
     write_log(line);
 }
 
-const char* message_prefix() { return options.uci_mode ? "info string " : ""; }
+void set_log_enabled(bool enabled) { log_wanted = enabled; }
 
-void show_status_line(std::string_view text) {
-    const std::lock_guard lock(print_mutex);
-    erase_status();
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
-    status_shown = !text.empty();
-}
-
-std::string format(const char* pattern, ...) {
-    std::va_list arguments;
-    va_start(arguments, pattern);
-    std::va_list again;
-    va_copy(again, arguments);
-    const int size = std::vsnprintf(nullptr, 0, pattern, arguments);
-    va_end(arguments);
-    std::string text(size > 0 ? std::size_t(size) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, pattern, again);
-    va_end(again);
-    return text;
-}
+bool log_enabled() { return log_wanted; }
 
 void open_log_file() {
     std::error_code error;

@@ -1,7 +1,6 @@
 #pragma once
 // The single way out: lines to standard output, copied to the log file. Any thread may call these;
-// each line is written whole. Depends on the settings alone, so that every part of the engine can
-// report.
+// each line is written whole. Belongs to the process, like the streams behind it.
 
 #include <string>
 #include <string_view>
@@ -18,15 +17,9 @@ void print_unlogged(std::string_view text);
 // The line to the log file alone, under the same two conditions.
 void log_line(std::string_view text);
 
-// What a message begins with: "info string " where a front end reads it, nothing in console mode.
-const char* message_prefix();
-
-// A line on standard error that is rewritten in place and gives way to whatever is printed. An
-// empty text removes it.
-void show_status_line(std::string_view text);
-
-// printf into a string.
-[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
+// Whether lines are copied to the log file; they are unless it is switched off.
+void set_log_enabled(bool enabled);
+bool log_enabled();
 
 // Starts "quon.log" in the working directory afresh and keeps it open; prints "log file in use."
 // and goes on without one when an old file cannot be deleted.

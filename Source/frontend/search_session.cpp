@@ -8,14 +8,16 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "book/book_pick.h"
-#include "frontend/engine_options.h"
+#include "engine/engine.h"
+#include "frontend/board_report.h"
+#include "frontend/book_report.h"
 #include "frontend/output.h"
-#include "search/report.h"
+#include "frontend/search_report.h"
 #include "search/run.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "support/format.h"
 
 namespace quon {
 
@@ -23,89 +25,90 @@ namespace {
 
 constexpr int MAX_FIFTY = 100;
 
-std::string best_move_text() {
-    std::string text = "bestmove " + move_to_text(run.shared_line[1]);
-    const Move reply = run.shared_line[2];
-    if (reply != NO_MOVE) text += " ponder " + move_to_text(reply);
+std::string best_move_text(Engine& engine) {
+    std::string text = "bestmove " + move_to_text(engine, engine.run.shared_line[1]);
+    const Move reply = engine.run.shared_line[2];
+    if (reply != NO_MOVE) text += " ponder " + move_to_text(engine, reply);
     return text;
 }
 
-Move book_move() {
-    if (!options.own_book || game.game_ply > options.book_depth) return NO_MOVE;
-    return book_pick(game.position);
+Move book_move(Engine& engine) {
+    if (!engine.options.own_book || engine.game.game_ply > engine.options.book_depth)
+        return NO_MOVE;
+    return book_pick(engine);
 }
 
 // The book's move becomes the result of a search that has already ended.
-void take_book_move(Move move) {
-    engine_print(format("%sbook move is %s%s", message_prefix(), square_name[move_from(move)],
+void take_book_move(Engine& engine, Move move) {
+    engine_print(format("%sbook move is %s%s", message_prefix(engine), square_name[move_from(move)],
                         square_name[move_to(move)]));
-    run.shared_score = i16{0};
-    run.shared_line[1] = move;
-    control.stop_flag = STOP;
+    engine.run.shared_score = i16{0};
+    engine.run.shared_line[1] = move;
+    engine.control.stop_flag = STOP;
 }
 
 // The side that has moved pays for its time. A front end may have set another position meanwhile:
 // then there is no move to make.
-void continue_self_play() {
-    Position& p = game.position;
-    limits.clock[p.side] += limits.increment - run.elapsed;
-    const Move move = run.shared_line[1];
+void continue_self_play(Engine& engine) {
+    Position& p = engine.game.position;
+    engine.limits.clock[p.side] += engine.limits.increment - engine.run.elapsed;
+    const Move move = engine.run.shared_line[1];
     if (!can_be_made(p, move)) {
-        options.self_play = false;
+        engine.options.self_play = false;
         return;
     }
-    make_game_move(game, move);
+    make_game_move(engine.game, move);
     print_board(p);
-    control.go_request = GO_PLAY;
+    engine.control.go_request = GO_PLAY;
 }
 
 }  // namespace
 
-bool position_accepted() {
-    const char* const problem = position_problem(game.position);
+bool position_accepted(Engine& engine) {
+    const char* const problem = position_problem(engine.game.position);
     if (problem == nullptr) return true;
-    engine_print(format("%sillegal position: %s", message_prefix(), problem));
+    engine_print(format("%sillegal position: %s", message_prefix(engine), problem));
     return false;
 }
 
-void start_search() {
-    time_setup();
-    if (const Move move = book_move(); move != NO_MOVE) {
-        take_book_move(move);
-    } else if (game.position.fifty <= MAX_FIFTY && position_accepted()) {
-        start_search_threads();
+void start_search(Engine& engine) {
+    begin_search(engine);
+    if (const Move move = book_move(engine); move != NO_MOVE) {
+        take_book_move(engine, move);
+    } else if (engine.game.position.fifty <= MAX_FIFTY && position_accepted(engine)) {
+        start_search_threads(engine);
     }
-    control.go_request = NO_SEARCH;
+    engine.control.go_request = NO_SEARCH;
 }
 
-bool report_due() {
-    const u8 mode = control.search_mode;
-    return mode != NO_SEARCH && mode != GO_PONDER && busy_threads() == 0;
+bool report_due(Engine& engine) {
+    const u8 mode = engine.control.search_mode;
+    return mode != NO_SEARCH && mode != GO_PONDER && busy_threads(engine) == 0;
 }
 
-void report_search() {
-    flush_search_trace();
-    collect_stats();
-    final_report(run.shared_score);
-    if (options.uci_mode) {
-        engine_print(best_move_text());
+void report_search(Engine& engine) {
+    flush_search_trace(engine.trace);
+    collect_stats(engine);
+    final_report(engine, engine.run.shared_score);
+    if (engine.options.uci_mode) {
+        engine_print(best_move_text(engine));
     } else {
-        print_console_statistics();
+        print_console_statistics(engine);
     }
-    if (options.self_play) continue_self_play();
-    control.search_mode = NO_SEARCH;
+    if (engine.options.self_play) continue_self_play(engine);
+    engine.control.search_mode = NO_SEARCH;
 }
 
-void stop_search(StopFlag flag) {
-    if (control.search_mode == GO_PONDER) control.search_mode = GO_PLAY;
-    control.stop_flag = flag;
-    wait_for_idle_threads();
+void stop_search(Engine& engine, StopFlag flag) {
+    if (engine.control.search_mode == GO_PONDER) engine.control.search_mode = GO_PLAY;
+    engine.control.stop_flag = flag;
+    wait_for_idle_threads(engine);
 }
 
-void finish_search(StopFlag flag) {
-    if (control.search_mode == NO_SEARCH && busy_threads() == 0) return;
-    stop_search(flag);
-    if (report_due()) report_search();
+void finish_search(Engine& engine, StopFlag flag) {
+    if (engine.control.search_mode == NO_SEARCH && busy_threads(engine) == 0) return;
+    stop_search(engine, flag);
+    if (report_due(engine)) report_search(engine);
 }
 
 }  // namespace quon

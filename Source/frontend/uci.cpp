@@ -5,57 +5,57 @@
 
 #include <string>
 
-#include "frontend/engine_options.h"
+#include "engine/engine.h"
 #include "frontend/go_command.h"
 #include "frontend/output.h"
 #include "frontend/position_command.h"
 #include "frontend/search_session.h"
 #include "frontend/uci_options.h"
-#include "frontend/words.h"
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/run.h"
+#include "support/text.h"
 
 namespace quon {
 
 namespace {
 
-void uci_command(std::string_view) {
-    options.uci_mode = true;
+void uci_command(Engine& engine, std::string_view) {
+    set_uci_mode(engine, true);
     print_name();
     engine_print(std::string("id author ") + ENGINE_AUTHOR);
-    print_uci_options();
+    print_uci_options(engine);
     engine_print("uciok");
 }
 
-void isready_command(std::string_view) { engine_print("readyok"); }
+void isready_command(Engine&, std::string_view) { engine_print("readyok"); }
 
-void ucinewgame_command(std::string_view) {
-    finish_search();
-    limits.fixed_time = 60;
-    limits.time_mode = CLOCK_TIME;
-    limits.clock = {{60, 60}};
-    limits.increment = 0;
-    game.game_ply = 0;
-    if (options.hash_mode != 0) hash_clear();
+void ucinewgame_command(Engine& engine, std::string_view) {
+    finish_search(engine);
+    engine.limits.fixed_time = 60;
+    engine.limits.time_mode = CLOCK_TIME;
+    engine.limits.clock = {{60, 60}};
+    engine.limits.increment = 0;
+    engine.game.game_ply = 0;
+    if (engine.settings.hash_mode != 0) hash_clear(engine.hash);
 }
 
-void ponderhit_command(std::string_view) {
-    if (control.search_mode == GO_PONDER) control.search_mode = GO_PLAY;
+void ponderhit_command(Engine& engine, std::string_view) {
+    if (engine.control.search_mode == GO_PONDER) engine.control.search_mode = GO_PLAY;
 }
 
 // Without a search the result of the last one is reported again.
-void stop_command(std::string_view) {
-    stop_search(STOP);
-    control.search_mode = GO_PLAY;
+void stop_command(Engine& engine, std::string_view) {
+    stop_search(engine, STOP);
+    engine.control.search_mode = GO_PLAY;
 }
 
 // A running search ends with its threads.
-void quit_command(std::string_view) { control.quit_requested = true; }
+void quit_command(Engine& engine, std::string_view) { engine.control.quit_requested = true; }
 
 struct UciCommand {
     std::string_view word;
-    void (*handle)(std::string_view rest);
+    void (*handle)(Engine& engine, std::string_view rest);
 };
 
 constexpr UciCommand COMMANDS[] = {
@@ -74,14 +74,14 @@ constexpr UciCommand COMMANDS[] = {
 
 void print_name() { engine_print(std::string("id name ") + ENGINE_NAME); }
 
-void handle_uci_command(std::string_view line) {
+void handle_uci_command(Engine& engine, std::string_view line) {
     if (line.empty()) return;
-    if (options.log_enabled) engine_print("CMD: " + std::string(line));
+    if (log_enabled()) engine_print("CMD: " + std::string(line));
     const std::string_view word = first_word(line);
     for (const UciCommand& command : COMMANDS) {
         if (command.word != word) continue;
         const auto word_end = std::size_t(word.data() - line.data()) + word.size();
-        command.handle(text_from(line, word_end + 1));
+        command.handle(engine, text_from(line, word_end + 1));
         return;
     }
 }

@@ -5,8 +5,10 @@
 
 namespace quon {
 
+struct Engine;
+
 // Handles one line of UCI; a command that is not known is ignored.
-void handle_uci_command(std::string_view line);
+void handle_uci_command(Engine& engine, std::string_view line);
 
 // The line that names the engine.
 void print_name();

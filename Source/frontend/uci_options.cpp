@@ -1,21 +1,24 @@
-// The options of UCI: one table, from which the announcement is printed and settings are handled.
+// The options of UCI: one row each, from which the announcement, the reading and clamping of values
+// and the reply come.
 
 #include "frontend/uci_options.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <string>
 
+#include "engine/engine.h"
 #include "eval/eval_params.h"
-#include "frontend/engine_options.h"
 #include "frontend/output.h"
 #include "frontend/search_session.h"
-#include "frontend/words.h"
 #include "search/hash.h"
 #include "search/strength.h"
-#include "search/tablebases.h"
 #include "search/threads.h"
+#include "support/format.h"
+#include "support/text.h"
+#include "syzygy/tbprobe.h"
 
 namespace quon {
 
@@ -23,141 +26,198 @@ namespace {
 
 constexpr int OUT_OF_MEMORY = -1;  // exit status
 
-const char* check_text(bool on) { return on ? "true" : "false"; }
-bool is_true(std::string_view value) { return value == "true"; }
-
-int to_spin(std::string_view value, int low, int high) {
-    return int(std::clamp<i64>(to_integer(value), low, high));
-}
-
-// Search threads may exist and look at globals: nothing may be torn down.
-[[noreturn]] void end_without_memory(const std::string& purpose) {
-    engine_print(message_prefix() + ("not enough memory for " + purpose));
+// Search threads may exist and look at the engine: nothing may be torn down.
+[[noreturn]] void end_without_memory(Engine& engine, const std::string& purpose) {
+    engine_print(message_prefix(engine) + ("not enough memory for " + purpose));
     std::_Exit(OUT_OF_MEMORY);
 }
 
-void set_hash(std::string_view value) {
-    finish_search();
-    options.hash_mb = i16(to_spin(value, 0, MAX_HASH_MB));
-    if (!hash_alloc()) {
-        end_without_memory(format("a hash table of %dM bytes", options.hash_mb));
+void set_hash(Engine& engine, int megabytes) {
+    finish_search(engine);
+    engine.settings.hash_mb = i16(megabytes);
+    if (!hash_alloc(engine.hash, megabytes)) {
+        end_without_memory(engine, format("a hash table of %dM bytes", megabytes));
     }
-    engine_print(format("info string Hash size set to %dM bytes", options.hash_mb));
 }
 
-void set_threads(std::string_view value) {
-    const int count = to_spin(value, 1, MAX_THREADS);
-    if (count != options.threads) {
-        finish_search();
-        destroy_threads();
-        options.threads = u8(count);
-        if (!create_threads(count)) end_without_memory("the search threads");
-    }
-    engine_print(format("info string Threads set to %d", options.threads));
+void set_threads(Engine& engine, int count) {
+    if (count == engine.settings.threads) return;
+    finish_search(engine);
+    destroy_threads(engine);
+    engine.settings.threads = u8(count);
+    if (!create_threads(engine, count)) end_without_memory(engine, "the search threads");
 }
 
-void set_ponder(std::string_view value) {
-    options.ponder_option = is_true(value);
-    engine_print(format("info string Ponder set to %s", check_text(options.ponder_option != 0)));
+void set_uci_elo(Engine& engine, int value) {
+    const int elo = set_elo(engine, value);
+    engine_print(format("info string UCI_Elo set to %d", elo));
+    engine_print(format("info string calibration nps = %.0f", engine.options.calibration_nps));
+    engine_print(format("info string target nps = %.0f", engine.settings.target_nps.get()));
 }
 
-void set_contempt(std::string_view value) {
-    params.contempt = i16(to_spin(value, -150, 150));
-    engine_print(format("info string Contempt set to %d", params.contempt));
-}
-
-void set_limit_strength(std::string_view value) {
-    params.limit_strength = is_true(value);
-    engine_print(
-        format("info string UCI_LimitStrength set to %s", check_text(params.limit_strength != 0)));
-}
-
-void set_uci_elo(std::string_view value) {
-    set_elo(to_spin(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
-}
-
-void set_multipv(std::string_view value) {
-    options.multipv = i16(to_spin(value, 1, MAX_MULTIPV));
-    engine_print(format("info string MultiPV set to %d", options.multipv));
-}
-
-void clear_hash(std::string_view) {
-    if (options.hash_mode == 0) return;
-    finish_search();
-    hash_clear();
+void clear_hash(Engine& engine, int) {
+    if (engine.settings.hash_mode == 0) return;
+    finish_search(engine);
+    hash_clear(engine.hash);
     engine_print("info string Hash table cleared");
 }
 
-void set_move_overhead(std::string_view value) {
-    const int ms = to_spin(value, 0, 5000);
-    limits.move_overhead = ms * 0.001;
-    engine_print(format("info string MoveOverhead set to %d ms", ms));
+void set_syzygy_path(Engine& engine, std::string_view value) {
+    finish_search(engine);
+    const std::string path(value.substr(0, MAX_SYZYGY_PATH));
+    engine.options.syzygy_path = path.empty() ? "." : path;
+    engine_print("info string SyzygyPath set to '" + engine.options.syzygy_path + "'");
+    load_tablebases(engine);
 }
 
-void set_own_book(std::string_view value) {
-    options.own_book = is_true(value);
-    engine_print(format("info string OwnBook set to %s", check_text(options.own_book)));
-}
-
-void set_log(std::string_view value) {
-    options.log_enabled = is_true(value);
-    engine_print(format("info string Log set to %s", check_text(options.log_enabled)));
-}
-
-void set_syzygy_path(std::string_view value) {
-    finish_search();
-    tb_set_path(std::string(value.substr(0, MAX_SYZYGY_PATH)));
-}
-
-void set_probe_depth(Relaxed<i16>& depth, std::string_view value, const char* name) {
-    depth = i16(to_spin(value, 1, 100));
-    engine_print(format("info string %s set to %d", name, depth.get()));
-}
-
-std::string check(bool on) { return std::string("check default ") + check_text(on); }
-
-std::string spin(int value, int low, int high) {
-    return format("spin default %d min %d max %d", value, low, high);
-}
+enum class Kind { CHECK, SPIN, BUTTON, TEXT };
 
 struct UciOption {
     std::string_view name;
-    std::string (*declare)();  // type, current value, range
-    void (*set)(std::string_view value);
+    Kind kind;
+    int low = 0, high = 0;                      // of a spin; what is beyond becomes the nearest
+    int (*get)(const Engine&) = nullptr;        // live value; of a check 0 or 1
+    void (*set)(Engine&, int value) = nullptr;  // of a button: presses it
+    const char* reply = nullptr;                // in front of the value; without one `set` tells
+    const char* unit = "";                      // behind it
+    int (*live_high)(const Engine&) = nullptr;  // announced in place of `high`
+    const std::string& (*get_text)(const Engine&) = nullptr;
+    void (*set_text)(Engine&, std::string_view value) = nullptr;
 };
 
+int elo_max(const Engine& e) { return int(std::nearbyint(e.options.elo_max)); }
+
 constexpr UciOption OPTIONS[] = {
-    {"Hash", [] { return spin(options.hash_mb, 0, MAX_HASH_MB); }, set_hash},
-    {"Threads", [] { return spin(options.threads, 1, MAX_THREADS); }, set_threads},
-    {"Ponder", [] { return check(options.ponder_option != 0); }, set_ponder},
-    {"Contempt", [] { return spin(params.contempt, -150, 150); }, set_contempt},
-    {"UCI_LimitStrength", [] { return check(params.limit_strength != 0); }, set_limit_strength},
-    {"UCI_Elo",
-     [] { return format("spin default %.0f min 1500 max %.0f", options.elo_max, options.elo_max); },
-     set_uci_elo},
-    {"MultiPV", [] { return spin(options.multipv, 1, MAX_MULTIPV); }, set_multipv},
-    {"Clear Hash", [] { return std::string("button"); }, clear_hash},
-    {"MoveOverhead",
-     [] { return format("spin default %.0f min 0 max 5000", limits.move_overhead * 1000); },
-     set_move_overhead},
-    {"OwnBook", [] { return check(options.own_book); }, set_own_book},
-    {"Log", [] { return check(options.log_enabled); }, set_log},
-    {"SyzygyPath", [] { return "string default " + options.syzygy_path; }, set_syzygy_path},
-    {"SyzygyProbeDepth5", [] { return spin(options.syzygy_probe_depth5, 1, 100); },
-     [](std::string_view value) {
-         set_probe_depth(options.syzygy_probe_depth5, value, "SyzygyProbeDepth5");
-     }},
-    {"SyzygyProbeDepth6", [] { return spin(options.syzygy_probe_depth6, 1, 100); },
-     [](std::string_view value) {
-         set_probe_depth(options.syzygy_probe_depth6, value, "SyzygyProbeDepth6");
-     }},
+    {.name = "Hash",
+     .kind = Kind::SPIN,
+     .low = 0,
+     .high = MAX_HASH_MB,
+     .get = [](const Engine& e) { return int(e.settings.hash_mb); },
+     .set = set_hash,
+     .reply = "Hash size set to ",
+     .unit = "M bytes"},
+    {.name = "Threads",
+     .kind = Kind::SPIN,
+     .low = 1,
+     .high = MAX_THREADS,
+     .get = [](const Engine& e) { return int(e.settings.threads); },
+     .set = set_threads,
+     .reply = "Threads set to "},
+    {.name = "Ponder",
+     .kind = Kind::CHECK,
+     .get = [](const Engine& e) { return int(e.settings.ponder_option != 0); },
+     .set = [](Engine& e, int on) { e.settings.ponder_option = i16(on); },
+     .reply = "Ponder set to "},
+    {.name = "Contempt",
+     .kind = Kind::SPIN,
+     .low = -150,
+     .high = 150,
+     .get = [](const Engine& e) { return int(e.params.contempt); },
+     .set = [](Engine& e, int centipawns) { e.params.contempt = i16(centipawns); },
+     .reply = "Contempt set to "},
+    {.name = "UCI_LimitStrength",
+     .kind = Kind::CHECK,
+     .get = [](const Engine& e) { return int(e.params.limit_strength != 0); },
+     .set = [](Engine& e, int on) { e.params.limit_strength = i16(on); },
+     .reply = "UCI_LimitStrength set to "},
+    // Any number is taken: what is too low or too high for the machine is set_elo's business.
+    {.name = "UCI_Elo",
+     .kind = Kind::SPIN,
+     .low = MIN_ELO,
+     .high = std::numeric_limits<int>::max(),
+     .get = elo_max,
+     .set = set_uci_elo,
+     .live_high = elo_max},
+    {.name = "MultiPV",
+     .kind = Kind::SPIN,
+     .low = 1,
+     .high = MAX_MULTIPV,
+     .get = [](const Engine& e) { return int(e.settings.multipv); },
+     .set = [](Engine& e, int lines) { e.settings.multipv = i16(lines); },
+     .reply = "MultiPV set to "},
+    {.name = "Clear Hash", .kind = Kind::BUTTON, .set = clear_hash},
+    {.name = "MoveOverhead",
+     .kind = Kind::SPIN,
+     .low = 0,
+     .high = 5000,
+     .get = [](const Engine& e) { return int(std::nearbyint(e.limits.move_overhead * 1000)); },
+     .set = [](Engine& e, int ms) { e.limits.move_overhead = ms * 0.001; },
+     .reply = "MoveOverhead set to ",
+     .unit = " ms"},
+    {.name = "OwnBook",
+     .kind = Kind::CHECK,
+     .get = [](const Engine& e) { return int(e.options.own_book); },
+     .set = [](Engine& e, int on) { e.options.own_book = on != 0; },
+     .reply = "OwnBook set to "},
+    {.name = "Log",
+     .kind = Kind::CHECK,
+     .get = [](const Engine&) { return int(log_enabled()); },
+     .set = [](Engine&, int on) { set_log_enabled(on != 0); },
+     .reply = "Log set to "},
+    {.name = "SyzygyPath",
+     .kind = Kind::TEXT,
+     .get_text = [](const Engine& e) -> const std::string& { return e.options.syzygy_path; },
+     .set_text = set_syzygy_path},
+    {.name = "SyzygyProbeDepth5",
+     .kind = Kind::SPIN,
+     .low = 1,
+     .high = 100,
+     .get = [](const Engine& e) { return int(e.settings.syzygy_probe_depth5); },
+     .set = [](Engine& e, int plies) { e.settings.syzygy_probe_depth5 = i16(plies); },
+     .reply = "SyzygyProbeDepth5 set to "},
+    {.name = "SyzygyProbeDepth6",
+     .kind = Kind::SPIN,
+     .low = 1,
+     .high = 100,
+     .get = [](const Engine& e) { return int(e.settings.syzygy_probe_depth6); },
+     .set = [](Engine& e, int plies) { e.settings.syzygy_probe_depth6 = i16(plies); },
+     .reply = "SyzygyProbeDepth6 set to "},
 };
+
+std::string value_text(const Engine& engine, const UciOption& option) {
+    const int value = option.get(engine);
+    if (option.kind == Kind::CHECK) return value != 0 ? "true" : "false";
+    return std::to_string(value);
+}
+
+// Type, current value and range.
+std::string declaration(const Engine& engine, const UciOption& option) {
+    switch (option.kind) {
+        case Kind::BUTTON: return "button";
+        case Kind::TEXT: return "string default " + option.get_text(engine);
+        case Kind::CHECK: return "check default " + value_text(engine, option);
+        case Kind::SPIN: break;
+    }
+    const int high = option.live_high ? option.live_high(engine) : option.high;
+    return format("spin default %d min %d max %d", option.get(engine), option.low, high);
+}
+
+void set_option(Engine& engine, const UciOption& option, std::string_view value) {
+    switch (option.kind) {
+        case Kind::BUTTON: return option.set(engine, 0);
+        case Kind::TEXT: return option.set_text(engine, value);
+        case Kind::CHECK: option.set(engine, value == "true"); break;
+        case Kind::SPIN:
+            option.set(engine, int(std::clamp<i64>(to_integer(value), option.low, option.high)));
+            break;
+    }
+    if (!option.reply) return;
+    engine_print(std::string("info string ") + option.reply + value_text(engine, option) +
+                 option.unit);
+}
 
 }  // namespace
 
-void print_uci_options() {
+void load_tablebases(Engine& engine) {
+    if (const auto found = tb_init(engine.options.syzygy_path)) {
+        print_unlogged(format("info string found %d tablebases\n", *found));
+    }
+}
+
+void print_uci_options(const Engine& engine) {
     for (const UciOption& option : OPTIONS) {
-        engine_print("option name " + std::string(option.name) + " type " + option.declare());
+        engine_print("option name " + std::string(option.name) + " type " +
+                     declaration(engine, option));
     }
 }
 
@@ -178,10 +238,10 @@ OptionText parse_option(std::string_view rest) {
     return text;
 }
 
-void setoption_command(std::string_view rest) {
+void setoption_command(Engine& engine, std::string_view rest) {
     const OptionText text = parse_option(rest);
     for (const UciOption& option : OPTIONS) {
-        if (option.name == text.name) option.set(text.value);
+        if (option.name == text.name) set_option(engine, option, text.value);
     }
 }
 

@@ -2,7 +2,7 @@
 // The flags through which the main thread and the search threads coordinate.
 
 #include "board/types.h"
-#include "platform/relaxed.h"
+#include "support/relaxed.h"
 
 namespace quon {
 
@@ -22,9 +22,5 @@ struct SearchControl {
     Relaxed<u8> stop_flag = u8{RUN};
     bool quit_requested = false;
 };
-
-extern SearchControl control;
-
-inline bool stopped() { return control.stop_flag != RUN; }
 
 }  // namespace quon

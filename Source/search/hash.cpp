@@ -10,7 +10,6 @@
 #include "board/keys.h"
 #include "board/legality.h"
 #include "board/make.h"
-#include "frontend/engine_options.h"
 #include "platform/memory.h"
 #include "platform/prefetch.h"
 #include "search/score.h"
@@ -51,8 +50,10 @@ struct Content {
 
 constexpr Content EMPTY = {NO_MOVE, 0, 0, 0, EMPTY_DEPTH};
 
+}  // namespace
+
 // Starts its life empty.
-struct Slot {
+struct HashSlot {
     std::atomic<u64> identity{0};
     std::atomic<u64> content{EMPTY.pack()};
 
@@ -66,34 +67,24 @@ struct Slot {
         store(c);
     }
 };
-static_assert(sizeof(Slot) == 16);
+static_assert(sizeof(HashSlot) == 16);
 
-struct MainHash {
-    Slot* slots = nullptr;  // entries + SPARE_ENTRIES
-    u64 entries = 0;
-    u64 mask = 0;
-    i16 age = 0;
-    bool used = false;  // by the current search
-    double fill = 0;
-};
-MainHash main_hash;
+namespace {
 
-bool usable() { return options.hash_mode != 0 && main_hash.entries > 0; }
-
-Slot* bucket_of(u64 key, int side) {
-    const u64 slot = u32(key) & main_hash.mask;
-    return &main_hash.slots[side == WHITE ? slot : main_hash.entries - slot];
+HashSlot* bucket_of(const MainHash& hash, u64 key, int side) {
+    const u64 slot = u32(key) & hash.mask;
+    return &hash.slots[side == WHITE ? slot : hash.entries - slot];
 }
 
-Slot* find_lock(Slot* bucket, u32 lock) {
+HashSlot* find_lock(HashSlot* bucket, u32 lock) {
     for (int i = 0; i < BUCKET; ++i) {
         if (u32(bucket[i].load_identity()) == lock) return &bucket[i];
     }
     return nullptr;
 }
 
-Slot* weakest(Slot* bucket) {
-    Slot* victim = bucket;
+HashSlot* weakest(HashSlot* bucket) {
+    HashSlot* victim = bucket;
     int least = 0;
     for (int i = 0; i < BUCKET; ++i) {
         const Content c = bucket[i].load();
@@ -106,50 +97,58 @@ Slot* weakest(Slot* bucket) {
     return victim;
 }
 
-std::size_t block_bytes(u64 entries) { return (entries + SPARE_ENTRIES) * sizeof(Slot); }
+std::size_t block_bytes(u64 entries) { return (entries + SPARE_ENTRIES) * sizeof(HashSlot); }
 
 }  // namespace
 
-bool hash_alloc() {
+MainHash::~MainHash() { hash_free(*this); }
+
+bool hash_alloc(MainHash& hash, int megabytes) {
     init_keys();
-    hash_free();
-    const u64 entries = u64(options.hash_mb) * 65536;
+    hash_free(hash);
+    const u64 entries = u64(megabytes) * 65536;
     void* block = allocate_pages(block_bytes(entries));
     if (!block) return false;
-    main_hash.slots = new (block) Slot[entries + SPARE_ENTRIES];
-    main_hash.entries = entries;
-    main_hash.mask = std::bit_floor(entries) - (entries ? 1 : 0);
+    hash.slots = new (block) HashSlot[entries + SPARE_ENTRIES];
+    hash.entries = entries;
+    hash.mask = std::bit_floor(entries) - (entries ? 1 : 0);
     return true;
 }
 
-void hash_free() {
-    release_pages(main_hash.slots, block_bytes(main_hash.entries));
-    main_hash = {};
+void hash_free(MainHash& hash) {
+    release_pages(hash.slots, block_bytes(hash.entries));
+    hash.slots = nullptr;
+    hash.entries = 0;
+    hash.mask = 0;
+    hash.age = 0;
+    hash.used = false;
+    hash.fill = 0;
 }
 
-void hash_clear() {
-    const u64 count = main_hash.slots ? main_hash.entries + SPARE_ENTRIES : 0;
-    for (u64 i = 0; i < count; ++i) main_hash.slots[i].store(0, 0, EMPTY);
-    main_hash.age = 0;
-    main_hash.fill = 0;
+void hash_clear(MainHash& hash) {
+    HashSlot* const slots = hash.slots;  // a local: the compiler would load a member anew each time
+    const u64 count = slots ? hash.entries + SPARE_ENTRIES : 0;
+    for (u64 i = 0; i < count; ++i) slots[i].store(0, 0, EMPTY);
+    hash.age = 0;
+    hash.fill = 0;
 }
 
-void hash_start_search(int age) {
-    main_hash.age = i16(age);
-    main_hash.used = usable();
+void hash_start_search(MainHash& hash, int age, bool wanted) {
+    hash.age = i16(age);
+    hash.used = wanted && hash.entries > 0;
 }
 
-HashEntry hash_probe(const Position& p) {
+HashEntry hash_probe(const MainHash& hash, const Position& p) {
     HashEntry out;
-    if (!main_hash.used) return out;
+    if (!hash.used) return out;
     const u64 key = full_key(p);
-    Slot* slot = find_lock(bucket_of(key, p.side), u32(key >> 32));
+    HashSlot* slot = find_lock(bucket_of(hash, key, p.side), u32(key >> 32));
     if (!slot) return out;
 
     const u32 check = u32(slot->load_identity() >> 32);
     Content found = slot->load();
-    if (found.age != main_hash.age) {
-        found.age = main_hash.age;
+    if (found.age != hash.age) {
+        found.age = hash.age;
         slot->store(found);
     }
     out = {found.move, found.score, found.bound, found.depth};
@@ -163,44 +162,42 @@ HashEntry hash_probe(const Position& p) {
     return out;
 }
 
-void hash_store(const Position& p, int ply, int depth, int score, int alpha, int beta,
-                Move best_move) {
-    if (!main_hash.used) return;
+void hash_store(const MainHash& hash, const Position& p, int ply, int depth, int score, int alpha,
+                int beta, Move best_move) {
+    if (!hash.used) return;
     const u8 bound = score >= beta ? LOWER_BOUND : score > alpha ? EXACT_BOUND : UPPER_BOUND;
     const u64 key = full_key(p);
     const u32 lock = u32(key >> 32);
-    Slot* bucket = bucket_of(key, p.side);
-    Slot* slot = find_lock(bucket, lock);
+    HashSlot* bucket = bucket_of(hash, key, p.side);
+    HashSlot* slot = find_lock(bucket, lock);
     const int margin = slot ? 2 : 7;
     if (!slot) slot = weakest(bucket);
     if (depth < slot->load().depth - margin) return;
 
-    const Content next{best_move, i16(score_to_table(score, ply)), main_hash.age, bound, i8(depth)};
+    const Content next{best_move, i16(score_to_tt(score, ply)), hash.age, bound, i8(depth)};
     slot->store(lock, next.check(u32(key)), next);
 }
 
-void hash_prefetch(const Position& p) {
-    if (!main_hash.used) return;
-    const Slot* bucket = bucket_of(full_key(p), p.side);
+void hash_prefetch(const MainHash& hash, const Position& p) {
+    if (!hash.used) return;
+    const HashSlot* bucket = bucket_of(hash, full_key(p), p.side);
     prefetch(bucket);
     prefetch(bucket + BUCKET - 1);
 }
 
-void hash_update_fill() {
-    main_hash.fill = 0;
-    if (main_hash.entries <= 2999) return;
-    const Slot* sample = &main_hash.slots[main_hash.entries / 2 - FILL_SAMPLE / 2];
+void hash_update_fill(MainHash& hash) {
+    hash.fill = 0;
+    if (hash.entries <= 2999) return;
+    const HashSlot* sample = &hash.slots[hash.entries / 2 - FILL_SAMPLE / 2];
     int current = 0;
-    for (u64 i = 0; i < FILL_SAMPLE; ++i) current += sample[i].load().age == main_hash.age;
-    main_hash.fill = current * 0.001;
+    for (u64 i = 0; i < FILL_SAMPLE; ++i) current += sample[i].load().age == hash.age;
+    hash.fill = current * 0.001;
 }
 
-double hash_fill() { return main_hash.fill; }
-
-void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line) {
+void hash_line(const MainHash& hash, Position& p, int ply, Table<Move, MAX_PLY>& line) {
     Move move = line[ply];
     if (move == NO_MOVE) {
-        const HashEntry entry = hash_probe(p);
+        const HashEntry entry = hash_probe(hash, p);
         if (entry.depth >= 1) move = entry.move;
         line[ply + 1] = NO_MOVE;
     }
@@ -208,7 +205,7 @@ void hash_line(Position& p, int ply, Table<Move, MAX_PLY>& line) {
     line[ply] = move;
     if (ply + 1 > LAST_LINE_PLY) return;
     make_move(p, move);
-    hash_line(p, ply + 1, line);
+    hash_line(hash, p, ply + 1, line);
     unmake_move(p);
 }
 

@@ -1,22 +1,30 @@
-// Preparing a thread for a search, and iterative deepening: the main search thread's and the
-// workers'.
+// Iterative deepening, and parallel search (lazy SMP).
+//
+// The main search thread searches the root to depth 1, 2, 3 ... until a limit, a mate or the stop
+// ends it. Each iteration costs little beside the next one, and leaves behind what makes that fast:
+// the best move to try first, the score to build a window around, the transposition table, the
+// history of quiet moves.
+//
+// Workers run the same iterations over the same position and share nothing but the transposition
+// table, without a lock: what one has stored another need not search. They gain by not doing the
+// same at the same time: their root order is jittered, and where more than about two thirds of the
+// threads are at a depth already the next one goes a ply deeper. Only the main search thread
+// publishes; a worker at a depth that it has completed gives up its iteration (root.cpp).
 
 #include <cmath>
+#include <cstring>
+#include <type_traits>
 
 #include "board/legality.h"
 #include "board/movegen.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
 #include "platform/clock.h"
-#include "search/control.h"
 #include "search/history.h"
 #include "search/picker.h"
-#include "search/report.h"
 #include "search/result.h"
 #include "search/score.h"
 #include "search/search.h"
+#include "search/searcher.h"
 #include "search/tablebases.h"
-#include "search/threads.h"
 
 namespace quon {
 
@@ -24,14 +32,30 @@ namespace {
 
 constexpr double CONTEMPT_TIME = 6000;  // seconds; contempt acts in games, not in analysis
 
+// What the caches hold is worth nothing once the tables, or what contempt goes by, have changed.
+void prepare_evaluation(EvalState& state, const EvalTables& tables, bool contempt_active,
+                        int root_side) {
+    static_assert(std::has_unique_object_representations_v<EvalTables>);
+    const bool same_tables = std::memcmp(&state.tables, &tables, sizeof tables) == 0;
+    const bool same_contempt = tables.contempt == 0 || (state.contempt_active == contempt_active &&
+                                                        state.root_side == root_side);
+    if (!same_tables || !same_contempt) {
+        state.pawn_hash = {};
+        state.eval_hash = {};
+    }
+    state.tables = tables;
+    state.contempt_active = contempt_active;
+    state.root_side = root_side;
+}
+
 }  // namespace
 
 void thread_prepare(ThreadData& t) {
-    copy_game(t, game);
+    auto& limits = t.shared->limits;
+    copy_game(t, t.shared->game);
     t.ply = 1;
-    t.eval.tables = eval_tables;
-    t.eval.contempt_active = run.target_time < CONTEMPT_TIME;
-    t.eval.root_side = t.position.side;
+    prepare_evaluation(t.eval, t.shared->eval_tables, t.shared->run.target_time < CONTEMPT_TIME,
+                       t.position.side);
     t.node_limit = limits.max_nodes > 0 ? u64(limits.max_nodes) : NO_NODE_LIMIT;
     t.plies[1].list_start = t.move_buffer.begin();
     t.iteration = u8{0};
@@ -65,6 +89,7 @@ MoveEntry* list_legal_moves(ThreadData& t) {
 
 // Tables, root evaluation and root moves; false when there is nothing to iterate on.
 bool prepare_root(ThreadData& t) {
+    auto& run = t.shared->run;
     reset_ordering(t);
     const bool checked = in_check(t.position);
     t.root_eval = evaluate_node(t, 1, checked);
@@ -82,7 +107,7 @@ bool prepare_root(ThreadData& t) {
         t.sel_depth = u8{1};
         t.best_depth = 1;
         if (is_main(t)) publish_result(t);
-        control.stop_flag = NO_LEGAL_MOVE;
+        t.shared->control.stop_flag = NO_LEGAL_MOVE;
         return false;
     }
     if (run.depth_limit < 1) {
@@ -99,6 +124,7 @@ bool prepare_root(ThreadData& t) {
 
 // A search that is stopped within its first iteration answers with the move that it tries first.
 void publish_first_guess(const ThreadData& t) {
+    auto& run = t.shared->run;
     const MoveEntry* best = t.plies[1].list_start;
     for (const MoveEntry* entry = best; entry->move != LIST_END; ++entry) {
         if (entry->order > best->order) best = entry;
@@ -116,7 +142,7 @@ bool root_move_at(const ThreadData& t, int position) {
 }
 
 // A mate within the depth is found, or the limit is reached.
-bool iterations_done(int depth) {
+bool iterations_done(const SearchRun& run, int depth) {
     return run.shared_score >= MATE - 1 - depth || run.shared_score < depth - (MATE - 1) ||
            depth >= run.depth_limit;
 }
@@ -124,8 +150,10 @@ bool iterations_done(int depth) {
 }  // namespace
 
 void iterate(ThreadData& t) {
+    auto& run = t.shared->run;
     if (!prepare_root(t) || decide_root(t)) return;
     publish_first_guess(t);
+    SearchListener* const listener = t.shared->listener;
     for (int depth = 1; depth <= MAX_ITERATION; ++depth) {
         t.iteration = u8(depth);
         run.current_depth = i8(depth);
@@ -133,29 +161,33 @@ void iterate(ThreadData& t) {
         const bool tell_lines = depth == 1 || run.multipv > 1;
         for (int i = 0; i < run.multipv && root_move_at(t, i); ++i) {
             root_search(t, depth, i);
-            if (stopped()) break;
-            if (tell_lines && output_due() && t.root_line[1] != NO_MOVE) {
-                print_info(t.index, i, depth, t.root_score, t.root_line);
+            if (stopped(t)) break;
+            if (tell_lines && t.root_line[1] != NO_MOVE) {
+                tell_line(t, {LineKind::ITERATION, t.index, i, depth, t.root_score, t.root_line});
             }
         }
-        if (run.multipv >= 2 && !options.uci_mode) engine_print("");
+        if (run.multipv >= 2 && listener) listener->on_lines_end(*t.shared);
         run.nodes_by_depth[depth].fetch_add(t.nodes, std::memory_order_relaxed);
-        if (stopped()) return;
+        if (stopped(t)) return;
         run.main_done_depth = i8(depth);
-        if (iterations_done(depth)) break;
+        if (iterations_done(run, depth)) break;
     }
     run.finished = true;
-    if (!stopped()) control.stop_flag = STOP;
+    if (!stopped(t)) t.shared->control.stop_flag = STOP;
 }
 
 namespace {
 
+constexpr int CROWDED_DEPTH = 6;        // above
+constexpr double CROWDED_SHARE = 0.65;  // of all threads
+
 // With most threads at this depth or beyond, another one helps more a ply deeper.
-bool depth_is_crowded(int depth) {
-    if (depth <= 6 || depth >= run.depth_limit || run.multipv != 1) return false;
+bool depth_is_crowded(const Searcher& s, int depth) {
+    const SearchRun& run = s.run;
+    if (depth <= CROWDED_DEPTH || depth >= run.depth_limit || run.multipv != 1) return false;
     int there = 0;
-    for (int i = 0; i < thread_total(); ++i) there += thread_data(i).iteration >= depth;
-    return there >= int(std::round(0.65 * thread_total() + 1));
+    for (int i = 0; i < thread_total(s); ++i) there += thread_data(s, i).iteration >= depth;
+    return there >= int(std::round(CROWDED_SHARE * thread_total(s) + 1));
 }
 
 // Worker threads see the root moves in slightly different orders.
@@ -168,25 +200,26 @@ void jitter_root_order(ThreadData& t) {
 }
 
 // The main search thread has decided about tablebases and is past the first iteration.
-bool main_thread_ahead() {
+bool main_thread_ahead(const SearchRun& run) {
     return run.root_decided.load(std::memory_order_acquire) && run.current_depth > 1;
 }
 
 }  // namespace
 
 void iterate_worker(ThreadData& t) {
+    auto& run = t.shared->run;
     if (!prepare_root(t)) return;
-    while (!main_thread_ahead() && !stopped()) sleep_ms(1);
+    while (!main_thread_ahead(run) && !stopped(t)) sleep_ms(1);
     if (run.root_tb_result != NO_TB_RESULT) return;
-    for (int depth = 1; depth <= MAX_ITERATION && !stopped(); ++depth) {
-        if (depth_is_crowded(depth)) ++depth;
+    for (int depth = 1; depth <= MAX_ITERATION && !stopped(t); ++depth) {
+        if (depth_is_crowded(*t.shared, depth)) ++depth;
         t.iteration = u8(depth);
         jitter_root_order(t);
-        for (int i = 0; i < run.multipv && root_move_at(t, i) && !stopped(); ++i) {
+        for (int i = 0; i < run.multipv && root_move_at(t, i) && !stopped(t); ++i) {
             root_search(t, depth, i);
         }
         run.nodes_by_depth[depth].fetch_add(t.nodes, std::memory_order_relaxed);
-        if (t.root_state != ABANDONED && iterations_done(depth)) return;
+        if (t.root_state != ABANDONED && iterations_done(run, depth)) return;
     }
 }
 

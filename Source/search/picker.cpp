@@ -24,10 +24,6 @@ bool takes_cheaper(const MoveEntry& entry) {
 
 constexpr Table<int, 7> VICTIM_ORDER = {{200, 210, 220, 220, 230, 240, 250}};
 
-constexpr int HASH_MOVE_ORDER = 255;
-constexpr int UNDERPROMOTION_ORDER = 15;
-constexpr int GOOD_CAPTURE_ORDER = 150;  // above: tried before the quiet moves
-constexpr int UNSORTED_ORDER = 3;        // at or below: the rest is taken as it stands
 constexpr int SORTED_MOVES = 16;
 
 int history_order(const ThreadData& t, const MoveEntry& entry) {
@@ -35,7 +31,8 @@ int history_order(const ThreadData& t, const MoveEntry& entry) {
 }
 
 int good_or_losing_capture_order(const Position& p, const MoveEntry& entry) {
-    if (entry.captured && loses_material(p, entry)) return type_of(entry.captured) + 4;
+    if (entry.captured && loses_material(p, entry))
+        return LOSING_CAPTURE_ORDER + type_of(entry.captured);
     if (entry.move & UNDERPROMOTION_MASK) return UNDERPROMOTION_ORDER;
     return capture_order(entry);
 }
@@ -58,19 +55,19 @@ int quiet_order(const ThreadData& t, const PlyRecord& record, const QuietHints& 
                 const MoveEntry& entry) {
     const int history = history_order(t, entry);
     const Move move = entry.move;
-    if (move == record.killer_null) return history + 50;
-    if (move == record.killer1) return history + 48;
-    if (move == record.killer2) return history + 46;
-    if (move == hints.counter1) return history + 44;
-    if (move == hints.counter2) return history + 42;
-    if (move == hints.followup) return history + 32;
+    if (move == record.killer_null) return history + NULL_KILLER_ORDER;
+    if (move == record.killer1) return history + KILLER1_ORDER;
+    if (move == record.killer2) return history + KILLER2_ORDER;
+    if (move == hints.counter1) return history + COUNTER1_ORDER;
+    if (move == hints.counter2) return history + COUNTER2_ORDER;
+    if (move == hints.followup) return history + FOLLOWUP_ORDER;
     return history;
 }
 
 int evasion_order(const PlyRecord& record, const QuietHints& hints, Move move) {
-    if (move == record.killer_evasion) return 90;
-    if (move == hints.counter1) return 70;
-    return move == hints.counter2 ? 60 : 0;
+    if (move == record.killer_evasion) return EVASION_KILLER_ORDER;
+    if (move == hints.counter1) return EVASION_COUNTER1_ORDER;
+    return move == hints.counter2 ? EVASION_COUNTER2_ORDER : 0;
 }
 
 // Ends the ply's list and gives each of its entries an order.
@@ -191,7 +188,7 @@ void score_moves(ThreadData& t, MoveEntry* list) {
                                  hints.counter2};
         int order = history_order(t, *entry);
         for (const Move good : favoured) {
-            if (move == good) order = history_order(t, *entry) + 40;
+            if (move == good) order = history_order(t, *entry) + GOOD_QUIET_ORDER;
         }
         if (entry->captured || (move & PROMOTE_QUEEN)) order = capture_order(*entry);
         if (move == record.hash_move) order = HASH_MOVE_ORDER;

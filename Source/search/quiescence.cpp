@@ -1,6 +1,15 @@
 // Quiescence search: captures and queen promotions until the position is quiet; on the first level
-// also quiet checks and pawns to the seventh rank. It stands on the evaluation that the node has
-// stored and reads no table.
+// also quiet checks and pawns to the seventh rank.
+//
+//   1  stand pat: the side need not capture, so the evaluation is a lower bound
+//   2  the moves: captures by victim and attacker, then quiet checks in the order of generation
+//   3  delta pruning: a capture that cannot bring the score near alpha is not tried
+//   4  exchange pruning: below the first level, nor is one that loses material
+//   5  the child, through search_node: in check it gets a full search of its evasions
+//
+// Most nodes of a search are these, so a node costs little: it stands on the evaluation that
+// search_node has stored, and neither reads nor writes the transposition table. What bounds the
+// tree is 3 and 4; a position with many mutual captures can still make it explode.
 
 #include <algorithm>
 
@@ -9,7 +18,7 @@
 #include "board/see.h"
 #include "search/picker.h"
 #include "search/search.h"
-#include "search/search_trace.h"
+#include "search/searcher.h"
 
 namespace quon {
 
@@ -100,33 +109,35 @@ bool exempt_from_delta(const Position& p, const MoveEntry& entry) {
 
 }  // namespace
 
-int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, int node_type) {
+int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, bool zero_window) {
     Position& p = t.position;
     PlyRecord& record = t.plies[ply];
+    // 1. Stand pat.
     const int eval = record.static_eval;
     if (eval >= beta) return beta;
     int best = std::max(eval, alpha);
-    const int margin = depth < 1 && node_type != 0 ? ZERO_WINDOW_MARGIN : DELTA_MARGIN;
+    const int margin = depth < 1 && zero_window ? ZERO_WINDOW_MARGIN : DELTA_MARGIN;
     const KingGuard guard = king_guard(p, false);
 
+    // 2. The moves.
     list_quiescence_captures(t, ply);
     QuiescencePicker picker{t, ply, depth >= 0, record.list_start};
     while (const MoveEntry* entry = picker.next()) {
         record.next_pick = entry;
+        // 3, 4. Delta and exchange pruning.
         const int check = gives_check(p, *entry);
         const bool hopeless = SEE_VALUE[type_of(entry->captured)] + eval <= best - margin;
         if (check == 0 && hopeless && !exempt_from_delta(p, *entry)) continue;
         if (depth < 1 && check != 2 && loses_material(p, *entry)) continue;
         if (!is_legal(p, entry->move, guard)) continue;
 
+        // 5. The child.
         trace_before_make(t, entry->move);
         make_move(p, entry->move);
-        const int score = -search_node(t, ply + 1, depth - 1, -beta, -best, -node_type);
+        const int score = -search_node(t, ply + 1, depth - 1, -beta, -best, zero_window);
         unmake_move(p);
         if (score <= best) continue;
-        auto& line = t.pv[ply];
-        line[ply] = entry->move;
-        line[ply + 1] = NO_MOVE;
+        end_line(t, ply, entry->move);
         if (score >= beta) return score;
         extend_line(t, ply);
         best = score;

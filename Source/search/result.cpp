@@ -2,27 +2,25 @@
 
 #include "search/result.h"
 
-#include "frontend/engine_options.h"
-#include "search/control.h"
-#include "search/report.h"
 #include "search/score.h"
+#include "search/searcher.h"
 
 namespace quon {
 
-namespace {
-
-constexpr int OPEN_SCORE = 9898;  // up to here a deeper result replaces any score
-
-}  // namespace
+void tell_line(const ThreadData& t, const SearchLine& line) {
+    Searcher& s = *t.shared;
+    if (s.listener) s.listener->on_line(s, line);
+}
 
 void publish_result(ThreadData& t) {
+    auto& run = t.shared->run;
     const int score = t.root_score;
     const int depth = t.best_depth;
     {
         const std::lock_guard lock(run.result_mutex);
         const int shown = run.shared_score;
         const bool better = (score >= CERTAIN_MATE && score >= shown) ||
-                            (depth > run.shared_depth && shown <= OPEN_SCORE) ||
+                            (depth > run.shared_depth && shown <= LAST_OPEN_SCORE) ||
                             (depth == run.shared_depth && score > shown);
         if (better) {
             const bool first = run.shared_depth == 0;
@@ -34,9 +32,9 @@ void publish_result(ThreadData& t) {
             run.move_by_depth[depth] = t.root_line[1].get();
         }
     }
-    const bool due = stopped() ? options.output_delay != NEVER : output_due();
-    if (depth > 1 && run.multipv == 1 && due && run.shared_line[1] != NO_MOVE) {
-        print_info(t.index, -1, run.shared_depth, run.shared_score, run.shared_line);
+    if (depth > 1 && run.multipv == 1 && run.shared_line[1] != NO_MOVE) {
+        tell_line(t, {LineKind::RESULT, t.index, -1, run.shared_depth, run.shared_score,
+                      run.shared_line});
     }
 }
 

@@ -5,12 +5,11 @@
 #include <mutex>
 
 #include "board/position.h"
-#include "frontend/engine_options.h"
-#include "platform/relaxed.h"
+#include "search/depths.h"
+#include "search/settings.h"
+#include "support/relaxed.h"
 
 namespace quon {
-
-constexpr int MAX_ITERATION = 68;
 
 // A principal variation: entry 1 is the best move, entry 2 the expected reply, 0 ends it.
 using Line = Table<Relaxed<Move>, MAX_PLY>;
@@ -50,13 +49,6 @@ struct SearchRun {
     int second_score = 0;  // second-best root score of the iteration; the main search thread's own
     Relaxed<int> root_tb_result = NO_TB_RESULT;  // of the tablebases, for the side to move
     std::atomic<bool> root_decided = false;      // set behind root_tb_result: workers may read it
-
-    std::mutex output_mutex;  // one info line, or one currmove block, at a time
 };
-
-extern SearchRun run;
-
-// The game on the board: what the front end sets up and every search starts from.
-extern Game game;
 
 }  // namespace quon

@@ -8,22 +8,19 @@
 #include "board/fen.h"
 #include "board/legality.h"
 #include "board/make.h"
-#include "eval/eval_params.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
 #include "platform/clock.h"
-#include "search/control.h"
 #include "search/history.h"
 #include "search/picker.h"
 #include "search/search.h"
+#include "search/searcher.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "support/format.h"
 
 namespace quon {
 
 namespace {
 
-constexpr int MIN_ELO = 1500;
 constexpr int WALK_DEPTH = 8;
 constexpr int WALK_MOVES = 6;
 constexpr double WALK_SECONDS = 0.4;
@@ -48,8 +45,8 @@ bool walk(ThreadData& t, int ply, int depth, u64& nodes) {
         unmake_move(t.position);
         if (!go_on) return false;
         if (depth >= 4) {
-            update_elapsed();
-            if (run.elapsed > WALK_SECONDS) return false;
+            update_elapsed(t.shared->run);
+            if (t.shared->run.elapsed > WALK_SECONDS) return false;
         }
         if (++searched == WALK_MOVES) break;
     }
@@ -62,42 +59,29 @@ double elo_to_nps(double elo) { return std::exp((elo - 1337) / 111) + 20; }
 
 double nps_to_elo(double nps) { return std::log(nps - 20) * 111 + 1337; }
 
-void calibrate() {
-    position_from_fen(game.position, START_FEN);
+Calibration calibrate(Searcher& s) {
+    set_start_position(s.game.position);
+    SearchRun& run = s.run;
     run.start_time = monotonic_seconds();
     run.elapsed = 0.0;
-    ThreadData& t = thread_data(0);
+    ThreadData& t = thread_data(s, 0);
     thread_prepare(t);
     reset_ordering(t);
     u64 nodes = 0;
     walk(t, 1, WALK_DEPTH, nodes);
-    update_elapsed();
-    options.calibration_nps = double(nodes) * 0.51 / (run.elapsed + 0.001);
-    // A machine too slow for the formula still gets a finite scale.
-    options.elo_max = nps_to_elo(std::max(options.calibration_nps, MIN_NPS));
-    engine_print(format("info string et= %.3f, nodes= %.0f, nps= %0.0f", run.elapsed.get(),
-                        double(nodes), options.calibration_nps));
-}
-
-void set_elo(int value) {
-    int elo = std::max(value, MIN_ELO);
-    if (elo < 0.99 * options.elo_max) {
-        options.target_nps = elo_to_nps(elo);
-    } else {
-        options.target_nps = NO_NPS_LIMIT;
-        elo = int(options.elo_max);
-    }
-    params.elo = i16(elo);
-    engine_print(format("info string UCI_Elo set to %d", elo));
-    engine_print(format("info string calibration nps = %.0f", options.calibration_nps));
-    engine_print(format("info string target nps = %.0f", options.target_nps.get()));
+    update_elapsed(run);
+    return {.seconds = run.elapsed,
+            .nodes = nodes,
+            .nps = double(nodes) * 0.51 / (run.elapsed + 0.001)};
 }
 
 void throttle(const ThreadData& t) {
-    while (!stopped() && options.target_nps < NO_NPS_LIMIT && run.current_depth > 1) {
-        if (options.target_nps >= double(t.nodes) / run.elapsed) return;
+    SearchRun& run = t.shared->run;
+    const Relaxed<double>& target_nps = t.shared->settings.target_nps;
+    while (!stopped(t) && target_nps < NO_NPS_LIMIT && run.current_depth > 1) {
+        if (target_nps >= double(t.nodes) / run.elapsed) return;
         sleep_ms(1);
-        update_elapsed();
+        update_elapsed(run);
     }
 }
 

@@ -10,23 +10,17 @@
 #include <algorithm>
 
 #include "board/legality.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
-#include "search/control.h"
+#include "search/depths.h"
 #include "search/result.h"
 #include "search/score.h"
+#include "search/searcher.h"
 
 namespace quon {
 
 namespace {
 
-constexpr int ROOT_DEPTH = 70;            // of the root's probes
 constexpr int LARGE_TABLE = 6;            // pieces from which syzygy_probe_depth6 counts
 constexpr int PLAY_TABLE_MOVE_AFTER = 6;  // fifty-move count up to which a search chooses the move
-constexpr int TB_WIN_SCORE = 9799;
-constexpr int TB_LOSS_SCORE = -9800;
-// Marks a result of the tables: no search gets there.
-constexpr int TABLE_DEPTH = MAX_ITERATION + 1;
 
 bool probing_allowed(const Position& p) {
     return popcount64(occupied(p)) <= tb_largest && p.castle == 0;
@@ -44,23 +38,24 @@ Move move_of_result(u32 result) {
 }
 
 int probe_at(ThreadData& t, int ply, int depth) {
-    const int result = tb_wdl(t.position, depth);
+    const int result = tb_wdl(t.shared->settings, t.position, depth);
     t.plies[ply].tb_result = result;
     if (result != NO_TB_RESULT) t.tb_hits.add(1);
     return result;
 }
 
 void publish_table_move(ThreadData& t, Move move) {
+    auto& run = t.shared->run;
     t.tb_hits.add(1);
     t.root_line = {};
     t.root_line[1] = move;
     t.root_score = i16(score_of_result(run.root_tb_result, 0));
-    t.best_depth = TABLE_DEPTH;
+    t.best_depth = TB_RESULT_DEPTH;
     t.iteration = u8{1};
     t.sel_depth = u8{2};
     publish_result(t);
     run.finished = true;
-    if (!stopped()) control.stop_flag = STOP;
+    if (!stopped(t)) t.shared->control.stop_flag = STOP;
 }
 
 }  // namespace
@@ -80,15 +75,9 @@ ProbePosition probe_position(const Position& p, int fifty) {
             .turn = p.side == WHITE ? u8{1} : u8{0}};
 }
 
-void tb_set_path(std::string path) {
-    options.syzygy_path = path.empty() ? "." : std::move(path);
-    engine_print("info string SyzygyPath set to '" + options.syzygy_path + "'");
-    tb_init(options.syzygy_path);
-}
-
-int tb_wdl(const Position& p, int depth) {
-    if (depth < options.syzygy_probe_depth5 || !probing_allowed(p)) return NO_TB_RESULT;
-    if (popcount64(occupied(p)) == LARGE_TABLE && depth < options.syzygy_probe_depth6) {
+int tb_wdl(const SearchSettings& settings, const Position& p, int depth) {
+    if (depth < settings.syzygy_probe_depth5 || !probing_allowed(p)) return NO_TB_RESULT;
+    if (popcount64(occupied(p)) == LARGE_TABLE && depth < settings.syzygy_probe_depth6) {
         return NO_TB_RESULT;
     }
     int success = 0;
@@ -108,15 +97,16 @@ int tb_root(const Position& p, int& out_wdl, int& out_dtz, Move& out_move) {
 }
 
 bool decide_root(ThreadData& t) {
+    auto& run = t.shared->run;
     const Position& p = t.position;
     Move root_tb_move = NO_MOVE;
     int result = NO_TB_RESULT;
-    if (options.syzygy_probe_depth5 <= ROOT_DEPTH && probing_allowed(p)) {
+    if (t.shared->settings.syzygy_probe_depth5 <= TB_ROOT_DEPTH && probing_allowed(p)) {
         int wdl = 0;
         int dtz = 0;
         result = tb_root(p, wdl, dtz, root_tb_move);
     }
-    if (result == NO_TB_RESULT) result = tb_wdl(p, ROOT_DEPTH);
+    if (result == NO_TB_RESULT) result = tb_wdl(t.shared->settings, p, TB_ROOT_DEPTH);
     run.root_tb_result = result;
     run.root_decided.store(true, std::memory_order_release);
     t.plies[1].tb_result = result;
@@ -126,7 +116,7 @@ bool decide_root(ThreadData& t) {
     return play;
 }
 
-bool probe_tables(ThreadData& t, int ply, int depth, int alpha, int beta, int& score) {
+bool tb_probe(ThreadData& t, int ply, int depth, int alpha, int beta, int& score) {
     const int parent = t.plies[ply - 1].tb_result;
     if (parent != NO_TB_RESULT) {
         const int result = probe_at(t, ply, depth);
@@ -135,7 +125,7 @@ bool probe_tables(ThreadData& t, int ply, int depth, int alpha, int beta, int& s
             return true;
         }
     }
-    if (t.position.fifty == 0 && run.root_tb_result == NO_TB_RESULT) {
+    if (t.position.fifty == 0 && t.shared->run.root_tb_result == NO_TB_RESULT) {
         const int result = probe_at(t, ply, depth);
         if (result != NO_TB_RESULT) {
             score = std::max(alpha, score_of_result(result, ply));

@@ -17,6 +17,8 @@ constexpr int PLY_RECORDS = MAX_PLY + 4;
 // What the move picker does next.
 enum class PickStage : u8 { START, CAPTURES, PICK_CAPTURES, PICK_ALL, REST };
 
+struct Searcher;
+
 // The state of one node on the current path.
 struct PlyRecord : EvalNotes {
     int depth;  // remaining at node entry, plies
@@ -43,6 +45,8 @@ enum RootState : u8 { ROOT_NORMAL = 0, FAIL_LOW = 1, FAIL_HIGH = 2, ABANDONED = 
 enum ThreadWork : int { IDLE = 0, SEARCHING = 1, LEAVE = 99 };
 
 struct ThreadData : Game {
+    Searcher* shared;  // the instance that the thread searches for
+
     Table<PlyRecord, PLY_RECORDS> plies;
     Table<Table<Move, PLY_RECORDS>, PLY_RECORDS> pv;  // pv[ply][ply..]: the line from that node on
     Table<MoveEntry, PLY_RECORDS * MAX_LIST>
@@ -55,6 +59,8 @@ struct ThreadData : Game {
     Table<Table<Move, 64>, 16> followup;
 
     EvalState eval;
+
+    EvalTrace* eval_trace;  // takes the root's evaluation apart; mostly nullptr
 
     Line root_line;
     int index;                   // 0: the main search thread, which alone publishes and prints
@@ -87,7 +93,8 @@ inline bool is_main(const ThreadData& t) { return t.index == 0; }
 inline int evaluate_node(ThreadData& t, int ply, bool in_check) {
     PlyRecord& record = t.plies[ply];
     record.threat = {};
-    return evaluate(t.eval, t.position, record, {ply, in_check, t.iteration != 0, is_main(t)});
+    return evaluate(t.eval, t.position, record,
+                    {ply, in_check, t.iteration != 0, ply == 1 ? t.eval_trace : nullptr});
 }
 
 }  // namespace quon

@@ -4,58 +4,57 @@
 #include "search/threads.h"
 
 #include <exception>
-#include <memory>
+#include <functional>
 #include <new>
-#include <thread>
+#include <string>
 
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
 #include "platform/events.h"
-#include "platform/topology.h"
-#include "search/control.h"
 #include "search/search.h"
+#include "search/searcher.h"
+#include "support/format.h"
 
 namespace quon {
 
 namespace {
-
-struct SearchThread {
-    std::thread worker;
-    std::unique_ptr<ThreadData> data;
-    std::atomic<int> started = 0;  // 1 the record is there, -1 there is no memory for it
-};
-
-SearchThread pool[MAX_THREADS];
-int pool_size = 0;
 
 void set_work(ThreadData& t, ThreadWork work) {
     t.searching.store(work, std::memory_order_release);
     t.searching.notify_all();
 }
 
-void place_on_node(int index) {
-    const int node = numa_node_for(index);
+void tell(const Searcher& s, const std::string& message) {
+    if (s.listener) s.listener->on_message(message);
+}
+
+void place_on_node(const Searcher& s, int index) {
+    const auto topology = read_topology();
+    if (!topology) return;
+    if (index == 0) {
+        tell(s, format("nodes=%d, cores=%d, threads=%d\n", topology->nodes, topology->cores,
+                       topology->logical));
+    }
+    const int node = numa_node_for(*topology, index);
     if (node < 0) return;
     if (const auto group = bind_thread_to_node(node)) {
-        print_unlogged(format("thread %d, set group affinity to %d\n", index, *group));
+        tell(s, format("thread %d, set group affinity to %d\n", index, *group));
     }
 }
 
 // The record is allocated by its own thread, on its own node.
-ThreadData* create_record(int index) {
+ThreadData* create_record(Searcher& s, int index) {
     ThreadData* t = new (std::nothrow) ThreadData();
     if (!t) return nullptr;
-    t->position.owner = t;
+    t->shared = &s;
     t->index = index;
     t->seed = u32(index) * 123;
     t->jitter_range = index < 8 ? 12 : 24;
     return t;
 }
 
-void search_thread_main(int index) {
-    SearchThread& self = pool[index];
-    if (options.numa) place_on_node(index);
-    self.data.reset(create_record(index));
+void search_thread_main(Searcher& s, int index) {
+    SearchThread& self = s.pool.threads[index];
+    if (s.settings.numa) place_on_node(s, index);
+    self.data.reset(create_record(s, index));
     self.started = self.data ? 1 : -1;
     self.started.notify_all();
     if (!self.data) return;
@@ -75,65 +74,68 @@ void search_thread_main(int index) {
 }
 
 // Threads are created one after another, so that what they print comes in order.
-bool create_thread(int index) {
-    SearchThread& thread = pool[index];
+bool create_thread(Searcher& s, int index) {
+    SearchThread& thread = s.pool.threads[index];
     thread.started = 0;
     try {
-        thread.worker = std::thread(search_thread_main, index);
+        thread.worker = std::thread(search_thread_main, std::ref(s), index);
     } catch (const std::exception&) {
         return false;
     }
-    ++pool_size;
+    ++s.pool.size;
     thread.started.wait(0);
     return thread.started == 1;
 }
 
 }  // namespace
 
-ThreadData& thread_data(int index) { return *pool[index].data; }
-int thread_total() { return pool_size; }
+ThreadData& thread_data(const Searcher& s, int index) { return *s.pool.threads[index].data; }
+int thread_total(const Searcher& s) { return s.pool.size; }
 
-bool create_threads(int count) {
+bool create_threads(Searcher& s, int count) {
     for (int i = 0; i < count; ++i) {
-        if (create_thread(i)) continue;
-        destroy_threads();
+        if (create_thread(s, i)) continue;
+        destroy_threads(s);
         return false;
     }
     return true;
 }
 
-void destroy_threads() {
-    control.stop_flag = EXIT_THREADS;
-    wait_for_idle_threads();
-    for (int i = 0; i < pool_size; ++i) {
-        if (pool[i].data) set_work(*pool[i].data, LEAVE);
-        pool[i].worker.join();
-        pool[i].data.reset();
+void destroy_threads(Searcher& s) {
+    s.control.stop_flag = EXIT_THREADS;
+    wait_for_idle_threads(s);
+    for (int i = 0; i < s.pool.size; ++i) {
+        SearchThread& thread = s.pool.threads[i];
+        if (thread.data) set_work(*thread.data, LEAVE);
+        thread.worker.join();
+        thread.data.reset();
     }
-    pool_size = 0;
+    s.pool.size = 0;
 }
 
-void start_search_threads() {
-    for (int i = 0; i < pool_size; ++i) thread_prepare(thread_data(i));
-    for (int i = 0; i < pool_size; ++i) set_work(thread_data(i), SEARCHING);
+void start_search_threads(Searcher& s) {
+    for (int i = 0; i < s.pool.size; ++i) thread_prepare(thread_data(s, i));
+    for (int i = 0; i < s.pool.size; ++i) set_work(thread_data(s, i), SEARCHING);
 }
 
-int busy_threads() {
+int busy_threads(const Searcher& s) {
     int busy = 0;
-    for (int i = 0; i < pool_size; ++i) {
-        busy += pool[i].data && pool[i].data->searching.load(std::memory_order_acquire) != IDLE;
+    for (int i = 0; i < s.pool.size; ++i) {
+        const auto& data = s.pool.threads[i].data;
+        busy += data && data->searching.load(std::memory_order_acquire) != IDLE;
     }
     return busy;
 }
 
-void wait_for_idle_threads() {
-    for (int i = 0; i < pool_size; ++i) {
-        if (pool[i].data) pool[i].data->searching.wait(SEARCHING, std::memory_order_acquire);
+void wait_for_idle_threads(const Searcher& s) {
+    for (int i = 0; i < s.pool.size; ++i) {
+        const auto& data = s.pool.threads[i].data;
+        if (data) data->searching.wait(SEARCHING, std::memory_order_acquire);
     }
 }
 
-void search_in_main_thread(const std::function<bool()>& keep_on) {
-    ThreadData& t = thread_data(0);
+void search_in_main_thread(Searcher& s, const std::function<bool()>& keep_on) {
+    ThreadData& t = thread_data(s, 0);
     thread_prepare(t);
     if (keep_on) {
         t.keep_on = &keep_on;
@@ -142,18 +144,12 @@ void search_in_main_thread(const std::function<bool()>& keep_on) {
     iterate(t);
 }
 
-int numa_node_for(int index) {
-    const auto topology = read_topology();
-    if (!topology) return -1;
-    if (index == 0) {
-        print_unlogged(format("nodes=%d, cores=%d, threads=%d\n", topology->nodes, topology->cores,
-                              topology->logical));
-    }
-    const int per_node = topology->cores / topology->nodes;
-    const int core_slots = per_node * topology->nodes;
+int numa_node_for(const Topology& topology, int index) {
+    const int per_node = topology.cores / topology.nodes;
+    const int core_slots = per_node * topology.nodes;
     if (index < core_slots) return index / per_node;
     const int extra = index - core_slots;
-    return extra < topology->logical - topology->cores ? extra % topology->nodes : -1;
+    return extra < topology.logical - topology.cores ? extra % topology.nodes : -1;
 }
 
 }  // namespace quon

@@ -5,19 +5,11 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "board/fen.h"
 #include "board/keys.h"
-#include "eval/eval_params.h"
-#include "eval/eval_tables.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
 #include "platform/clock.h"
-#include "search/control.h"
-#include "search/hash.h"
-#include "search/run.h"
 #include "search/score.h"
-#include "search/search_params.h"
-#include "search/threads.h"
+#include "search/searcher.h"
+#include "support/format.h"
 
 namespace quon {
 
@@ -27,12 +19,13 @@ constexpr double LEAST_TARGET = 0.002;  // seconds
 constexpr double CHECK_AFTER = 0.02;    // seconds
 constexpr double LEAST_GRACE = 0.05;    // seconds past the time, for a search without a result
 
-void reset_run() {
-    if (!params.limit_strength) options.target_nps = NO_NPS_LIMIT;
-    run.root_side = game.position.side;
-    run.root_key = full_key(game.position);
-    run.multipv = options.multipv;
-    run.depth_limit = limits.depth_limit;
+void reset_run(Searcher& s) {
+    SearchRun& run = s.run;
+    if (!s.params.limit_strength) s.settings.target_nps = NO_NPS_LIMIT;
+    run.root_side = s.game.position.side;
+    run.root_key = full_key(s.game.position);
+    run.multipv = s.settings.multipv;
+    run.depth_limit = s.limits.depth_limit;
     run.finished = false;
     run.shared_score = i16(NO_SCORE);
     run.shared_depth = i8{0};
@@ -46,9 +39,9 @@ void reset_run() {
     run.main_done_depth = i8{0};
     run.root_tb_result = NO_TB_RESULT;
     run.root_decided = false;
-    hash_start_search(game.game_ply + 1);
-    control.stop_flag = RUN;
-    control.search_mode = control.go_request;
+    hash_start_search(s.hash, s.game.game_ply + 1, s.settings.hash_mode != 0);
+    s.control.stop_flag = RUN;
+    s.control.search_mode = s.control.go_request;
 }
 
 // How the clock is shared out: the part of it for one move, and whether pondering may stretch that.
@@ -57,24 +50,21 @@ struct Share {
     bool stretch;
 };
 
-Share clock_share() {
-    const int ply = game.game_ply;
+Share clock_share(const SearchLimits& limits, int game_ply) {
     if (limits.time_mode == CLOCK_TIME) {
-        limits.moves_to_go = i16(ply < 30 ? 38 - ply / 2 : 24);
-        return {limits.moves_to_go + 1, true};
-    }
-    if (!options.uci_mode) {
-        limits.moves_to_go = i16(limits.time_mode - ply / 2 % limits.time_mode);
+        const int moves_to_go = game_ply < 30 ? 38 - game_ply / 2 : 24;
+        return {moves_to_go + 1, true};
     }
     return {limits.moves_to_go + 1, limits.moves_to_go > 2};
 }
 
-double target_from_clock() {
-    const Share share = clock_share();
-    const double clock = limits.clock[run.root_side];
+double target_from_clock(const Searcher& s) {
+    const SearchLimits& limits = s.limits;
+    const Share share = clock_share(limits, s.game.game_ply);
+    const double clock = limits.clock[s.run.root_side];
     const double overhead = limits.move_overhead;
     double target = clock / share.divisor;
-    if (options.ponder_option && share.stretch) target *= 1.3;
+    if (s.settings.ponder_option && share.stretch) target *= 1.3;
     if (limits.increment > 0 && clock > 4 * overhead) {
         target += limits.increment * clock / (2 * limits.increment + clock);
     }
@@ -83,37 +73,24 @@ double target_from_clock() {
     return std::max(LEAST_TARGET, target);
 }
 
-void report_start() {
-    if (options.output_delay == NEVER) return;
-    const std::string fen = position_to_fen(game.position);
-    const int ply = game.game_ply;
-    if (options.uci_mode) {
-        log_line("info string fen " + fen);
-        log_line(format("info string ply= %d, trg_time= %0.3f sec", ply, run.target_time));
-    } else {
-        engine_print("fen " + fen);
-        engine_print(format("Ply= %d, Clock= %0.2fs  Target time= %0.2fs", ply,
-                            limits.clock[run.root_side], run.target_time));
-    }
-}
-
 }  // namespace
 
-void time_setup() {
+void time_setup(Searcher& s) {
+    SearchRun& run = s.run;
     run.start_time = monotonic_seconds();
     run.elapsed = 0.0;
-    if (limits.depth_limit > 2) {
-        init_eval_tables();
-        apply_search_params();
+    if (s.limits.depth_limit > 2) {
+        init_eval_tables(s.eval_tables, s.params);
+        apply_search_params(s.search_params, s.params);
     }
-    reset_run();
-    if (limits.time_mode == FIXED_TIME) {
-        run.target_time = limits.fixed_time;
-        limits.clock[run.root_side] = limits.fixed_time;
+    reset_run(s);
+    if (s.limits.time_mode == FIXED_TIME) {
+        run.target_time = s.limits.fixed_time;
+        s.limits.clock[run.root_side] = s.limits.fixed_time;
     } else {
-        run.target_time = target_from_clock();
+        run.target_time = target_from_clock(s);
     }
-    report_start();
+    if (s.listener) s.listener->on_start(s);
 }
 
 namespace {
@@ -131,12 +108,13 @@ DropThresholds drop_thresholds(int previous) {
 }
 
 // What the threads think of the best move, in percent of the remaining time.
-int disagreement(int depth) {
+int disagreement(const Searcher& s, int depth) {
+    const SearchRun& run = s.run;
     int doubt = 0;
     const Move best = run.shared_line[1];
     const int shared = run.shared_score;
-    for (int i = 0; i < thread_total(); ++i) {
-        const ThreadData& t = thread_data(i);
+    for (int i = 0; i < thread_total(s); ++i) {
+        const ThreadData& t = thread_data(s, i);
         if (t.iteration < depth) continue;
         if (t.root_line[1] == best) {
             if (t.root_score < shared && t.root_state == FAIL_LOW) doubt = 20;
@@ -148,11 +126,12 @@ int disagreement(int depth) {
     return doubt;
 }
 
-int instability(int depth) {
+int instability(const Searcher& s, int depth) {
+    const SearchRun& run = s.run;
     const int previous = run.score_by_depth[depth - 1];
     const int shared = run.shared_score;
     const DropThresholds drop = drop_thresholds(previous);
-    int doubt = disagreement(depth);
+    int doubt = disagreement(s, depth);
     if (shared < previous - drop.big) {
         doubt = 20;
     } else if (shared < previous - 2 * drop.small) {
@@ -166,31 +145,36 @@ int instability(int depth) {
 
 // Before a result of depth 2 a search goes past its time, but not far: where captures explode, the
 // first iteration could take hours.
-bool far_past_time() {
+bool far_past_time(const Searcher& s) {
+    const SearchLimits& limits = s.limits;
     const double grace = std::max(limits.move_overhead, LEAST_GRACE);
-    double limit = 2 * run.target_time;
+    double limit = 2 * s.run.target_time;
     if (limits.time_mode != FIXED_TIME) {
-        limit = std::clamp(limits.clock[run.root_side] - 2 * grace, 0.0, limit);
+        limit = std::clamp(limits.clock[s.run.root_side] - 2 * grace, 0.0, limit);
     }
-    return run.elapsed >= limit + grace;
+    return s.run.elapsed >= limit + grace;
 }
 
-void time_is_up() { control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT; }
+void time_is_up(SearchControl& control) {
+    control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT;
+}
 
-bool move_is_easy() {
+bool move_is_easy(const SearchRun& run) {
     return run.easy_state == 1 || (run.easy_state == 2 && run.elapsed >= run.target_time * 0.5);
 }
 
 }  // namespace
 
-void update_elapsed() { run.elapsed = monotonic_seconds() - run.start_time; }
+void update_elapsed(SearchRun& run) { run.elapsed = monotonic_seconds() - run.start_time; }
 
-void time_check() {
-    update_elapsed();
+void time_check(Searcher& s) {
+    SearchRun& run = s.run;
+    const SearchLimits& limits = s.limits;
+    update_elapsed(run);
     const int depth = run.current_depth;
-    if (control.stop_flag != RUN || control.search_mode == GO_PONDER) return;
+    if (stopped(s) || s.control.search_mode == GO_PONDER) return;
     if (run.shared_depth < 2 || depth < 2) {
-        if (far_past_time()) time_is_up();
+        if (far_past_time(s)) time_is_up(s.control);
         return;
     }
     const double remaining = std::max(limits.clock[run.root_side] - run.elapsed, 0.0);
@@ -200,13 +184,13 @@ void time_check() {
         limits.time_mode != FIXED_TIME && remaining < 5 * limits.move_overhead;
     if (run.elapsed < CHECK_AFTER && !clock_nearly_gone) return;
 
-    const int doubt = instability(depth);
+    const int doubt = instability(s, depth);
     double limit = run.target_time + doubt * 0.01 * remaining;
     if (limits.time_mode != FIXED_TIME) {
         if (doubt == 0 && depth > 7 && depth - 3 > run.change_depth) limit *= 0.85;
         limit -= limits.move_overhead;
     }
-    if (run.elapsed >= limit || move_is_easy() || clock_nearly_gone) time_is_up();
+    if (run.elapsed >= limit || move_is_easy(run) || clock_nearly_gone) time_is_up(s.control);
 }
 
 }  // namespace quon

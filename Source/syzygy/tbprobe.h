@@ -1,10 +1,11 @@
 #pragma once
 // Endgame tablebases: what the tables know about positions of at most six pieces.
 
+#include <optional>
 #include <string>
 
 #include "board/types.h"
-#include "platform/relaxed.h"
+#include "support/relaxed.h"
 
 namespace quon {
 
@@ -37,8 +38,8 @@ constexpr int result_dtz(u32 result) { return int(result >> 20); }
 extern Relaxed<int> tb_largest;
 
 // Releases all tables, then registers those in the directories of the path (split at ";") and
-// prints their number. An empty path or "<empty>" registers none. No thread may be probing.
-void tb_init(const std::string& path);
+// returns their number. An empty path or "<empty>" asks for none. No thread may be probing.
+std::optional<int> tb_init(const std::string& path);
 
 // Win/draw/loss for the side to move, -2 (loss), -1 (loss saved by the fifty-move rule), 0, 1 (win
 // spoiled by it), 2 (win). The position is legal and has no castling rights. out_success becomes 0

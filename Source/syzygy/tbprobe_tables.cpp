@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
@@ -12,7 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "frontend/output.h"
+#include "support/format.h"
+#include "support/status_line.h"
 
 namespace quon {
 
@@ -69,15 +69,15 @@ std::mutex load_mutex;
 
 // Search threads may be running: nothing is torn down.
 [[noreturn]] void end_at_once(const std::string& message) {
-    std::fprintf(stderr, "%s\n", message.c_str());
+    error_line(message);
     std::_Exit(EXIT_FAILURE);
 }
 
-void report_damage() { std::fprintf(stderr, "Corrupted table.\n"); }
+void report_damage() { error_line("Corrupted table."); }
 
 void release(MappedFile file) {
     const int error = unmap_file(file);
-    if (error != 0) std::fprintf(stderr, "unmap failed, error code %d\n", error);
+    if (error != 0) error_line(format("unmap failed, error code %d", error));
 }
 
 void release(std::unique_ptr<TableFile>& table) {
@@ -205,7 +205,7 @@ void load_wdl(RegisteredTable& table) {
     if (table.state.load(std::memory_order_relaxed) != TableState::NOT_LOADED) return;
     const std::string path = find_file(table.name, WDL_SUFFIX);
     if (path.empty()) {
-        std::fprintf(stderr, "Could not find %s%s\n", table.name.c_str(), WDL_SUFFIX);
+        error_line(format("Could not find %s%s", table.name.c_str(), WDL_SUFFIX));
     } else {
         table.wdl = load_file(table, TableKind::WDL, path, WDL_SUFFIX);
     }
@@ -235,12 +235,12 @@ DtzCacheEntry& cached_dtz(int index) {
 
 }  // namespace
 
-void tb_init(const std::string& path) {
+std::optional<int> tb_init(const std::string& path) {
     release_tables();
-    if (path.empty() || path == "<empty>") return;
+    if (path.empty() || path == "<empty>") return std::nullopt;
     split_path(path);
     for (const SideSizes& sizes : MATERIALS) register_materials(sizes.stronger, sizes.weaker);
-    print_unlogged(format("info string found %d tablebases\n", piece_tables + pawn_tables));
+    return piece_tables + pawn_tables;
 }
 
 TableUse wdl_table(const ProbePosition& position) {

@@ -3,17 +3,18 @@
 #include "tools/bench.h"
 
 #include "board/fen.h"
-#include "frontend/engine_options.h"
+#include "engine/engine.h"
 #include "frontend/input.h"
 #include "frontend/output.h"
+#include "frontend/search_report.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "search/control.h"
 #include "search/hash.h"
-#include "search/report.h"
 #include "search/run.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "support/format.h"
 
 namespace quon {
 
@@ -48,44 +49,46 @@ constexpr double SECONDS_PER_POSITION = 99;
 
 constexpr int SHORT_RUN = 10;
 
-void search_with_all_threads() {
-    start_search_threads();
-    while (busy_threads() != 0) {
-        time_check();
-        process_input();
+void search_with_all_threads(Engine& engine) {
+    start_search_threads(engine);
+    while (busy_threads(engine) != 0) {
+        time_check(engine);
+        process_input(engine);
         wait_for_event(1, !input_ended());
     }
 }
 
 }  // namespace
 
-void run_bench(int variant, bool single_thread) {
+void run_bench(Engine& engine, int variant, bool single_thread) {
     leave_output_if(quit_comes);
-    limits.fixed_time = SECONDS_PER_POSITION;
-    options.output_delay = NEVER;
-    if (single_thread || limits.depth_limit > DEEPEST_REQUEST) limits.depth_limit = BENCH_DEPTH;
-    engine_print(format("%s running benchmark using %d threads", ENGINE_NAME, options.threads));
+    engine.limits.fixed_time = SECONDS_PER_POSITION;
+    engine.options.output_delay = NEVER;
+    if (single_thread || engine.limits.depth_limit > DEEPEST_REQUEST)
+        engine.limits.depth_limit = BENCH_DEPTH;
+    engine_print(
+        format("%s running benchmark using %d threads", ENGINE_NAME, engine.settings.threads));
     double total_time = 0.01;
     double total_nodes = 0;
     const int count = variant == 1 ? SHORT_RUN : BENCH_POSITIONS;
     for (int i = 0; i < count && !output_lost(); ++i) {
-        position_from_fen(game.position, bench_positions[i]);
-        hash_clear();
-        time_setup();
+        (void)position_from_fen(engine.game.position, bench_positions[i]);
+        hash_clear(engine.hash);
+        begin_search(engine);
         if (single_thread) {
-            search_in_main_thread();
+            search_in_main_thread(engine);
         } else {
-            search_with_all_threads();
+            search_with_all_threads(engine);
         }
-        const double elapsed = monotonic_seconds() - run.start_time;
-        collect_stats();
-        total_nodes += double(totals.nodes);
+        const double elapsed = monotonic_seconds() - engine.run.start_time;
+        collect_stats(engine);
+        total_nodes += double(engine.totals.nodes);
         total_time += elapsed;
         engine_print(format("pos %2d: %6.2f seconds", i, elapsed));
     }
     engine_print(format("total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time,
                         total_nodes, total_nodes / total_time));
-    control.quit_requested = true;
+    engine.control.quit_requested = true;
 }
 
 }  // namespace quon

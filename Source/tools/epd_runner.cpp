@@ -5,19 +5,23 @@
 
 #include "board/fen.h"
 #include "board/move_text.h"
+#include "engine/engine.h"
 #include "eval/eval_tables.h"
-#include "frontend/engine_options.h"
-#include "frontend/line_reader.h"
+#include "frontend/board_report.h"
 #include "frontend/output.h"
-#include "frontend/progress.h"
+#include "frontend/search_report.h"
+#include "platform/interrupt.h"
 #include "platform/terminal.h"
 #include "search/control.h"
 #include "search/hash.h"
-#include "search/report.h"
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
-#include "tools/output_file.h"
+#include "support/format.h"
+#include "support/line_reader.h"
+#include "support/output_file.h"
+#include "support/progress.h"
+#include "support/status_line.h"
 #include "tools/tool_input.h"
 
 namespace quon {
@@ -43,7 +47,7 @@ struct Suite {
     double branching_sum = 0;
 };
 
-bool tells_searches() { return options.output_delay != NEVER; }
+bool tells_searches(Engine& engine) { return engine.options.output_delay != NEVER; }
 
 bool looks_like_record(const LinePiece& piece) {
     return piece.starts_line && piece.text.size() >= SHORTEST_RECORD &&
@@ -52,15 +56,15 @@ bool looks_like_record(const LinePiece& piece) {
 
 // Sets up the next position that can be searched; false at the end of the file, or when the run is
 // to end.
-bool next_record(Suite& suite, EpdRecord& record) {
+bool next_record(Engine& engine, Suite& suite, EpdRecord& record) {
     LinePiece piece;
-    while (!end_wished() && next_piece(suite.reader, piece)) {
+    while (!end_wished(engine) && next_piece(suite.reader, piece)) {
         if (!looks_like_record(piece) || !parse_epd_line(piece.text, record)) continue;
-        position_from_fen(game.position, record.fen);
-        const char* const problem = position_problem(game.position);
+        read_position(engine.game.position, record.fen);
+        const char* const problem = position_problem(engine.game.position);
         if (problem == nullptr) return true;
         end_progress();
-        std::fprintf(stderr, "quon: %s: illegal position: %s\n", record.fen.c_str(), problem);
+        error_line(format("quon: %s: illegal position: %s", record.fen.c_str(), problem));
     }
     return false;
 }
@@ -74,70 +78,71 @@ void show_status(Suite& suite) {
 }
 
 // Both searches return true when the run is to end.
-bool search_deep(Suite& suite) {
-    start_search_threads();
-    bool ending = end_wished();
-    while (busy_threads() != 0) {
-        time_check();
-        ending = end_wished(CHECK_MS);
+bool search_deep(Engine& engine, Suite& suite) {
+    start_search_threads(engine);
+    bool ending = end_wished(engine);
+    while (busy_threads(engine) != 0) {
+        time_check(engine);
+        ending = end_wished(engine, CHECK_MS);
         show_status(suite);
     }
     return ending;
 }
 
-bool search_shallow(Suite& suite) {
-    search_in_main_thread(keep_on);
-    run.shared_score = thread_data(0).root_score;
+bool search_shallow(Engine& engine, Suite& suite) {
+    search_in_main_thread(engine, [&] { return keep_on(engine); });
+    engine.run.shared_score = thread_data(engine, 0).root_score;
     show_status(suite);
-    return end_wished();
+    return end_wished(engine);
 }
 
-bool read_move(const std::string& text, Move& move) {
-    return !text.empty() && parse_san(game.position, text, move);
+bool names_move(Engine& engine, const std::string& text, Move& move) {
+    return !text.empty() && read_move(engine.game.position, text, move);
 }
 
-void judge(Suite& suite, const EpdRecord& record) {
-    const Move best = run.shared_line[1];
+void judge(Engine& engine, Suite& suite, const EpdRecord& record) {
+    const Move best = engine.run.shared_line[1];
     Move move;
-    if (read_move(record.bm, move)) {
+    if (names_move(engine, record.bm, move)) {
         suite.correct += best == move;
-    } else if (read_move(record.am, move)) {
+    } else if (names_move(engine, record.am, move)) {
         suite.correct += best != move;
-    } else if (run.shared_depth > 0) {
+    } else if (engine.run.shared_depth > 0) {
         write_text(suite.unsolved, record.fen + "\n");
         flush_output(suite.unsolved);
     }
 }
 
-void print_search() {
-    final_report(run.shared_score);
-    const auto nodes = double(totals.nodes);
+void print_search(Engine& engine) {
+    final_report(engine, engine.run.shared_score);
+    const auto nodes = double(engine.totals.nodes);
     print_unlogged(format("move= %s, time= %0.3f, score= %d, nodes= %0.0f, %0.0fK nps\n",
-                          move_to_text(run.shared_line[1]).c_str(), run.elapsed.get(),
-                          int(run.shared_score), nodes, nodes / (run.elapsed + 0.001) / 1000));
+                          move_to_text(engine, engine.run.shared_line[1]).c_str(),
+                          engine.run.elapsed.get(), int(engine.run.shared_score), nodes,
+                          nodes / (engine.run.elapsed + 0.001) / 1000));
 }
 
 // Searches the game position, which stands at the record; true when the run is to end.
-bool run_record(Suite& suite, const EpdRecord& record) {
+bool run_record(Engine& engine, Suite& suite, const EpdRecord& record) {
     ++suite.count;
-    if (tells_searches()) {
+    if (tells_searches(engine)) {
         engine_print(format("pos= %d", suite.count));
         engine_print(record.fen);
-        print_board(game.position);
+        print_board(engine.game.position);
     }
-    if (limits.depth_limit > 1) hash_clear();
-    time_setup();
-    const bool ending =
-        limits.depth_limit > SHALLOW_DEPTH ? search_deep(suite) : search_shallow(suite);
-    update_elapsed();
-    collect_stats();
-    suite.nodes += totals.nodes;
-    suite.seconds += run.elapsed;
-    suite.depth_sum += run.shared_depth;
-    suite.branching_sum += effective_branching();
-    judge(suite, record);
-    if (tells_searches()) print_search();
-    control.search_mode = NO_SEARCH;
+    if (engine.limits.depth_limit > 1) hash_clear(engine.hash);
+    begin_search(engine);
+    const bool ending = engine.limits.depth_limit > SHALLOW_DEPTH ? search_deep(engine, suite)
+                                                                  : search_shallow(engine, suite);
+    update_elapsed(engine.run);
+    collect_stats(engine);
+    suite.nodes += engine.totals.nodes;
+    suite.seconds += engine.run.elapsed;
+    suite.depth_sum += engine.run.shared_depth;
+    suite.branching_sum += effective_branching(engine.run);
+    judge(engine, suite, record);
+    if (tells_searches(engine)) print_search(engine);
+    engine.control.search_mode = NO_SEARCH;
     return ending;
 }
 
@@ -156,27 +161,27 @@ void print_statistics(const Suite& suite) {
 
 }  // namespace
 
-bool run_test_suite(const std::string& path) {
+bool run_test_suite(Engine& engine, const std::string& path) {
     Suite suite;
     if (!open_tool_file(suite.reader, path, MAX_LINE)) return quietly_missing(path);
     if (overwrites_input(path, UNSOLVED_NAME)) return false;
     if (!create_output(suite.unsolved, UNSOLVED_NAME)) return true;
     suite.progress = start_progress();
-    suite.status_wanted = !tells_searches() || !output_is_terminal();
-    start_tool_input(path);
+    suite.status_wanted = !tells_searches(engine) || !output_is_terminal();
+    start_tool_input(engine, path);
     engine_print(format("Analyzing %s...", path.c_str()));
-    init_eval_tables();
-    apply_search_params();
-    if (limits.depth_limit <= 1) options.hash_mode = 0;
+    init_eval_tables(engine.eval_tables, engine.params);
+    apply_search_params(engine.search_params, engine.params);
+    if (engine.limits.depth_limit <= 1) engine.settings.hash_mode = 0;
     bool ending = false;
     EpdRecord record;
-    while (!ending && !suite.unsolved.failed && next_record(suite, record)) {
-        ending = run_record(suite, record);
+    while (!ending && !suite.unsolved.failed && next_record(engine, suite, record)) {
+        ending = run_record(engine, suite, record);
     }
     end_progress();
     print_statistics(suite);
     const bool written = close_output(suite.unsolved);
-    end_tool_input();
+    end_tool_input(engine);
     return read_well(suite.reader, path) && written;
 }
 

@@ -1,28 +1,32 @@
-// Playing the games of the match.
+// Playing the games of the match: two engines in one process, each with parameters, threads and
+// caches of its own. Book, random numbers and output are the first one's.
 
 #include "tools/match.h"
 
-#include <cstdlib>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "board/draw.h"
 #include "board/fen.h"
 #include "board/make.h"
-#include "book/book_pick.h"
+#include "engine/engine.h"
 #include "eval/eval_tables.h"
-#include "eval/param_file.h"
-#include "frontend/engine_options.h"
+#include "frontend/book_report.h"
 #include "frontend/output.h"
-#include "frontend/progress.h"
+#include "frontend/param_settings.h"
+#include "frontend/search_report.h"
 #include "search/control.h"
-#include "search/report.h"
 #include "search/run.h"
 #include "search/score.h"
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "support/format.h"
+#include "support/output_file.h"
+#include "support/progress.h"
+#include "support/status_line.h"
 #include "tools/match_report.h"
-#include "tools/output_file.h"
 #include "tools/tool_input.h"
 
 namespace quon {
@@ -38,57 +42,65 @@ constexpr int DECISIVE_SCORE = 1100;  // beyond it the game is over
 constexpr int OCCURRENCES = 3;        // of a position that is drawn by repetition
 
 struct Match {
-    Table<EvalParams, 2> players;
+    Table<Engine*, 2> players;  // the challenger of test1.rc, then the engine as it started
     OutputFile file;
     MatchScore score;
     Progress progress;
 };
 
-void set_limits() {
-    options.output_delay = NEVER;
-    options.book_variety = BOOK_VARIETY;
+void set_limits(Engine& engine) {
+    engine.options.output_delay = NEVER;
+    engine.options.book_variety = BOOK_VARIETY;
     // So few nodes are searched that a table of several moves would only blur the comparison.
-    options.hash_mode = 0;
-    limits.time_mode = FIXED_TIME;
-    limits.fixed_time = SECONDS_PER_MOVE;
-    limits.clock = {{SECONDS_PER_MOVE, SECONDS_PER_MOVE}};
+    engine.settings.hash_mode = 0;
+    engine.limits.time_mode = FIXED_TIME;
+    engine.limits.fixed_time = SECONDS_PER_MOVE;
+    engine.limits.clock = {{SECONDS_PER_MOVE, SECONDS_PER_MOVE}};
     // A little different from match to match, the same for both players.
-    limits.max_nodes = (std::rand() % 11 + 95) * 750;
+    engine.limits.max_nodes = (draw(engine.random, 11) + 95) * 750;
 }
 
-void use_params(const EvalParams& player) {
-    params = player;
-    init_eval_tables();
-    apply_search_params();
+void derive(Engine& player) {
+    init_eval_tables(player.eval_tables, player.params);
+    apply_search_params(player.search_params, player.params);
 }
 
-void search_with_all_threads() {
-    start_search_threads();
-    while (busy_threads() != 0) {
-        time_check();
-        if (stopped()) {
-            wait_for_idle_threads();
-        } else {
-            end_wished(1);
-        }
-    }
+// The challenger, ready to search; nothing if there is no memory for it.
+std::unique_ptr<Engine> make_challenger(const Engine& engine, const EvalParams& params) {
+    auto challenger = std::make_unique<Engine>();
+    challenger->settings = engine.settings;
+    challenger->limits = engine.limits;
+    challenger->params = params;
+    derive(*challenger);
+    if (!create_threads(*challenger, engine.settings.threads)) return nullptr;
+    return challenger;
 }
 
-// Leaves the move, its score and its depth on the result board; no move when the game is drawn on
-// the board, or when there is none.
-void find_move() {
-    control.go_request = GO_PLAY;
-    time_setup();
-    if (game.game_ply <= LAST_BOOK_PLY) {
-        run.shared_line[1] = book_pick(game.position);
-        run.shared_score = i16(DRAW_SCORE);
+// False when the match is to end.
+bool search_with_all_threads(Engine& engine, Engine& player) {
+    bool going = true;
+    start_search_threads(player);
+    while (busy_threads(player) != 0) {
+        time_check(player);
+        going = going && keep_on(engine, 1);
+        if (!going && !stopped(player)) player.control.stop_flag = STOP;
+        if (stopped(player)) wait_for_idle_threads(player);
     }
-    if (is_draw(game.position, OCCURRENCES) != 0) {
-        run.shared_line[1] = NO_MOVE;
-        run.shared_score = i16(DRAW_SCORE);
-    } else if (run.shared_line[1] == NO_MOVE) {
-        search_with_all_threads();
-    }
+    return going;
+}
+
+// The player's move, its score and its depth; no move when the game is drawn on the board, or when
+// there is none. Nothing when the match is to end.
+std::optional<SearchedMove> find_move(Engine& engine, Engine& player) {
+    player.control.go_request = GO_PLAY;
+    begin_search(player);
+    const Move book = engine.game.game_ply <= LAST_BOOK_PLY ? book_pick(engine) : NO_MOVE;
+    if (is_draw(player.game.position, OCCURRENCES) != 0)
+        return SearchedMove{NO_MOVE, DRAW_SCORE, 0};
+    if (book != NO_MOVE) return SearchedMove{book, DRAW_SCORE, 0};
+    if (!search_with_all_threads(engine, player)) return std::nullopt;
+    const SearchRun& run = player.run;
+    return SearchedMove{run.shared_line[1], run.shared_score, run.shared_depth};
 }
 
 Outcome outcome_of(const SearchedMove& found, const Position& p) {
@@ -98,30 +110,29 @@ Outcome outcome_of(const SearchedMove& found, const Position& p) {
     return found.move == NO_MOVE || p.fifty > 99 ? Outcome::DRAW : Outcome::OPEN;
 }
 
-void show_status(Match& match, int number) {
+void show_status(Engine& engine, Match& match, int number) {
     if (!progress_due(match.progress)) return;
     const double games_per_hour = (number - 1) * 3600 / progress_seconds(match.progress);
-    show_progress(
-        match.progress,
-        format("game %d, move %d, %.0f games/h", number, game.game_ply / 2 + 1, games_per_hour),
-        number - 1, MAX_GAMES);
+    show_progress(match.progress,
+                  format("game %d, move %d, %.0f games/h", number, engine.game.game_ply / 2 + 1,
+                         games_per_hour),
+                  number - 1, MAX_GAMES);
 }
 
 // Plays until the game has an outcome; it stays open when the match is to end.
-MatchGame play_game(Match& match, int number) {
-    position_from_fen(game.position, START_FEN);
-    MatchGame played{number, std::rand() & 1, Outcome::OPEN, {}};
+MatchGame play_game(Engine& engine, Match& match, int number) {
+    for (Engine* player : match.players) set_start_position(player->game.position);
+    MatchGame played{number, draw(engine.random, 2), Outcome::OPEN, {}};
     while (true) {
-        use_params(match.players[game.position.side == played.first_player_color ? 0 : 1]);
-        find_move();
-        if (end_wished()) break;
-        collect_stats();
-        const SearchedMove found = {run.shared_line[1], run.shared_score, run.shared_depth};
-        played.moves.push_back(found);
-        played.outcome = outcome_of(found, game.position);
+        const Position& p = engine.game.position;
+        Engine& player = *match.players[p.side == played.first_player_color ? 0 : 1];
+        const auto found = find_move(engine, player);
+        if (!found || end_wished(engine)) break;
+        played.moves.push_back(*found);
+        played.outcome = outcome_of(*found, p);
         if (played.outcome != Outcome::OPEN) break;
-        make_game_move(game, found.move);
-        show_status(match, number);
+        for (Engine* each : match.players) make_game_move(each->game, found->move);
+        show_status(engine, match, number);
     }
     return played;
 }
@@ -135,27 +146,36 @@ void finish_game(Match& match, const MatchGame& played) {
 
 }  // namespace
 
-bool run_match() {
-    Match match{{{default_params, default_params}}, {}, {}, {}};
-    if (!load_params(FIRST_PLAYER_FILE, match.players[0])) {
+bool run_match(Engine& engine) {
+    EvalParams challenging = engine.default_params;
+    if (!load_params(engine, FIRST_PLAYER_FILE, challenging)) {
         print_unlogged(format("Can't open file %s\n", FIRST_PLAYER_FILE));
         return true;
     }
-    if (overwrites_input(FIRST_PLAYER_FILE, options.match_file)) return false;
-    if (!create_output(match.file, options.match_file)) {
-        print_unlogged(format("can't open %s\n", options.match_file.c_str()));
+    if (overwrites_input(FIRST_PLAYER_FILE, engine.options.match_file)) return false;
+    Match match{};
+    if (!create_output(match.file, engine.options.match_file)) {
+        print_unlogged(format("can't open %s\n", engine.options.match_file.c_str()));
         return true;
     }
-    set_limits();
+    set_limits(engine);
+    engine.params = engine.default_params;
+    derive(engine);
+    const auto challenger = make_challenger(engine, challenging);
+    if (!challenger) {
+        error_line("quon: not enough memory for the second player");
+        return false;
+    }
+    match.players = {{challenger.get(), &engine}};
     engine_print("Starting match...");
-    start_tool_input();
+    start_tool_input(engine);
     match.progress = start_progress();
     for (int number = 1; number <= MAX_GAMES && !match.file.failed; ++number) {
-        const MatchGame played = play_game(match, number);
+        const MatchGame played = play_game(engine, match, number);
         if (played.outcome == Outcome::OPEN) break;
         finish_game(match, played);
     }
-    end_tool_input();
+    end_tool_input(engine);
     end_progress();
     return close_output(match.file);
 }

@@ -5,7 +5,8 @@
 #include <cmath>
 
 #include "board/fen.h"
-#include "frontend/output.h"
+#include "engine/engine.h"
+#include "support/format.h"
 
 namespace quon {
 

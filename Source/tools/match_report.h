@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "board/types.h"
+#include "engine/engine.h"
 
 namespace quon {
 

@@ -2,11 +2,13 @@
 
 #include "tools/pgn_scan.h"
 
-#include "frontend/engine_options.h"
-#include "frontend/line_reader.h"
+#include "engine/engine.h"
 #include "frontend/output.h"
-#include "frontend/progress.h"
-#include "tools/game_reader.h"
+#include "pgn/game_reader.h"
+#include "support/format.h"
+#include "support/line_reader.h"
+#include "support/progress.h"
+#include "support/status_line.h"
 #include "tools/scan_writers.h"
 #include "tools/tool_input.h"
 
@@ -26,20 +28,20 @@ struct Scan {
     Progress progress;
 };
 
-void write_game(Scan& scan) {
+void write_game(Engine& engine, Scan& scan) {
     GameReader& reader = scan.reader;
     if (reader.moves.empty()) return;
     if (reader.cut) {
         end_progress();
-        std::fprintf(stderr, "quon: game %d is longer than %d plies and is cut\n", reader.games,
-                     int(MAX_SCAN_MOVES));
+        error_line(format("quon: game %d is longer than %d plies and is cut", reader.games,
+                          int(MAX_SCAN_MOVES)));
     }
-    scan.variant->write_game(scan.output, reader);
+    scan.variant->write_game(engine, scan.output, reader);
     next_game(reader);
 }
 
-void take_tag(Scan& scan, std::string_view line) {
-    write_game(scan);
+void take_tag(Engine& engine, Scan& scan, std::string_view line) {
+    write_game(engine, scan);
     GameReader& reader = scan.reader;
     if (scan.variant->copies_tags) {
         write_text(scan.output.main, std::string(line) + "\n");
@@ -55,7 +57,7 @@ void take_tag(Scan& scan, std::string_view line) {
 }
 
 // Somebody wants the scan to end, or there is no use in going on.
-bool must_end(Scan& scan) {
+bool must_end(Engine& engine, Scan& scan) {
     if (progress_due(scan.progress)) {
         const double seconds = progress_seconds(scan.progress);
         const auto bytes = double(scan.lines.bytes_read);
@@ -64,27 +66,27 @@ bool must_end(Scan& scan) {
                              scan.reader.games / seconds, bytes / seconds / 1e6),
                       bytes, double(scan.lines.file_size));
     }
-    return end_wished() || scan.output.main.failed || scan.output.blunders.failed;
+    return end_wished(engine) || scan.output.main.failed || scan.output.blunders.failed;
 }
 
 // Ends early without the game that is being read.
-void read_games(Scan& scan) {
+void read_games(Engine& engine, Scan& scan) {
     LinePiece piece;
     while (next_piece(scan.lines, piece)) {
         if (is_tag_line(piece.text)) {
-            take_tag(scan, piece.text);
+            take_tag(engine, scan, piece.text);
         } else {
             read_move_text(scan.reader, piece);
         }
-        if (must_end(scan)) return;
+        if (must_end(engine, scan)) return;
     }
-    write_game(scan);
-    if (scan.reader.comment_depth > 0) std::fputs("quon: a comment is never closed\n", stderr);
+    write_game(engine, scan);
+    if (scan.reader.comment_depth > 0) error_line("quon: a comment is never closed");
 }
 
 }  // namespace
 
-bool scan_pgn(const std::string& path, int variant) {
+bool scan_pgn(Engine& engine, const std::string& path, int variant) {
     Scan scan{};
     scan.variant = &scan_variants[variant - 1];
     if (!open_tool_file(scan.lines, path, MAX_LINE)) return quietly_missing(path);
@@ -95,15 +97,15 @@ bool scan_pgn(const std::string& path, int variant) {
         !create_output(scan.output.blunders, BLUNDERS_NAME)) {
         return true;
     }
-    options.log_enabled = true;
+    set_log_enabled(true);
     scan.progress = start_progress();
-    start_tool_input(path);
-    read_games(scan);
+    start_tool_input(engine, path);
+    read_games(engine, scan);
     end_progress();
     write_text(scan.output.main, "\n");
     const bool main_written = close_output(scan.output.main);
     const bool blunders_written = close_output(scan.output.blunders);
-    end_tool_input();
+    end_tool_input(engine);
     print_unlogged(
         format("games= %d, positions= %.0f\n", scan.reader.games, double(scan.output.positions)));
     return read_well(scan.lines, path) && main_written && blunders_written;

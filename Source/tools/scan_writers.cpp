@@ -8,8 +8,10 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "frontend/output.h"
+#include "engine/engine.h"
+#include "frontend/board_report.h"
 #include "search/run.h"
+#include "support/format.h"
 
 namespace quon {
 
@@ -17,13 +19,13 @@ namespace {
 
 // Calls visit(i) for each move that can be read, until it returns false.
 template <typename Visit>
-void walk(const GameReader& game_text, Visit visit) {
-    position_from_fen(game.position, START_FEN);
+void walk(Engine& engine, const GameReader& game_text, Visit visit) {
+    set_start_position(engine.game.position);
     for (std::size_t i = 0; i < game_text.moves.size(); ++i) {
         Move move;
-        if (!parse_san(game.position, game_text.moves[i].text, move)) return;
+        if (!read_move(engine.game.position, game_text.moves[i].text, move)) return;
         if (!visit(int(i))) return;
-        make_game_move(game, move);
+        make_game_move(engine.game, move);
     }
 }
 
@@ -34,13 +36,13 @@ std::string move_spelling(const GameReader& g, int i) {
 int score_at(const GameReader& g, int i) { return g.moves[std::size_t(i)].score; }
 
 // "FEN bm Nf3;", or with another opcode.
-std::string position_record(const GameReader& g, int i, const char* opcode) {
-    return format("%s %s %s;", position_to_fen(game.position).c_str(), opcode,
+std::string position_record(Engine& engine, const GameReader& g, int i, const char* opcode) {
+    return format("%s %s %s;", position_to_fen(engine.game.position).c_str(), opcode,
                   move_spelling(g, i).c_str());
 }
 
-std::string scored_record(const GameReader& g, int i) {
-    return position_record(g, i, "bm") + format(" ce %d;", score_at(g, i));
+std::string scored_record(Engine& engine, const GameReader& g, int i) {
+    return position_record(engine, g, i, "bm") + format(" ce %d;", score_at(g, i));
 }
 
 void write_position(ScanOutput& output, const std::string& record) {
@@ -63,9 +65,9 @@ bool is_blunder(const GameReader& g, int i) {
            later > before + margin + 50;
 }
 
-void write_listing(ScanOutput& output, const GameReader& g) {
+void write_listing(Engine& engine, ScanOutput& output, const GameReader& g) {
     bool refutes = false;  // the move before was a blunder
-    walk(g, [&](int i) {
+    walk(engine, g, [&](int i) {
         const bool white = i % 2 == 0;
         const int score = score_at(g, i);
         const std::string prefix = white ? format("%3d. ", i / 2 + 1) : "     ";
@@ -73,13 +75,13 @@ void write_listing(ScanOutput& output, const GameReader& g) {
         if (score >= LEAST_SCORE) {
             remark = format("%6.2f", (white ? score : -score) / 100.0);
             if (refutes) {
-                const std::string record = position_record(g, i, "bm");
+                const std::string record = position_record(engine, g, i, "bm");
                 remark += " ! " + record;
                 write_text(output.blunders, record + "\n");
             }
         }
         refutes = is_blunder(g, i);
-        if (refutes) remark += " ? " + position_record(g, i, "am");
+        if (refutes) remark += " ? " + position_record(engine, g, i, "am");
         write_text(output.main, format("%s %-6s  {%s}\n", prefix.c_str(),
                                        move_spelling(g, i).c_str(), remark.c_str()));
         return true;
@@ -93,30 +95,31 @@ const char* result_text(GameResult result) {
 }
 
 // Positions of the middle game with the game's result.
-void write_results(ScanOutput& output, const GameReader& g) {
+void write_results(Engine& engine, ScanOutput& output, const GameReader& g) {
     constexpr int FIRST = 16;
     constexpr int LAST = 250;
     constexpr int LAST_MOVES = 6;  // at the end are left out
     constexpr int DECIDED = 900;
     const int end = int(g.moves.size()) - LAST_MOVES;
     if (end <= 0) return;
-    walk(g, [&](int i) {
+    walk(engine, g, [&](int i) {
         if (i >= end || i > LAST) return false;
         const bool open = std::abs(score_at(g, i)) < DECIDED;
-        if (i >= FIRST && open && !in_check(game.position)) {
-            write_position(output,
-                           scored_record(g, i) + format(" c9 \"%s\";", result_text(g.result)));
+        if (i >= FIRST && open && !in_check(engine.game.position)) {
+            write_position(
+                output, scored_record(engine, g, i) + format(" c9 \"%s\";", result_text(g.result)));
         }
         return true;
     });
 }
 
 // Positions up to the one that decides the game.
-void write_openings(ScanOutput& output, const GameReader& g) {
+void write_openings(Engine& engine, ScanOutput& output, const GameReader& g) {
     constexpr int LAST = 200;
     constexpr int DECISIVE = 500;
-    walk(g, [&](int i) {
-        if (i <= LAST && !in_check(game.position)) write_position(output, scored_record(g, i));
+    walk(engine, g, [&](int i) {
+        if (i <= LAST && !in_check(engine.game.position))
+            write_position(output, scored_record(engine, g, i));
         return std::abs(score_at(g, i)) <= DECISIVE;
     });
 }
@@ -128,15 +131,15 @@ double game_value(GameResult result, int side) {
 }
 
 // Rook endings with one pawn.
-void write_rook_endings(ScanOutput& output, const GameReader& g) {
+void write_rook_endings(Engine& engine, ScanOutput& output, const GameReader& g) {
     const u16 rook = NPM_UNIT[ROOK];
-    walk(g, [&](int i) {
-        const Position& p = game.position;
+    walk(engine, g, [&](int i) {
+        const Position& p = engine.game.position;
         const bool wanted = p.npm[WHITE] == rook && p.npm[BLACK] == rook &&
                             pawn_count(p, WHITE) + pawn_count(p, BLACK) == 1;
         if (wanted) {
-            write_position(
-                output, scored_record(g, i) + format(" tune %0.5f;", game_value(g.result, p.side)));
+            write_position(output, scored_record(engine, g, i) +
+                                       format(" tune %0.5f;", game_value(g.result, p.side)));
         }
         return true;
     });

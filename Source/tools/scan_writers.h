@@ -2,10 +2,12 @@
 // What the PGN scanner makes of a game, one writer per variant. Games are replayed from the usual
 // start position, up to the first move text that names no legal move.
 
-#include "tools/game_reader.h"
-#include "tools/output_file.h"
+#include "pgn/game_reader.h"
+#include "support/output_file.h"
 
 namespace quon {
+
+struct Engine;
 
 struct ScanOutput {
     OutputFile main;
@@ -16,7 +18,7 @@ struct ScanOutput {
 struct ScanVariant {
     const char* main_name;
     bool copies_tags;  // the main output gets the tag lines too
-    void (*write_game)(ScanOutput& output, const GameReader& game);
+    void (*write_game)(Engine& engine, ScanOutput& output, const GameReader& game);
 };
 
 constexpr int SCAN_VARIANTS = 4;

@@ -2,16 +2,17 @@
 
 #include "tools/tool_input.h"
 
-#include <cstdio>
-
+#include "engine/engine.h"
 #include "frontend/input.h"
 #include "frontend/output.h"
 #include "frontend/uci.h"
-#include "frontend/words.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/interrupt.h"
 #include "search/control.h"
+#include "support/format.h"
+#include "support/status_line.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -44,10 +45,10 @@ void raise_wish(StopFlag next) {
     if (wish == RUN) wish = next;
 }
 
-void obey(const std::string& command) {
+void obey(Engine& engine, const std::string& command) {
     for (const Heard& heard : HEARD) {
         if (heard.word != first_word(command)) continue;
-        handle_uci_command(command);
+        handle_uci_command(engine, command);
         raise_wish(heard.wish);
     }
 }
@@ -66,9 +67,10 @@ bool console_wishes_end() {
 
 bool interrupted() { return interruption() != Interruption::NONE; }
 
-void hear() {
+void hear(Engine& engine) {
     std::string command;
-    for (int i = 0; i < COMMANDS_PER_CALL && listening && next_command(command); ++i) obey(command);
+    for (int i = 0; i < COMMANDS_PER_CALL && listening && next_command(engine, command); ++i)
+        obey(engine, command);
     if (in_console && console_wishes_end()) raise_wish(STOP);
     looked_at = monotonic_seconds();
 }
@@ -102,15 +104,15 @@ bool read_well(const LineReader& reader, const std::string& path) {
 }
 
 void report_unreadable_file(const std::string& path) {
-    std::fprintf(stderr, "quon: %s cannot be read\n", path.c_str());
+    error_line(format("quon: %s cannot be read", path.c_str()));
 }
 
-void start_tool_input(const std::string& file) {
+void start_tool_input(Engine& engine, const std::string& file) {
     wish = RUN;
     in_console = false;
     listening = !is_standard_input(file);
     catch_interrupts();
-    for (int i = 0; i < CALLS_AT_START && listening && !all_heard(); ++i) hear();
+    for (int i = 0; i < CALLS_AT_START && listening && !all_heard(); ++i) hear(engine);
     if (all_heard()) listening = false;
     leave_output_if(listening ? listener_leaves : broken_off);
 }
@@ -126,9 +128,9 @@ void start_command_input() {
 
 void heed_waiting_lines() { heeds_waiting = true; }
 
-void end_tool_input() {
+void end_tool_input(Engine& engine) {
     if (in_console) {
-        if (interruption() == Interruption::REQUEST) control.quit_requested = true;
+        if (interruption() == Interruption::REQUEST) engine.control.quit_requested = true;
         leave_output_if(quit_or_end_comes);
     }
     wish = RUN;
@@ -136,12 +138,12 @@ void end_tool_input() {
     release_interrupts();
 }
 
-bool end_wished(int wait_ms) {
+bool end_wished(Engine& engine, int wait_ms) {
     if (wait_ms > 0) wait_for_event(wait_ms, listening && !input_ended());
-    if (wait_ms > 0 || look_due()) hear();
+    if (wait_ms > 0 || look_due()) hear(engine);
     if (interrupted()) raise_wish(STOP);
     if (output_lost() || (listening && all_heard())) raise_wish(ABORT);
-    if (wish != RUN && !stopped()) control.stop_flag = wish;
+    if (wish != RUN && !stopped(engine)) engine.control.stop_flag = wish;
     return wish != RUN;
 }
 

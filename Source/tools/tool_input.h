@@ -5,9 +5,11 @@
 
 #include <string>
 
-#include "frontend/line_reader.h"
+#include "support/line_reader.h"
 
 namespace quon {
+
+struct Engine;
 
 // Opens the file that a tool reads, on the command line also standard input by its name
 // ("/dev/stdin"); false if that is not possible.
@@ -22,7 +24,7 @@ void report_unreadable_file(const std::string& path);
 // At the start of a tool. An input that is at its end already, such as the null device, does not
 // end the tool. `file` is the file that the tool reads, if it reads one: if that is standard input
 // no commands are taken from there.
-void start_tool_input(const std::string& file = {});
+void start_tool_input(Engine& engine, const std::string& file = {});
 
 // At the start of a console command. "stop" and "." end it, and so does "quit", which stays on the
 // input like all other lines: the console handles them in their order afterwards. The end of the
@@ -34,16 +36,16 @@ void heed_waiting_lines();
 
 // At the end of both, so that Ctrl-C ends the process again. When the system asked a console
 // command to end the program is to end: quit_requested is set.
-void end_tool_input();
+void end_tool_input(Engine& engine);
 
 // True once the work is to end: after "quit", "stop", Ctrl-C, a request of the system, the end of
 // an input that was open at the start, or when nobody reads standard output any more. Then the stop
 // flag is set as well, so that a running search breaks off. Looks without waiting, and so rarely
 // that it can be asked at every step; or sleeps first, for at most wait_ms or until something
 // arrives or a search thread is done.
-bool end_wished(int wait_ms = 0);
+bool end_wished(Engine& engine, int wait_ms = 0);
 
 // The opposite, for those who take it as a question.
-inline bool keep_on() { return !end_wished(); }
+inline bool keep_on(Engine& engine, int wait_ms = 0) { return !end_wished(engine, wait_ms); }
 
 }  // namespace quon

@@ -15,8 +15,9 @@
 #include <string_view>
 
 #include "board/types.h"
-#include "frontend/progress.h"
-#include "tools/output_file.h"
+#include "engine/engine.h"
+#include "support/output_file.h"
+#include "support/progress.h"
 
 namespace quon {
 
@@ -37,33 +38,33 @@ struct TuneStatus {
     i64 positions = 0;       // accepted in all of them
 };
 // Measures with the live parameters.
-ErrorSum sum_errors(const std::string& path, TuneStatus& status);
+ErrorSum sum_errors(Engine& engine, const std::string& path, TuneStatus& status);
 // The same in one, as the mean.
-double tune_error(const std::string& path);
+double tune_error(Engine& engine, const std::string& path);
 // Passes over lines as well whose own evaluation ("ce") is beyond 900 centipawns, and copies those
 // that are accepted.
-ErrorSum tune_error_filter(const std::string& path, OutputFile& copy);
+ErrorSum tune_error_filter(Engine& engine, const std::string& path, OutputFile& copy);
 
 // Copies the lines of tune_file that tuning can use to "tune_new.epd". False if a file cannot be
 // read or written.
-bool make_tuning_set();
+bool make_tuning_set(Engine& engine);
 
 struct Sample {
     bool readable = true;
     bool written = true;
 };
 // Copies about 15 % of the file's lines, drawn at random, to "junk.epd", which is made anew.
-Sample tune_sample(const std::string& path);
+Sample tune_sample(Engine& engine, const std::string& path);
 
 // Gradient descent on the parameters p1 to p9 over tune_file, 100 passes, logged to "tune.log".
 // False if a file cannot be read or written.
-bool tune_gradient();
+bool tune_gradient(Engine& engine);
 
 // Searches the best value of one parameter over tune_file, by name, and leaves the parameter as it
 // was.
-void tune_line_search(std::string_view name);
+void tune_line_search(Engine& engine, std::string_view name);
 // The console's command, while no search runs: `file`, unless empty, becomes tune_file, "tune.epd"
 // if there is none yet. Nothing happens without a name. The game on the board stays.
-void tune_command(std::string_view name, std::string_view file);
+void tune_command(Engine& engine, std::string_view name, std::string_view file);
 
 }  // namespace quon

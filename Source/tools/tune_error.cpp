@@ -3,22 +3,23 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <set>
 #include <string>
 
 #include "board/fen.h"
+#include "engine/engine.h"
 #include "eval/eval_tables.h"
-#include "frontend/engine_options.h"
-#include "frontend/line_reader.h"
-#include "frontend/output.h"
-#include "frontend/progress.h"
-#include "frontend/words.h"
+#include "frontend/board_report.h"
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
+#include "support/format.h"
+#include "support/line_reader.h"
+#include "support/progress.h"
+#include "support/status_line.h"
+#include "support/text.h"
 #include "tools/tool_input.h"
 #include "tools/tune.h"
 
@@ -64,12 +65,12 @@ struct Scores {
 };
 
 // None if the search is broken off.
-std::optional<Scores> measure_position() {
-    const ThreadData& thread = thread_data(0);
+std::optional<Scores> measure_position(Engine& engine) {
+    const ThreadData& thread = thread_data(engine, 0);
     bool whole = true;
-    time_setup();
-    search_in_main_thread([&] {
-        whole = thread.nodes < MAX_NODES && !end_wished();
+    begin_search(engine);
+    search_in_main_thread(engine, [&] {
+        whole = thread.nodes < MAX_NODES && !end_wished(engine);
         return whole;
     });
     if (!whole) return std::nullopt;
@@ -77,13 +78,13 @@ std::optional<Scores> measure_position() {
 }
 
 // The share of the error that the line with the game's position has; none if it teaches nothing.
-std::optional<double> line_error(std::string_view line, const Scores& scores) {
+std::optional<double> line_error(Engine& engine, std::string_view line, const Scores& scores) {
     const std::optional<double> result = result_of(line);
     if (!result || std::abs(scores.quiet) > DECIDED_SCORE ||
         std::abs(scores.eval - scores.quiet) > MAX_UNREST) {
         return std::nullopt;
     }
-    const double reached = game.position.side == WHITE ? *result : 1 - *result;
+    const double reached = engine.game.position.side == WHITE ? *result : 1 - *result;
     const double error = std::abs(reached - winning_probability(scores.quiet));
     assert(0 <= error && error <= 1);
     return error;
@@ -106,33 +107,33 @@ std::set<std::string> restless;
 void pass_over(const EpdRecord& record, const std::string& path, int line) {
     restless.insert(record.fen);
     end_progress();
-    std::fprintf(stderr, "quon: %s, line %d: too many captures, passed over\n", path.c_str(), line);
+    error_line(format("quon: %s, line %d: too many captures, passed over", path.c_str(), line));
 }
 
-ErrorSum measure(const std::string& path, TuneStatus& status, OutputFile* copy) {
-    init_eval_tables();
-    apply_search_params();
+ErrorSum measure(Engine& engine, const std::string& path, TuneStatus& status, OutputFile* copy) {
+    init_eval_tables(engine.eval_tables, engine.params);
+    apply_search_params(engine.search_params, engine.params);
     ErrorSum errors;
     int line = 0;
     LineReader reader;
     errors.readable = open_tool_file(reader, path, MAX_LINE);
     LinePiece piece;
     EpdRecord record;
-    while (errors.readable && !(copy && copy->failed) && !end_wished() &&
+    while (errors.readable && !(copy && copy->failed) && !end_wished(engine) &&
            next_piece(reader, piece)) {
         show_status(status, reader);
         line += piece.starts_line;
         if (!piece.starts_line || is_comment(piece.text)) continue;
         if (!parse_epd_line(piece.text, record)) continue;
         if (restless.contains(record.fen)) continue;
-        position_from_fen(game.position, record.fen);
-        if (position_problem(game.position) != nullptr) continue;
-        const std::optional<Scores> scores = measure_position();
+        read_position(engine.game.position, record.fen);
+        if (position_problem(engine.game.position) != nullptr) continue;
+        const std::optional<Scores> scores = measure_position(engine);
         if (!scores) {
-            if (!end_wished()) pass_over(record, path, line);
+            if (!end_wished(engine)) pass_over(record, path, line);
             continue;
         }
-        const std::optional<double> error = line_error(piece.text, *scores);
+        const std::optional<double> error = line_error(engine, piece.text, *scores);
         if (!error || (copy && std::abs(given_score(record)) > DECIDED_SCORE)) continue;
         errors.sum += *error;
         ++errors.positions;
@@ -153,33 +154,33 @@ double mean_error(const ErrorSum& errors) {
     return errors.positions > 0 ? errors.sum / double(errors.positions) : 0.0;
 }
 
-ErrorSum sum_errors(const std::string& path, TuneStatus& status) {
-    return measure(path, status, nullptr);
+ErrorSum sum_errors(Engine& engine, const std::string& path, TuneStatus& status) {
+    return measure(engine, path, status, nullptr);
 }
 
-double tune_error(const std::string& path) {
+double tune_error(Engine& engine, const std::string& path) {
     TuneStatus status;
-    return mean_error(sum_errors(path, status));
+    return mean_error(sum_errors(engine, path, status));
 }
 
-ErrorSum tune_error_filter(const std::string& path, OutputFile& copy) {
+ErrorSum tune_error_filter(Engine& engine, const std::string& path, OutputFile& copy) {
     TuneStatus status;
-    return measure(path, status, &copy);
+    return measure(engine, path, status, &copy);
 }
 
-bool make_tuning_set() {
-    const std::string& path = options.tune_file;
+bool make_tuning_set(Engine& engine) {
+    const std::string& path = engine.options.tune_file;
     if (overwrites_input(path, FILTERED_FILE)) return false;
     OutputFile copy;
     if (!create_output(copy, FILTERED_FILE)) {
-        std::fprintf(stderr, "quon: can't create %s\n", FILTERED_FILE);
+        error_line(format("quon: can't create %s", FILTERED_FILE));
         return false;
     }
-    options.output_delay = NEVER;
-    limits.depth_limit = 0;
-    start_tool_input(path);
-    const bool readable = tune_error_filter(path, copy).readable;
-    end_tool_input();
+    engine.options.output_delay = NEVER;
+    engine.limits.depth_limit = 0;
+    start_tool_input(engine, path);
+    const bool readable = tune_error_filter(engine, path, copy).readable;
+    end_tool_input(engine);
     end_progress();
     if (!readable) report_unreadable_file(path);
     return close_output(copy) && readable;

@@ -6,15 +6,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 
+#include "engine/engine.h"
 #include "eval/eval_tables.h"
 #include "eval/tunables.h"
-#include "frontend/engine_options.h"
-#include "frontend/line_reader.h"
 #include "frontend/output.h"
-#include "frontend/progress.h"
+#include "support/format.h"
+#include "support/line_reader.h"
+#include "support/progress.h"
+#include "support/status_line.h"
 #include "tools/tool_input.h"
 #include "tools/tune.h"
 
@@ -47,40 +48,42 @@ void say(Descent& descent, const std::string& text) {
     write_text(descent.log, text + "\n");
 }
 
-bool must_end(const Descent& descent) { return descent.log.failed || end_wished(); }
+bool must_end(Engine& engine, const Descent& descent) {
+    return descent.log.failed || end_wished(engine);
+}
 
-void activate_parameters() {
-    register_tunables();
-    for (TunableParam& t : tunables) {
+void activate_parameters(Engine& engine) {
+    register_tunables(engine.tunables, engine.params);
+    for (TunableParam& t : engine.tunables) {
         t.active =
             std::find(ACTIVE_NAMES.begin(), ACTIVE_NAMES.end(), t.name) != ACTIVE_NAMES.end();
     }
 }
 
 // size: of the file, 1 for the whole one.
-double error_of(Descent& descent, const std::string& path, double size) {
+double error_of(Engine& engine, Descent& descent, const std::string& path, double size) {
     // A pass takes the whole file once and the sample twice for each parameter.
     constexpr double PASS_SIZE = 1 + 2 * double(ACTIVE_NAMES.size()) * SAMPLE_PERCENT / 100;
     descent.status.part = size / PASS_SIZE / PASSES;
-    const ErrorSum errors = sum_errors(path, descent.status);
+    const ErrorSum errors = sum_errors(engine, path, descent.status);
     if (!errors.readable) descent.unreadable = path;
     return mean_error(errors);
 }
 
-double sample_error_at(Descent& descent, TunableParam& t, int x) {
+double sample_error_at(Engine& engine, Descent& descent, TunableParam& t, int x) {
     *t.field = i16(x);
-    return error_of(descent, SAMPLE_FILE, SAMPLE_PERCENT / 100.0);
+    return error_of(engine, descent, SAMPLE_FILE, SAMPLE_PERCENT / 100.0);
 }
 
 // Measures the slope at the parameter's field and moves its continuous value. Nothing is moved when
 // the measurement is broken off.
-void move_parameter(Descent& descent, TunableParam& t) {
+void move_parameter(Engine& engine, Descent& descent, TunableParam& t) {
     const int x0 = *t.field;
     const int d = int(std::round(std::abs(t.value) * 0.03 + 1.0));
-    const double e1 = sample_error_at(descent, t, x0 - d);
-    const double e2 = sample_error_at(descent, t, x0 + d);
+    const double e1 = sample_error_at(engine, descent, t, x0 - d);
+    const double e2 = sample_error_at(engine, descent, t, x0 + d);
     *t.field = i16(x0);
-    if (must_end(descent)) return;
+    if (must_end(engine, descent)) return;
 
     const double g = (e2 - e1) / (2 * d);
     const double size = std::abs(t.value) + 6;
@@ -102,30 +105,30 @@ void adapt_rate(Descent& descent) {
 }
 
 // False if the sample cannot be written.
-bool run_pass(Descent& descent, int pass) {
-    const Sample sample = tune_sample(options.tune_file);
-    if (!sample.readable) descent.unreadable = options.tune_file;
+bool run_pass(Engine& engine, Descent& descent, int pass) {
+    const Sample sample = tune_sample(engine, engine.options.tune_file);
+    if (!sample.readable) descent.unreadable = engine.options.tune_file;
     if (!sample.written) return false;
     descent.status.label = format("pass %d of %d, ", pass + 1, PASSES);
     descent.status.done = double(pass) / PASSES;
     say(descent, format("pass= %d, k0= %0.3e, avg_lr= %0.1f, max_lr= %0.1f\n", pass, descent.k0,
                         100 * descent.avg_lr, 100 * descent.max_lr));
-    for (const TunableParam& t : tunables) {
+    for (const TunableParam& t : engine.tunables) {
         if (!t.active) continue;
         *t.field = i16(std::round(t.value));
         say(descent, format("** %s = %d", t.name.c_str(), *t.field));
     }
-    const double error = error_of(descent, options.tune_file, 1);
-    if (must_end(descent)) return true;
+    const double error = error_of(engine, descent, engine.options.tune_file, 1);
+    if (must_end(engine, descent)) return true;
     say(descent, format("\nerr= %0.5f\n\n", error));
     flush_output(descent.log);
 
     descent.avg_lr = descent.max_lr = descent.max_step = 0;
     int active = 0;
-    for (TunableParam& t : tunables) {
+    for (TunableParam& t : engine.tunables) {
         if (!t.active) continue;
-        move_parameter(descent, t);
-        if (must_end(descent)) return true;
+        move_parameter(engine, descent, t);
+        if (must_end(engine, descent)) return true;
         ++active;
     }
     descent.avg_lr /= std::max(active, 1);
@@ -136,18 +139,18 @@ bool run_pass(Descent& descent, int pass) {
 
 }  // namespace
 
-Sample tune_sample(const std::string& path) {
+Sample tune_sample(Engine& engine, const std::string& path) {
     OutputFile sample;
     if (!create_output(sample, SAMPLE_FILE)) {
-        std::fprintf(stderr, "quon: can't create %s\n", SAMPLE_FILE);
+        error_line(format("quon: can't create %s", SAMPLE_FILE));
         return {.written = false};
     }
     LineReader reader;
     bool readable = open_tool_file(reader, path, PIECE_LENGTH);
     LinePiece piece;
     bool drawn = false;
-    while (readable && !sample.failed && !end_wished() && next_piece(reader, piece)) {
-        if (piece.starts_line) drawn = std::rand() % 100 < SAMPLE_PERCENT;
+    while (readable && !sample.failed && !end_wished(engine) && next_piece(reader, piece)) {
+        if (piece.starts_line) drawn = draw(engine.random, 100) < SAMPLE_PERCENT;
         if (!drawn) continue;
         write_text(sample, piece.text);
         if (piece.ends_line) write_text(sample, "\n");
@@ -156,29 +159,29 @@ Sample tune_sample(const std::string& path) {
     return {readable, close_output(sample)};
 }
 
-bool tune_gradient() {
+bool tune_gradient(Engine& engine) {
     for (const char* name : {LOG_FILE, SAMPLE_FILE}) {
-        if (overwrites_input(options.tune_file, name)) return false;
+        if (overwrites_input(engine.options.tune_file, name)) return false;
     }
     Descent descent;
     if (!create_output(descent.log, LOG_FILE)) {
-        std::fprintf(stderr, "quon: can't create %s\n", LOG_FILE);
+        error_line(format("quon: can't create %s", LOG_FILE));
         return false;
     }
-    options.output_delay = NEVER;
-    limits.depth_limit = 0;
-    activate_parameters();
-    start_tool_input(options.tune_file);
+    engine.options.output_delay = NEVER;
+    engine.limits.depth_limit = 0;
+    activate_parameters(engine);
+    start_tool_input(engine, engine.options.tune_file);
     bool sampled = true;
-    for (int pass = 0; pass < PASSES && sampled && !must_end(descent); ++pass) {
-        sampled = run_pass(descent, pass);
+    for (int pass = 0; pass < PASSES && sampled && !must_end(engine, descent); ++pass) {
+        sampled = run_pass(engine, descent, pass);
     }
-    end_tool_input();
+    end_tool_input(engine);
     end_progress();
     const bool readable = descent.unreadable.empty();
     if (!readable) report_unreadable_file(descent.unreadable);
     const bool logged = close_output(descent.log);
-    init_eval_tables();
+    init_eval_tables(engine.eval_tables, engine.params);
     return readable && sampled && logged;
 }
 

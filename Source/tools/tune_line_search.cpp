@@ -6,12 +6,13 @@
 #include <cstdlib>
 #include <memory>
 
+#include "engine/engine.h"
 #include "eval/eval_tables.h"
 #include "eval/tunables.h"
-#include "frontend/engine_options.h"
 #include "frontend/output.h"
-#include "frontend/progress.h"
 #include "search/run.h"
+#include "support/format.h"
+#include "support/progress.h"
 #include "tools/tool_input.h"
 #include "tools/tune.h"
 
@@ -58,7 +59,7 @@ void print_bracket(const Bracket& b) {
         format("best= %d, err= %0.6f, min= %d, max= %d\n\n", b.best, b.best_error, b.low, b.high));
 }
 
-void search_parameter(TunableParam& parameter) {
+void search_parameter(Engine& engine, TunableParam& parameter) {
     const char* const name = parameter.name.c_str();
     print_unlogged(format("\ntuning %s\n", name));
     i16& field = *parameter.field;
@@ -66,8 +67,8 @@ void search_parameter(TunableParam& parameter) {
     Bracket bracket{.best = start};
     for (int probe = 0; probe < MAX_PROBES; ++probe) {
         const int x = field;
-        const double error = tune_error(options.tune_file);
-        if (end_wished()) break;
+        const double error = tune_error(engine, engine.options.tune_file);
+        if (end_wished(engine)) break;
         print_unlogged(format("%s= %d, err= %0.6f\n", name, x, error));
         narrow(bracket, probe == 0, x, error);
         print_bracket(bracket);
@@ -77,31 +78,31 @@ void search_parameter(TunableParam& parameter) {
     }
     print_bracket(bracket);
     field = start;
-    init_eval_tables();
+    init_eval_tables(engine.eval_tables, engine.params);
 }
 
 }  // namespace
 
-void tune_line_search(std::string_view name) {
-    print_unlogged(format("tune file= %s\n", options.tune_file.c_str()));
-    limits.depth_limit = 0;
-    options.output_delay = NEVER;
-    register_tunables();
-    const auto found = std::find_if(tunables.begin(), tunables.end(),
+void tune_line_search(Engine& engine, std::string_view name) {
+    print_unlogged(format("tune file= %s\n", engine.options.tune_file.c_str()));
+    engine.limits.depth_limit = 0;
+    engine.options.output_delay = NEVER;
+    register_tunables(engine.tunables, engine.params);
+    const auto found = std::find_if(engine.tunables.begin(), engine.tunables.end(),
                                     [&](const TunableParam& t) { return t.name == name; });
-    if (found != tunables.end()) search_parameter(*found);
+    if (found != engine.tunables.end()) search_parameter(engine, *found);
     print_unlogged("done!\n");
 }
 
-void tune_command(std::string_view name, std::string_view file) {
+void tune_command(Engine& engine, std::string_view name, std::string_view file) {
     if (name.empty()) return;
-    if (!file.empty()) options.tune_file = file;
-    if (options.tune_file.empty()) options.tune_file = DEFAULT_FILE;
-    const auto board = std::make_unique<Game>(game);
+    if (!file.empty()) engine.options.tune_file = file;
+    if (engine.options.tune_file.empty()) engine.options.tune_file = DEFAULT_FILE;
+    const auto board = std::make_unique<Game>(engine.game);
     heed_waiting_lines();
-    tune_line_search(name);
+    tune_line_search(engine, name);
     end_progress();
-    game = *board;
+    engine.game = *board;
 }
 
 }  // namespace quon

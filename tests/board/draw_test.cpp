@@ -6,7 +6,7 @@
 
 #include "board/make.h"
 #include "board/move_text.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
 
 namespace quon::test {
 namespace {

@@ -6,7 +6,8 @@
 
 #include "board/make.h"
 #include "board/verify.h"
-#include "support/board_support.h"
+#include "frontend/board_report.h"
+#include "harness/board_support.h"
 
 namespace quon::test {
 namespace {
@@ -32,12 +33,12 @@ TEST(Fen, ReadingAndWriting) {
         {"", "8/8/8/8/8/8/8/8 w - -", true},
     };
     for (const auto& [text, written, complaint] : cases) {
-        std::unique_ptr<Game> game;
-        const std::string output = captured_output([&, t = text] { game = make_game(t); });
+        const auto game = make_game(START_FEN);
+        const bool kept = position_from_fen(game->position, text);
         EXPECT_EQ(position_to_fen(game->position), written) << text;
         EXPECT_EQ(verify(game->position), "") << text;
         EXPECT_EQ(game->position.flaw, TextFlaw::NONE) << text;
-        EXPECT_EQ(output, complaint ? "Illegal EPD record\n" : "") << text;
+        EXPECT_EQ(kept, !complaint) << text;
     }
 }
 
@@ -45,7 +46,7 @@ TEST(Fen, ReadingForgetsTheGame) {
     const auto game = make_game(START_FEN);
     Random random(51);
     play_random(*game, random, 9);
-    position_from_fen(game->position, "4k3/8/8/8/8/8/8/4K3 ? - -");
+    (void)position_from_fen(game->position, "4k3/8/8/8/8/8/8/4K3 ? - -");
     EXPECT_EQ(game->position.side, BLACK);  // an unknown side changes nothing
     EXPECT_EQ(game->game_ply, 0);
     EXPECT_EQ(game->ply, 1);
@@ -81,7 +82,7 @@ TEST(Fen, PositionsThatCannotBeSearched) {
 // Whatever is read must be safe to hold, and safe to play from unless it is refused.
 void expect_safe(Game& game, const std::string& text, Random& random) {
     Position& p = game.position;
-    position_from_fen(p, text);
+    (void)position_from_fen(p, text);
     ASSERT_EQ(verify(p), "") << text;
     const std::string fen = position_to_fen(p);
     if (position_problem(p)) return;
@@ -107,7 +108,7 @@ TEST(Fen, RandomAndBrokenText) {
         }
         visit_random_positions(scaled(5000), 54, [&](Game& visited) {
             std::string text = position_to_fen(visited.position);
-            position_from_fen(game->position, text);
+            (void)position_from_fen(game->position, text);
             ASSERT_EQ(position_to_fen(game->position), text);
             ASSERT_EQ(game->position.key, visited.position.key);
             ASSERT_EQ(game->position.pawn_key, visited.position.pawn_key);

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/board_support.h"
+#include "harness/board_support.h"
 
 namespace quon::test {
 namespace {

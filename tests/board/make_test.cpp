@@ -9,7 +9,7 @@
 #include "board/draw.h"
 #include "board/fen.h"
 #include "board/verify.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
 
 namespace quon::test {
 namespace {

@@ -8,8 +8,9 @@
 
 #include "board/fen.h"
 #include "board/movegen.h"
-#include "frontend/engine_options.h"
-#include "support/board_support.h"
+#include "frontend/board_report.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
@@ -63,7 +64,7 @@ TEST(ParseSan, Cases) {
     const std::string output = captured_output([&] {
         expect_reading(rows, [](const Position& p, std::string_view text) {
             Move move = 1;
-            const bool found = parse_san(p, text, move);
+            const bool found = read_move(p, text, move);
             EXPECT_EQ(found, move != NO_MOVE) << text;
             return move;
         });
@@ -79,10 +80,10 @@ TEST(ParseSan, WrittenMovesAreReadBack) {
             for (const Move move : legal_moves(p)) {
                 const MoveForms forms = move_forms(p, {move, 0, p.board[move_from(move)], 0});
                 Move read = NO_MOVE;
-                ASSERT_TRUE(parse_san(p, forms.coord, read)) << position_to_fen(p) << forms.coord;
+                ASSERT_TRUE(read_move(p, forms.coord, read)) << position_to_fen(p) << forms.coord;
                 ASSERT_EQ(read, move);
                 // Two pieces apart in file and rank share the bare letter.
-                if (!parse_san(p, forms.san, read)) ++refused;
+                if (!read_move(p, forms.san, read)) ++refused;
                 ASSERT_TRUE(read == move || read == NO_MOVE) << position_to_fen(p) << forms.san;
             }
             ASSERT_LT(refused, 40);
@@ -122,7 +123,7 @@ TEST(ParseSan, AgreesWithComparingAllForms) {
                     Move expected = NO_MOVE;
                     Move read = NO_MOVE;
                     const bool found = read_slowly(p, text, expected);
-                    ASSERT_EQ(parse_san(p, text, read), found) << position_to_fen(p) << text;
+                    ASSERT_EQ(read_move(p, text, read), found) << position_to_fen(p) << text;
                     ASSERT_EQ(read, expected) << position_to_fen(p) << text;
                 }
             }

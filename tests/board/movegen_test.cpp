@@ -9,7 +9,7 @@
 #include "board/fen.h"
 #include "board/legality.h"
 #include "board/make.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
 
 namespace quon::test {
 namespace {

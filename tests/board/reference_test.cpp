@@ -8,9 +8,9 @@
 #include "board/move_text.h"
 #include "board/movegen.h"
 #include "board/see.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "frontend/output.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

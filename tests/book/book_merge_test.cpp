@@ -8,10 +8,14 @@
 #include <array>
 #include <filesystem>
 
-#include "support/book_support.h"
+#include "frontend/output.h"
+#include "harness/book_support.h"
+#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
+
+const BookWork WORK{print_unlogged, engine_print, {}};
 
 struct BookMerge : testing::Test {
     BookDirectory directory;
@@ -67,13 +71,13 @@ TEST_F(BookMerge, AgainstSortedMap) {
         add(model, b);
         write_file("a.opn", bytes_of(a));
         write_file("b.opn", bytes_of(b));
-        ASSERT_TRUE(merge_runs("a.opn", "b.opn", "c.opn"));
+        ASSERT_TRUE(merge_runs("a.opn", "b.opn", "c.opn", WORK));
         ASSERT_EQ(records_of(read_file("c.opn")), limited(model));
-        ASSERT_TRUE(merge_runs("a.opn", b, "c.opn"));
+        ASSERT_TRUE(merge_runs("a.opn", b, "c.opn", WORK));
         ASSERT_EQ(records_of(read_file("c.opn")), limited(model));
-        ASSERT_TRUE(merge_runs("none.opn", b, "c.opn"));
+        ASSERT_TRUE(merge_runs("none.opn", b, "c.opn", WORK));
         ASSERT_EQ(read_file("c.opn"), bytes_of(b));
-        ASSERT_TRUE(merge_runs("a.opn", "none.opn", "c.opn"));
+        ASSERT_TRUE(merge_runs("a.opn", "none.opn", "c.opn", WORK));
         ASSERT_EQ(read_file("c.opn"), bytes_of(a));
     }
 }
@@ -81,7 +85,7 @@ TEST_F(BookMerge, AgainstSortedMap) {
 TEST_F(BookMerge, Saturation) {
     const BookKey key = {0x8001, 5};
     write_file("a.opn", bytes_of({{key, 59999, 40000, 60000}}));
-    ASSERT_TRUE(merge_runs("a.opn", Records{{key, 1, 20001, 1}}, "c.opn"));
+    ASSERT_TRUE(merge_runs("a.opn", Records{{key, 1, 20001, 1}}, "c.opn", WORK));
     EXPECT_EQ(records_of(read_file("c.opn")), (Records{{key, 60000, 60000, 60000}}));
 }
 
@@ -109,7 +113,7 @@ TEST_F(BookMerge, CopyFrequent) {
                              record(5, 60000, 60000, 60000),
                              record(4, 0, 0, 0)};
     write_file("a.opn", bytes_of(records));
-    EXPECT_EQ(copy_frequent("a.opn", 9, "c.opn"), 3);
+    EXPECT_EQ(copy_frequent("a.opn", 9, "c.opn", WORK), 3);
     EXPECT_EQ(records_of(read_file("c.opn")), (Records{records[0], records[2], records[4]}));
 }
 
@@ -117,12 +121,12 @@ TEST_F(BookMerge, Failures) {
     write_file("a.opn", bytes_of(random_run(10)));
     std::filesystem::create_directory("folder");
     const std::string output = captured_output([] {
-        EXPECT_FALSE(merge_runs("a.opn", Records{}, "folder"));
-        EXPECT_FALSE(merge_runs("folder", Records{}, "c.opn"));
-        EXPECT_FALSE(merge_runs("a.opn", "folder", "c.opn"));
-        EXPECT_EQ(copy_frequent("a.opn", 9, "nowhere/c.opn"), std::nullopt);
-        EXPECT_EQ(copy_frequent("none.opn", 9, "c.opn"), std::nullopt);
-        EXPECT_FALSE(rename_run("a.opn", "folder"));
+        EXPECT_FALSE(merge_runs("a.opn", Records{}, "folder", WORK));
+        EXPECT_FALSE(merge_runs("folder", Records{}, "c.opn", WORK));
+        EXPECT_FALSE(merge_runs("a.opn", "folder", "c.opn", WORK));
+        EXPECT_EQ(copy_frequent("a.opn", 9, "nowhere/c.opn", WORK), std::nullopt);
+        EXPECT_EQ(copy_frequent("none.opn", 9, "c.opn", WORK), std::nullopt);
+        EXPECT_FALSE(rename_run("a.opn", "folder", WORK));
     });
     EXPECT_EQ(output,
               "\ncannot write folder: Is a directory\n"

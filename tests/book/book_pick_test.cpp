@@ -10,7 +10,9 @@
 #include "board/fen.h"
 #include "board/move_text.h"
 #include "board/verify.h"
-#include "support/book_support.h"
+#include "frontend/book_report.h"
+#include "harness/book_support.h"
+#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
@@ -40,12 +42,12 @@ struct BookPick : testing::Test {
     }
 
     std::string pick(const std::string& moves = "", const char* fen = START_FEN) {
-        const auto game = game_after(moves, fen);
-        const std::string before = position_to_fen(game->position);
+        copy_game(engine.game, *game_after(moves, fen));
+        const std::string before = position_to_fen(engine.game.position);
         Move move = NO_MOVE;
-        printed = captured_output([&] { move = book_pick(game->position); });
-        EXPECT_EQ(position_to_fen(game->position), before);
-        EXPECT_EQ(verify(game->position), "");
+        printed = captured_output([&] { move = book_pick(engine); });
+        EXPECT_EQ(position_to_fen(engine.game.position), before);
+        EXPECT_EQ(verify(engine.game.position), "");
         return move_to_text(move);
     }
 };
@@ -65,10 +67,9 @@ TEST_F(BookPick, Table) {
         }
         EXPECT_EQ(printed, expected);
     }
-    const auto game = make_game(START_FEN);
-    const std::string shown = captured_output([&] { book_show(game->position, true); });
+    const std::string shown = captured_output([&] { book_show(engine, true); });
     EXPECT_EQ(shown, printed + "book move is g1f3\n\n");
-    EXPECT_EQ(captured_output([&] { book_show(game->position, false); }), printed);
+    EXPECT_EQ(captured_output([&] { book_show(engine, false); }), printed);
 }
 
 TEST_F(BookPick, Thresholds) {
@@ -135,10 +136,10 @@ TEST_F(BookPick, NothingForImpossiblePositions) {
 // What the move that could be played again is, does not change.
 TEST_F(BookPick, KeepsTheMoveToRedo) {
     make_book({{"e2e4", 0, 9, 0}, {"e2e4 e7e5", 0, 9, 0}});
-    const auto game = game_after("e2e4");
-    game->undo[game->game_ply].move = 77;
-    captured_output([&] { book_pick(game->position); });
-    EXPECT_EQ(game->undo[game->game_ply].move, 77);
+    copy_game(engine.game, *game_after("e2e4"));
+    engine.game.undo[engine.game.game_ply].move = 77;
+    captured_output([&] { book_pick(engine); });
+    EXPECT_EQ(engine.game.undo[engine.game.game_ply].move, 77);
 }
 
 TEST_F(BookPick, Distribution) {
@@ -162,11 +163,11 @@ TEST_F(BookPick, Distribution) {
         expected[winner] += double(DRAWS) / (VARIETY * VARIETY * VARIETY);
     }
     options.book_variety = VARIETY;
-    std::srand(1);
+    seed(engine.random, 1);
     std::map<std::string, int> drawn;
-    const auto game = make_game(START_FEN);
+    copy_game(engine.game, *make_game(START_FEN));
     captured_output([&] {
-        for (int i = 0; i < DRAWS; ++i) ++drawn[move_to_text(book_pick(game->position))];
+        for (int i = 0; i < DRAWS; ++i) ++drawn[move_to_text(book_pick(engine))];
     });
     const int counts[] = {drawn["e2e4"], drawn["d2d4"], drawn["c2c4"]};
     double chi_square = 0;

@@ -7,7 +7,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "support/book_support.h"
+#include "harness/book_support.h"
+#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
@@ -35,11 +36,11 @@ void expect_lookups(const Records& book, Random& random) {
     Records wanted = book;
     std::shuffle(wanted.begin(), wanted.end(), random);
     for (const BookRecord& record : wanted) {
-        ASSERT_EQ(book_find(record.key), record);
+        ASSERT_EQ(book_find(engine.book, record.key), record);
         const BookKey other = {record.key.key16, record.key.key32 + 1};
         const bool present = std::any_of(book.begin(), book.end(),
                                          [&](const BookRecord& r) { return r.key == other; });
-        ASSERT_EQ(book_find(other).has_value(), present);
+        ASSERT_EQ(book_find(engine.book, other).has_value(), present);
     }
 }
 
@@ -49,7 +50,7 @@ TEST_F(Book, EveryRecordIsFound) {
         const Records records = random_records(count, random);
         write_file("a.opn", bytes_of(records));
         EXPECT_EQ(open_book("a.opn"), "");
-        ASSERT_TRUE(book_in_use());
+        ASSERT_TRUE(book_in_use(engine.book));
         expect_lookups(records, random);
     }
 }
@@ -87,8 +88,8 @@ TEST_F(Book, NoBook) {
         for (const auto& [path, problem] : cases) {
             const std::string line = start + "book file " + path + " " + problem + "\n";
             EXPECT_EQ(open_book(path), problem.empty() ? "" : line);
-            EXPECT_FALSE(book_in_use()) << path;
-            EXPECT_EQ(book_find({0x8000, 1}), std::nullopt);
+            EXPECT_FALSE(book_in_use(engine.book)) << path;
+            EXPECT_EQ(book_find(engine.book, {0x8000, 1}), std::nullopt);
         }
     }
     std::filesystem::create_directory("quon.opn");
@@ -104,14 +105,14 @@ TEST_F(Book, CutShort) {
         EXPECT_NE(open_book("a.opn").find("cut short"), std::string::npos);
         const Records whole(records.begin(), records.end() - 1);
         expect_lookups(whole, random);
-        EXPECT_EQ(book_find(records.back().key), std::nullopt);
+        EXPECT_EQ(book_find(engine.book, records.back().key), std::nullopt);
     }
 }
 
 // Whatever is found carries the wanted key and counters of the file.
 void expect_no_inventions(const Records& file, const Records& wanted) {
     for (const BookRecord& record : wanted) {
-        const std::optional<BookRecord> found = book_find(record.key);
+        const std::optional<BookRecord> found = book_find(engine.book, record.key);
         if (!found) continue;
         ASSERT_EQ(found->key, record.key);
         ASSERT_NE(std::find(file.begin(), file.end(), *found), file.end());
@@ -142,7 +143,7 @@ TEST_F(Book, ReplacedWhileInUse) {
     for (const std::string& replacement : replacements) {
         write_file("a.opn", bytes_of(before));
         open_book("a.opn");
-        EXPECT_EQ(book_find(before[3].key), before[3]);
+        EXPECT_EQ(book_find(engine.book, before[3].key), before[3]);
         write_file("a.opn", replacement);
         expect_no_inventions(all, before);
     }

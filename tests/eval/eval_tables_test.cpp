@@ -7,8 +7,9 @@
 #include "eval/eval_params.h"
 #include "eval/eval_print.h"
 #include "eval/tunables.h"
-#include "frontend/output.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -51,7 +52,7 @@ TEST(EvalTables, ParametersReachTheTables) {
     params.rook_trapped = {-31, 99};
     params.queen_rank7 = {99, 11};
     params.knight_mobility = {100, -100};
-    init_eval_tables();
+    init_eval_tables(eval_tables, params);
     const EvalTables& t = eval_tables;
     EXPECT_EQ(format("%d %d", t.pst[KNIGHT][A1].op, t.pst[KNIGHT][A1].en), "-17 -70");  // truncated
     EXPECT_EQ(format("%d %d %d", t.KingDanger[63], t.ppawnx[0], t.ppawnx[1]), "0 -6 10");
@@ -63,19 +64,19 @@ TEST(EvalTables, ParametersReachTheTables) {
     for (auto& table : params.pst) {
         for (int square = 0; square < 64; ++square) table[square] = {i16(square), i16(-square)};
     }
-    init_eval_tables();
+    init_eval_tables(eval_tables, params);
     EXPECT_EQ(eval_tables.pst[KING][E8].op, E8);
     EXPECT_EQ(eval_tables.pst[PAWN][B1].en, -B1);
     params.pst[QUEEN][C8].en = UNSET;
-    init_eval_tables();
+    init_eval_tables(eval_tables, params);
     EXPECT_EQ(eval_tables.pst[KNIGHT][A1].op, -35);
     EXPECT_EQ(eval_tables.pst[PAWN][square_of("a2")].op, -7);
     params = saved;
-    init_eval_tables();
+    init_eval_tables(eval_tables, params);
 }
 
 TEST(EvalTables, Print) {
-    const std::vector<std::string> lines = split(captured_output(print_eval_tables), '\n');
+    const std::vector<std::string> lines = split(eval_tables_text(eval_tables), '\n');
     const std::pair<std::size_t, const char*> cases[] = {
         {0, "piece values=  90/110  380/350  390/360  530/630  1180/1180"},
         {3, "KingDanger[]="},
@@ -99,8 +100,8 @@ TEST(EvalTables, Print) {
 }
 
 TEST(Tunables, Registry) {
-    register_tunables();
-    register_tunables();
+    register_tunables(engine.tunables, params);
+    register_tunables(engine.tunables, params);
     EXPECT_EQ(tunables.size(), 114U);
     const std::tuple<std::size_t, const char*, const i16*, int> cases[] = {
         {0, "pawn_value_op", &params.pawn_value.op, 100},

@@ -5,8 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "board/fen.h"
-#include "support/board_support.h"
-#include "support/eval_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/eval_support.h"
 
 namespace quon::test {
 namespace {
@@ -45,7 +46,7 @@ TEST(Evaluate, CachesInAnIterationOnly) {
     const auto state = make_eval_state();
     EvalNotes notes{};
     const auto score_and_counts = [&](int ply, bool iterating) {
-        const int score = evaluate(*state, p, notes, {ply, false, iterating, true});
+        const int score = evaluate(*state, p, notes, {ply, false, iterating, nullptr});
         return std::vector<int>{score, int(state->evaluations.get()), int(state->eval_hits.get()),
                                 int(state->pawn_probes.get()), int(state->pawn_hits.get())};
     };
@@ -69,10 +70,10 @@ TEST(Evaluate, CachedEqualsComputed) {
         const Position& p = game.position;
         const bool check = in_check(p);
         EvalNotes first{};
-        const int expected = evaluate(*fresh, p, first, {2, check, false, true});
+        const int expected = evaluate(*fresh, p, first, {2, check, false, nullptr});
         for (int time = 0; time < 2; ++time) {
             EvalNotes second{};
-            ASSERT_EQ(evaluate(*cached, p, second, {2, check, true, true}), expected);
+            ASSERT_EQ(evaluate(*cached, p, second, {2, check, true, nullptr}), expected);
             ASSERT_EQ(second.threat[WHITE], first.threat[WHITE]) << position_to_fen(p);
             ASSERT_EQ(second.threat[BLACK], first.threat[BLACK]) << position_to_fen(p);
             ASSERT_EQ(second.eval_final, first.eval_final) << position_to_fen(p);
@@ -101,17 +102,7 @@ TEST(Evaluate, ColorFlipSymmetry) {
     EXPECT_LE(broken * 200, positions);
 }
 
-TEST(Evaluate, TraceOnlyOutsideIterationsAtTheMainThreadsRoot) {
-    const auto game = make_game("r3k3/8/8/8/8/8/P7/R3K3 w - -");
-    const auto state = make_eval_state();
-    reset_trace();
-    for (const EvalCall& call : {EvalCall{1, false, true, true}, EvalCall{2, false, false, true},
-                                 EvalCall{1, false, false, false}}) {
-        EvalNotes notes{};
-        evaluate(*state, game->position, notes, call);
-    }
-    EXPECT_EQ(traced.total[TRACE_MATERIAL][WHITE], 0);
-    EXPECT_EQ(traced.stage, 0);
+TEST(Evaluate, TraceOfAMatingEnding) {
     // The score of bishop and knight is noted as returned, for the side to move.
     const EvalTrace mates = evaluate_fresh("8/8/8/8/3K4/8/8/k1B1N3 b - -").trace;
     EXPECT_EQ(mates.square[square_of("d4")], -944);

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "board/bitboard.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
 
 namespace quon::test {
 namespace {

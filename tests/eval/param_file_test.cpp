@@ -1,16 +1,18 @@
 // Reading parameter files.
 
-#include "eval/param_file.h"
+#include "eval/parameters.h"
+#include "frontend/param_settings.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
-#include "support/board_support.h"
-#include "support/files.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/files.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -21,6 +23,7 @@ protected:
     void TearDown() override {
         std::filesystem::remove(path);
         options = saved;
+        settings = saved_settings;
     }
 
     // Loads a file with this text into a new record; what is printed goes to `printed`.
@@ -28,7 +31,7 @@ protected:
         std::ofstream(path, std::ios::binary) << text;
         record = {};
         bool result = false;
-        printed = captured_output([&] { result = load_params(path, record); });
+        printed = captured_output([&] { result = load_params(engine, path, record); });
         return result;
     }
 
@@ -41,13 +44,14 @@ protected:
 
 private:
     const EngineOptions saved = options;
+    const SearchSettings saved_settings = settings;
 };
 
 TEST_F(ParamFile, MissingFileChangesNothing) {
     record.pst[PAWN][A1] = {1, 2};
     make_pipe(path);
     for (const std::string& file : {path + "none", path, std::string("/dev/zero")}) {
-        EXPECT_EQ(captured_output([&] { EXPECT_FALSE(load_params(file, record)); }), "");
+        EXPECT_EQ(captured_output([&] { EXPECT_FALSE(load_params(engine, file, record)); }), "");
         EXPECT_EQ(record.pst[PAWN][A1].en, 2) << file;
     }
 }
@@ -94,8 +98,21 @@ TEST_F(ParamFile, EveryKindOfKey) {
                      r.rook_trapped.en, r.tune),
               "7 4 101 11 77 250 -30 -9 300");
     EXPECT_EQ(format("%d %d %d %d", options.book_variety, options.book_depth,
-                     options.syzygy_probe_depth5.get(), options.syzygy_probe_depth6.get()),
+                     settings.syzygy_probe_depth5.get(), settings.syzygy_probe_depth6.get()),
               "12 255 3 4");
+}
+
+// The guide for users has a row for every key of one line, and no other.
+TEST(ParamGuide, NamesEveryKey) {
+    std::ifstream guide(std::string(QUON_SOURCE_DIR) + "/docs/quon-rc.md");
+    std::set<std::string> told;
+    for (std::string line; std::getline(guide, line);) {
+        if (line.starts_with("| `")) told.insert(line.substr(3, line.find('`', 3) - 3));
+    }
+    std::set<std::string> known = {"QuonBook",   "BookDepth",         "BookVariety",
+                                   "SyzygyPath", "SyzygyProbeDepth5", "SyzygyProbeDepth6"};
+    for (const Parameter& parameter : parameters()) known.insert(parameter.key);
+    EXPECT_EQ(told, known);
 }
 
 TEST_F(ParamFile, Ranges) {

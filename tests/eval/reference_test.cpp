@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "frontend/output.h"
-#include "support/board_support.h"
-#include "support/eval_support.h"
+#include "harness/board_support.h"
+#include "harness/eval_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

@@ -3,8 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/board_support.h"
-#include "support/eval_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/eval_support.h"
 
 namespace quon::test {
 namespace {

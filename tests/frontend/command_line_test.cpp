@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "eval/eval_params.h"
-#include "frontend/engine_options.h"
-#include "support/board_support.h"
+#include "frontend/output.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
@@ -16,13 +17,14 @@ struct CommandLineTest : testing::Test {
     void TearDown() override { reset(); }
     static void reset() {
         options = {};
+        settings = {};
         limits = {};
         params = {};
     }
     // Words are separated by '|'.
     static RunMode apply(const std::string& words) {
         reset();
-        return apply_command_line(read_command_line(split(words, '|')));
+        return apply_command_line(engine, read_command_line(engine, split(words, '|')));
     }
 };
 
@@ -32,13 +34,13 @@ TEST_F(CommandLineTest, Numbers) {
         std::vector<std::pair<const char*, double>> settings;
     } cases[] = {
         // Unknown words are passed over; the word behind a switch is its argument, whatever it is.
-        {[] { return double(options.hash_mb); },
+        {[] { return double(settings.hash_mb); },
          {{"-hash|9000", 8192},
           {"-hash|-5", 0},
           {"-hash|16", 16},
           {"-hash|big", 0},
           {"-HASH|1|-hash 1|hash|1|", 64}}},
-        {[] { return double(options.threads); },
+        {[] { return double(settings.threads); },
          {{"-threads|0", 1},
           {"-threads|200", 80},
           {"-threads|300", 44},
@@ -49,9 +51,9 @@ TEST_F(CommandLineTest, Numbers) {
         {[] { return double(limits.max_nodes); }, {{"-n|5000", 5000}}},
         {[] { return limits.fixed_time; }, {{"-d|12", 10000}, {"-n|5000", 1000}, {"-t|2.5", 2.5}}},
         {[] { return options.output_delay.get(); }, {{"-noise|0.5", 0.5}, {"-quiet", 9999}}},
-        {[] { return double(options.log_enabled.get()); }, {{"-quiet", 0}, {"-nolog", 0}}},
+        {[] { return double(log_enabled()); }, {{"-quiet", 0}, {"-nolog", 0}}},
         {[] { return double(options.uci_mode.get()); }, {{"-c", 0}, {"-c|-uci", 1}}},
-        {[] { return double(options.numa); }, {{"-numa", 1}}},
+        {[] { return double(settings.numa); }, {{"-numa", 1}}},
         {[] { return double(options.uci_extra.get()); }, {{"-uci_extra", 1}}},
     };
     for (const auto& c : cases) {
@@ -63,7 +65,7 @@ TEST_F(CommandLineTest, Numbers) {
     EXPECT_EQ(captured_output([] { apply("-nps|1000000"); }), "Elo= 2870\n");
     EXPECT_EQ(params.limit_strength, 1);
     EXPECT_EQ(params.elo, 2870);
-    EXPECT_EQ(options.target_nps, 1000000.0);
+    EXPECT_EQ(settings.target_nps, 1000000.0);
 }
 
 // Of several jobs one wins, whatever their order on the command line.

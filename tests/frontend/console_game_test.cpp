@@ -8,9 +8,11 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "board/verify.h"
+#include "frontend/board_report.h"
+#include "harness/board_support.h"
+#include "harness/console_support.h"
+#include "harness/engine.h"
 #include "search/run.h"
-#include "support/board_support.h"
-#include "support/console_support.h"
 
 namespace quon::test {
 namespace {
@@ -112,7 +114,7 @@ TEST_F(ConsoleGame, LongGames) {
     for (int i = 0; i < MAX_GAME_PLIES + 1; ++i) {
         constexpr const char* SHUFFLE[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
         Move move = NO_MOVE;
-        ASSERT_TRUE(parse_san(game.position, SHUFFLE[i % 4], move));
+        ASSERT_TRUE(read_move(game.position, SHUFFLE[i % 4], move));
         make_game_move(game, move);
     }
     console("undo");

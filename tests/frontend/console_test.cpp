@@ -9,11 +9,12 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "board/verify.h"
+#include "harness/board_support.h"
+#include "harness/console_support.h"
+#include "harness/engine.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "search/search_params.h"
-#include "support/board_support.h"
-#include "support/console_support.h"
 
 namespace quon::test {
 namespace {
@@ -61,17 +62,17 @@ TEST_F(Console, NumbersThatAreStoredInSilence) {
         {"depth 127", [] { return double(limits.depth_limit); }, 66},
         {"depth", [] { return double(limits.depth_limit); }, 0},
         {"depth 999999999999999999999", [] { return double(limits.depth_limit); }, 66},
-        {"ponder 0", [] { return double(options.ponder_option); }, 0},
-        {"ponder 1x", [] { return double(options.ponder_option); }, 1},
+        {"ponder 0", [] { return double(settings.ponder_option); }, 0},
+        {"ponder 1x", [] { return double(settings.ponder_option); }, 1},
         {"noise 2.5", [] { return options.output_delay.get(); }, 2.5},
-        {"hash 2", [] { return double(options.hash_mode); }, 2},
-        {"hash -1", [] { return double(options.hash_mode); }, 0},
+        {"hash 2", [] { return double(settings.hash_mode); }, 2},
+        {"hash -1", [] { return double(settings.hash_mode); }, 0},
         {"debug 7", [] { return double(options.debug); }, 7},
-        {"trace -99999", [] { return double(options.trace); }, -32768},
-        {"trace 0", [] { return double(options.trace); }, 0},
-        {"multipv 0", [] { return double(options.multipv); }, 0},
-        {"multipv 400", [] { return double(options.multipv); }, 400},
-        {"set_multipv_to 3 9", [] { return double(options.multipv); }, 3},
+        {"trace -99999", [] { return double(settings.trace); }, -32768},
+        {"trace 0", [] { return double(settings.trace); }, 0},
+        {"multipv 0", [] { return double(settings.multipv); }, 0},
+        {"multipv 400", [] { return double(settings.multipv); }, 400},
+        {"set_multipv_to 3 9", [] { return double(settings.multipv); }, 3},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(console(c.line), "") << c.line;
@@ -90,14 +91,14 @@ TEST_F(Console, Set) {
         {"set FP_depth 2x", "FP_depth set to 2", [] { return search_params.FP_depth; }, 2},
         {"set LMP_depth", "LMP_depth set to 0", [] { return search_params.LMP_depth; }, 0},
         {"set LMR_depth 4", "LMR_depth set to 4", [] { return search_params.LMR_depth; }, 4},
-        {"set LMR_strength 0", "LMR_strength set to 0", [] { return int(pv_reductions[50][31]); },
-         0},
+        {"set LMR_strength 0", "LMR_strength set to 0",
+         [] { return int(search_params.pv_reductions[50][31]); }, 0},
         {"set LMR_strength 99999", "LMR_strength set to 32767",
-         [] { return int(pv_reductions[50][31]); }, 2},
+         [] { return int(search_params.pv_reductions[50][31]); }, 2},
         {"set target_nps 1234.6", "target_nps set to 1235", [] { return +params.limit_strength; },
          1},
         {"set ss_off", "selectivity set to OFF", [] { return search_params.LMR_depth; }, 99},
-        {"set target_nps", "target_nps set to 21", [] { return int(options.target_nps.get()); },
+        {"set target_nps", "target_nps set to 21", [] { return int(settings.target_nps.get()); },
          21},
         {"set", "selectivity set to default", [] { return +params.limit_strength; }, 0},
         {"set ss_off 3", "selectivity set to OFF", [] { return search_params.NMP_depth; }, 99},
@@ -115,7 +116,7 @@ TEST_F(Console, Set) {
 
 TEST_F(Console, Reductions) {
     params.FP_margin = 131;
-    apply_search_params();
+    apply_search_params(search_params, params);
     const std::vector<std::string> lines = split(console("lmr"), '\n');
     const std::vector<std::string> first = {"FP_depth= 3",    "FP_margin= 131", "SEP_depth= 3",
                                             "SEP_margin= 75", "NMP_depth= 3",   "LMP_depth= 5",

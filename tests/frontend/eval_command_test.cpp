@@ -11,11 +11,12 @@
 
 #include "board/fen.h"
 #include "board/legality.h"
-#include "frontend/output.h"
+#include "harness/board_support.h"
+#include "harness/console_support.h"
+#include "harness/engine.h"
 #include "search/hash.h"
 #include "search/run.h"
-#include "support/board_support.h"
-#include "support/console_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -94,7 +95,7 @@ Breakdown read_breakdown(const std::string& text) {
 }
 
 Breakdown breakdown(const std::string& fen) {
-    position_from_fen(game.position, fen);
+    (void)position_from_fen(game.position, fen);
     return read_breakdown(console("ev"));
 }
 
@@ -164,7 +165,7 @@ TEST_F(EvalCommand, SameFromTheOtherSide) {
     const int count = scaled(2000);
     visit_random_positions(count, 22, [&](Game& visited) {
         const Breakdown a = breakdown(position_to_fen(visited.position));
-        hash_clear();
+        hash_clear(engine.hash);
         const Breakdown b = breakdown(flip_colors(visited.position));
         bool same = a.eval == b.eval && a.stage == b.stage && a.factor == b.factor;
         for (int row = 0; row < ROWS; ++row) {
@@ -184,7 +185,7 @@ TEST_F(EvalCommand, SameFromTheOtherSide) {
 
 TEST_F(EvalCommand, FiguresOfAnotherProgram) {
     expect_reference("evaluation", [&](const Position& p) {
-        hash_clear();
+        hash_clear(engine.hash);
         const Breakdown b = breakdown(position_to_fen(p));
         std::vector<std::string> cells = {std::to_string(b.eval),
                                           std::to_string(b.captures),

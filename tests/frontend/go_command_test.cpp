@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "board/fen.h"
-#include "frontend/engine_options.h"
-#include "frontend/output.h"
+#include "harness/engine.h"
 #include "search/control.h"
 #include "search/run.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -15,7 +15,7 @@ namespace {
 struct GoCommand : testing::Test {
     void SetUp() override {
         game.position.owner = &game;
-        position_from_fen(game.position, START_FEN);
+        set_start_position(game.position);
         TearDown();
     }
     void TearDown() override {
@@ -40,7 +40,7 @@ TEST_F(GoCommand, Clocks) {
     };
     for (const auto& c : cases) {
         game.position.side = u8(c.side);
-        go_command(c.rest);
+        go_command(engine, c.rest);
         EXPECT_EQ(format("%d %g %g %g %d", limits.time_mode, limits.clock[WHITE],
                          limits.clock[BLACK], limits.increment, limits.moves_to_go),
                   c.limits)
@@ -48,7 +48,7 @@ TEST_F(GoCommand, Clocks) {
         EXPECT_EQ(control.go_request, GO_PLAY);
         EXPECT_EQ(control.stop_flag, ABORT);
     }
-    go_command("wtime 1 ponder btime 1");
+    go_command(engine, "wtime 1 ponder btime 1");
     EXPECT_EQ(control.go_request, GO_PONDER);
 }
 
@@ -75,7 +75,7 @@ TEST_F(GoCommand, FixedForms) {
         {"depth 99999999999999999999", "1 66 0 1e+07 0"},
     };
     for (const auto& c : cases) {
-        go_command(c.rest);
+        go_command(engine, c.rest);
         EXPECT_EQ(format("%d %d %d %g %g", limits.time_mode, limits.depth_limit,
                          int(limits.max_nodes), limits.fixed_time, limits.increment),
                   c.limits)
@@ -86,7 +86,7 @@ TEST_F(GoCommand, FixedForms) {
 TEST_F(GoCommand, Garbage) {
     for (const char* rest : {"", " ", "depth", "wtime", "wtime btime", "movetime x nodes -7",
                              "searchmoves e2e4", "mate 3", "\x01\xff", "nodesnodes 5"}) {
-        go_command(rest);
+        go_command(engine, rest);
         EXPECT_EQ(control.go_request, GO_PLAY) << rest;
         EXPECT_GE(limits.max_nodes, 0) << rest;
         EXPECT_LE(limits.depth_limit, NO_DEPTH_LIMIT) << rest;

@@ -5,8 +5,9 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
 #include "search/run.h"
-#include "support/board_support.h"
 
 namespace quon::test {
 namespace {
@@ -16,12 +17,12 @@ constexpr char AFTER_E4[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQk
 struct PositionCommand : testing::Test {
     void SetUp() override {
         game.position.owner = &game;
-        position_from_fen(game.position, START_FEN);
+        set_start_position(game.position);
     }
     void TearDown() override { SetUp(); }
     static std::string fen() { return position_to_fen(game.position); }
     static std::string output(const std::string& rest) {
-        return captured_output([&] { position_command(rest); });
+        return captured_output([&] { position_command(engine, rest); });
     }
 };
 
@@ -69,9 +70,9 @@ TEST_F(PositionCommand, TokensThatAreNoMovesEndTheList) {
 }
 
 TEST_F(PositionCommand, NothingIsLeftToReplay) {
-    position_command("startpos moves e2e4 e7e5 g1f3");
+    position_command(engine, "startpos moves e2e4 e7e5 g1f3");
     EXPECT_NE(game.undo[2].move, NO_MOVE);
-    position_command("startpos moves e2e4 e7e5");
+    position_command(engine, "startpos moves e2e4 e7e5");
     EXPECT_EQ(game.undo[2].move, NO_MOVE);
     EXPECT_EQ(game.undo[1].move,
               parse_coordinates(make_game("8/4p3/8/8/8/8/8/8 b - -")->position, "e7e5"));

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "frontend/engine_options.h"
-#include "support/board_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
@@ -36,6 +36,7 @@ TEST(UciOptions, NameAndValue) {
 // tried in the sessions of tests/protocol.
 TEST(UciOptions, Replies) {
     const EngineOptions kept = options;
+    const SearchSettings kept_settings = settings;
     const SearchLimits kept_limits = limits;
     const std::string long_path(129, 'p');
     const std::string no_tables = "\ninfo string found 0 tablebases";
@@ -59,14 +60,15 @@ TEST(UciOptions, Replies) {
         {"SyzygyProbeDepth6 value 101", "SyzygyProbeDepth6 set to 100"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(captured_output([&] { setoption_command("name " + c.rest); }),
+        EXPECT_EQ(captured_output([&] { setoption_command(engine, "name " + c.rest); }),
                   "info string " + c.reply + "\n");
     }
     EXPECT_DOUBLE_EQ(limits.move_overhead, 0.25) << "seconds";
     for (const std::string& rest : {std::string(), "name " + std::string(4000, 'n') + " value 1"}) {
-        EXPECT_EQ(captured_output([&] { setoption_command(rest); }), "");
+        EXPECT_EQ(captured_output([&] { setoption_command(engine, rest); }), "");
     }
     options = kept;
+    settings = kept_settings;
     limits = kept_limits;
 }
 

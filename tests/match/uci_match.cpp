@@ -28,8 +28,9 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "frontend/engine_options.h"
+#include "engine/engine.h"
 #include "frontend/output.h"
+#include "support/format.h"
 
 using namespace quon;
 
@@ -155,8 +156,7 @@ struct Result {
 Result play(Program* const players[2], const std::string& fen, const Settings& settings) {
     const auto game = std::make_unique<Game>();
     Position& p = game->position;
-    p.owner = game.get();
-    position_from_fen(p, fen);
+    (void)position_from_fen(p, fen);
     std::string moves;
     double clocks[2] = {settings.seconds, settings.seconds};
     Result result;
@@ -240,7 +240,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     init_attack_tables();
     init_keys();
-    options.log_enabled = false;
+    set_log_enabled(false);
     const Settings settings = read_settings(argc, argv);
     const std::vector<std::string> openings = read_openings(settings.openings);
     Program first{.command = settings.first, .buffer = {}, .faults = {}};

@@ -7,8 +7,9 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "harness/book_support.h"
+#include "harness/engine.h"
 #include "protocol/session.h"
-#include "support/book_support.h"
 
 namespace quon::test {
 namespace {

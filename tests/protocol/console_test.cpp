@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "harness/board_support.h"
+#include "harness/files.h"
 #include "protocol/session.h"
-#include "support/board_support.h"
-#include "support/files.h"
 
 namespace quon::test {
 namespace {

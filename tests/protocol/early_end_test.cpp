@@ -6,10 +6,10 @@
 #include <csignal>
 #include <filesystem>
 
+#include "harness/board_support.h"
+#include "harness/tool_support.h"
 #include "platform/clock.h"
 #include "protocol/session.h"
-#include "support/board_support.h"
-#include "support/tool_support.h"
 
 namespace quon::test {
 namespace {

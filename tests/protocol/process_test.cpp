@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <fstream>
 
-#include "frontend/output.h"
+#include "harness/board_support.h"
+#include "harness/files.h"
+#include "harness/tool_support.h"
 #include "protocol/session.h"
-#include "support/board_support.h"
-#include "support/files.h"
-#include "support/tool_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

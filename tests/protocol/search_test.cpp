@@ -7,10 +7,11 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "frontend/output.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
 #include "platform/clock.h"
 #include "protocol/session.h"
-#include "support/board_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

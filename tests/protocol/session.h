@@ -1,7 +1,7 @@
 #pragma once
 // A UCI session with the program, as a front end leads it.
 
-#include "support/process.h"
+#include "harness/process.h"
 
 namespace quon::test {
 

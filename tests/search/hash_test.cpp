@@ -5,11 +5,11 @@
 #include "board/keys.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "frontend/engine_options.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
 #include "search/hash.h"
 #include "search/score.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
 
 namespace quon::test {
 namespace {
@@ -21,17 +21,17 @@ constexpr int NOT_FOUND = -99;
 struct HashTest : testing::Test {
     std::unique_ptr<Game> white = make_game("4k3/8/8/8/8/8/4R3/4K3 w - -");
     std::unique_ptr<Game> black = make_game("4k3/4r3/8/8/8/8/8/4K3 b - -");
-    const EngineOptions saved = options;
+    const SearchSettings saved = settings;
 
     HashTest() { allocate(1); }
     ~HashTest() override {
-        hash_free();
-        options = saved;
+        hash_free(engine.hash);
+        settings = saved;
     }
     static void allocate(int megabytes) {
-        options.hash_mb = i16(megabytes);
-        ASSERT_TRUE(hash_alloc());
-        hash_start_search(1);
+        settings.hash_mb = i16(megabytes);
+        ASSERT_TRUE(hash_alloc(engine.hash, settings.hash_mb));
+        hash_start_search(engine.hash, 1, settings.hash_mode != 0);
     }
     Position& at(u32 lock, u32 low, int side = WHITE) {
         Position& p = (side == WHITE ? white : black)->position;
@@ -39,10 +39,10 @@ struct HashTest : testing::Test {
         return p;
     }
     void store(u32 lock, u32 low, int depth, int side = WHITE) {
-        hash_store(at(lock, low, side), 1, depth, 10, 0, 20, NO_MOVE);
+        hash_store(engine.hash, at(lock, low, side), 1, depth, 10, 0, 20, NO_MOVE);
     }
     int depth_at(u32 lock, u32 low, int side = WHITE) {
-        return hash_probe(at(lock, low, side)).depth;
+        return hash_probe(engine.hash, at(lock, low, side)).depth;
     }
 };
 
@@ -62,14 +62,14 @@ TEST_F(HashTest, BoundsAndMateDistances) {
                  {-9698, UPPER_BOUND, 5, -9703, 5, -9698},
                  {-9697, UPPER_BOUND, 5, -9697, 5, -9697}};
     for (const auto& c : cases) {
-        hash_clear();
-        hash_store(at(7, 100), c.stored_at, 4, c.score, 0, 100, make_code(12, 20));
-        const HashEntry entry = hash_probe(at(7, 100));
+        hash_clear(engine.hash);
+        hash_store(engine.hash, at(7, 100), c.stored_at, 4, c.score, 0, 100, make_code(12, 20));
+        const HashEntry entry = hash_probe(engine.hash, at(7, 100));
         EXPECT_EQ(entry.move, make_code(12, 20));
         EXPECT_EQ(entry.bound, c.bound) << c.score;
         EXPECT_EQ(entry.depth, 4);
         EXPECT_EQ(entry.score, c.stored) << c.score;
-        EXPECT_EQ(score_from_table(entry.score, c.read_at), c.read) << c.score;
+        EXPECT_EQ(score_from_tt(entry.score, c.read_at), c.read) << c.score;
     }
 }
 
@@ -79,11 +79,11 @@ TEST_F(HashTest, SamePositionKeepsMuchDeeperEntries) {
         bool replaced;
     } cases[] = {{10, 7, false}, {10, 8, true}, {10, 12, true}, {1, 0, true}, {3, 0, false}};
     for (const auto& c : cases) {
-        hash_clear();
-        hash_store(at(7, 100), 1, c.old_depth, 10, 0, 20, make_code(12, 28));
-        hash_start_search(9);  // the age does not matter here
-        hash_store(at(7, 100), 1, c.depth, -5, 0, 20, NO_MOVE);
-        const HashEntry entry = hash_probe(at(7, 100));
+        hash_clear(engine.hash);
+        hash_store(engine.hash, at(7, 100), 1, c.old_depth, 10, 0, 20, make_code(12, 28));
+        hash_start_search(engine.hash, 9, settings.hash_mode != 0);  // the age does not matter here
+        hash_store(engine.hash, at(7, 100), 1, c.depth, -5, 0, 20, NO_MOVE);
+        const HashEntry entry = hash_probe(engine.hash, at(7, 100));
         EXPECT_EQ(entry.depth, c.replaced ? c.depth : c.old_depth) << c.old_depth << " " << c.depth;
         EXPECT_EQ(entry.score, c.replaced ? -5 : 10);
         EXPECT_EQ(entry.move, c.replaced ? NO_MOVE : make_code(12, 28));
@@ -101,12 +101,12 @@ TEST_F(HashTest, VictimIsOldestAndShallowest) {
         {{2, 3, 4, 1}, {4, 0, 0, 21}, 6, 0, 0},
     };
     for (const auto& c : cases) {
-        hash_clear();
+        hash_clear(engine.hash);
         for (u32 i = 0; i < 4; ++i) {  // empty entries are taken from the first on
-            hash_start_search(c.ages[i]);
+            hash_start_search(engine.hash, c.ages[i], true);
             store(1 + i, 100, c.depths[i]);
         }
-        hash_start_search(c.age);
+        hash_start_search(engine.hash, c.age, true);
         store(9, 100, c.depth);
         EXPECT_EQ(depth_at(9, 100) == c.depth, c.victim >= 0);
         for (int i = 0; i < 4; ++i) {
@@ -124,10 +124,10 @@ TEST_F(HashTest, ImplausibleMovesAreMisses) {
         {"4k3/8/8/8/8/8/4r3/4K3 w - -", false},    // not the mover's piece
         {"4k3/8/8/4N3/8/8/4R3/4K3 w - -", false},  // takes an own piece
     };
-    hash_store(at(7, 100), 1, 4, 10, 0, 20, make_code(12, 36));
+    hash_store(engine.hash, at(7, 100), 1, 4, 10, 0, 20, make_code(12, 36));
     for (const auto& [fen, hit] : cases) {
         white = make_game(fen);
-        EXPECT_EQ(hash_probe(at(7, 100)).hit(), hit) << fen;
+        EXPECT_EQ(hash_probe(engine.hash, at(7, 100)).hit(), hit) << fen;
     }
 }
 
@@ -170,18 +170,18 @@ TEST_F(HashTest, BothColoursCoverTheBlock) {
 TEST_F(HashTest, NoTableNoEntries) {
     store(7, 100, 4);
     for (const int mode : {0, 1}) {
-        options.hash_mode = decltype(options.hash_mode)(mode);
-        hash_start_search(2);
+        settings.hash_mode = decltype(settings.hash_mode)(mode);
+        hash_start_search(engine.hash, 2, settings.hash_mode != 0);
         EXPECT_EQ(depth_at(7, 100), mode ? 4 : NOT_FOUND);
     }
     allocate(0);
     for (const int side : {WHITE, BLACK}) {
         store(7, 0xFFFFFFFF, 4, side);
-        hash_prefetch(at(7, 0xFFFFFFFF, side));
+        hash_prefetch(engine.hash, at(7, 0xFFFFFFFF, side));
         EXPECT_EQ(depth_at(7, 0xFFFFFFFF, side), NOT_FOUND);
     }
-    hash_update_fill();
-    EXPECT_EQ(hash_fill(), 0);
+    hash_update_fill(engine.hash);
+    EXPECT_EQ(engine.hash.fill, 0);
 }
 
 TEST_F(HashTest, FillCountsTheCurrentGeneration) {
@@ -189,15 +189,15 @@ TEST_F(HashTest, FillCountsTheCurrentGeneration) {
     for (const u32 low : {first - 1, first, first + 1, first + 500, first + 999, first + 1000}) {
         store(7, low, 4);
     }
-    EXPECT_EQ(hash_fill(), 0);
-    hash_update_fill();
-    EXPECT_DOUBLE_EQ(hash_fill(), 0.004);
-    hash_start_search(2);
+    EXPECT_EQ(engine.hash.fill, 0);
+    hash_update_fill(engine.hash);
+    EXPECT_DOUBLE_EQ(engine.hash.fill, 0.004);
+    hash_start_search(engine.hash, 2, settings.hash_mode != 0);
     EXPECT_EQ(depth_at(7, first + 500), 4);  // a hit makes the entry current
-    hash_update_fill();
-    EXPECT_DOUBLE_EQ(hash_fill(), 0.001);
-    hash_clear();
-    EXPECT_EQ(hash_fill(), 0);
+    hash_update_fill(engine.hash);
+    EXPECT_DOUBLE_EQ(engine.hash.fill, 0.001);
+    hash_clear(engine.hash);
+    EXPECT_EQ(engine.hash.fill, 0);
     EXPECT_EQ(depth_at(7, first + 500), NOT_FOUND);
 }
 
@@ -217,12 +217,12 @@ TEST_F(HashTest, LineFollowsTheTable) {
         {"a2a3 a7a6 b2b3 b7b6", 64, "", "a2a3 a7a6 b2b3"},      // entry 66 is the last
     };
     for (const auto& c : cases) {
-        hash_clear();
+        hash_clear(engine.hash);
         const auto source = make_game(START_FEN);
         for (const std::string& text : split(c.stored, ' ')) {
             const bool shallow = text.starts_with("0:");
             const Move move = parse_coordinates(source->position, text.substr(shallow ? 2 : 0));
-            hash_store(source->position, 1, shallow ? 0 : 1, 0, -50, 50, move);
+            hash_store(engine.hash, source->position, 1, shallow ? 0 : 1, 0, -50, 50, move);
             make_move(source->position, move);
         }
         const auto game = make_game(START_FEN);
@@ -233,7 +233,7 @@ TEST_F(HashTest, LineFollowsTheTable) {
             };
             line[c.ply] = make_code(square(0), square(2));
         }
-        hash_line(game->position, c.ply, line);
+        hash_line(engine.hash, game->position, c.ply, line);
         std::vector<Move> found;
         for (int i = c.ply; line[i] != NO_MOVE; ++i) found.push_back(line[i]);
         EXPECT_EQ(line_text(found), c.expected) << c.stored << " after " << c.given;

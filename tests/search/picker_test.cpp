@@ -8,9 +8,10 @@
 #include "board/fen.h"
 #include "board/move_text.h"
 #include "board/movegen.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
 #include "search/history.h"
 #include "search/picker.h"
-#include "support/board_support.h"
 
 namespace quon::test {
 namespace {

@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "board/move_text.h"
-#include "frontend/output.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -81,7 +82,7 @@ TEST(QuiescenceReference, NoDifference) {
         const Cells cells = split(lines[i], ';');
         set_game(cells[0]);
         SearchRig::search_game(0);
-        ASSERT_EQ(std::to_string(thread_data(0).root_score), cells[2]) << cells[0];
+        ASSERT_EQ(std::to_string(thread_data(engine, 0).root_score), cells[2]) << cells[0];
     }
 }
 

@@ -3,14 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "board/keys.h"
-#include "frontend/output.h"
+#include "frontend/search_report.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
 #include "search/control.h"
 #include "search/hash.h"
-#include "search/report.h"
 #include "search/search.h"
 #include "search/time.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -25,19 +26,19 @@ struct ReportTest : testing::Test {
 
     ReportTest() {
         limits.depth_limit = 20;
-        time_setup();
+        begin_search(engine);
         options.output_delay = 0.0;
         run.elapsed = 1.5;
-        thread_data(0).sel_depth = u8{12};
-        thread_data(0).nodes = u64{123000};
-        thread_data(1).nodes = u64{456};
-        thread_data(1).tb_hits = u64{7};
+        thread_data(engine, 0).sel_depth = u8{12};
+        thread_data(engine, 0).nodes = u64{123000};
+        thread_data(engine, 1).nodes = u64{456};
+        thread_data(engine, 1).tb_hits = u64{7};
         // Five entries of this generation where the fill is sampled, with locks of their own.
         for (u64 low = 32768; low < 32773; ++low) {
             Position p = game.position;
             p.key ^= (full_key(p) ^ low) & 0xFFFFFFFF;
             p.key ^= low << 40;
-            hash_store(p, 1, 3, 0, -1, 1, NO_MOVE);
+            hash_store(engine.hash, p, 1, 3, 0, -1, 1, NO_MOVE);
         }
         set_line({E2E4, E7E5});
     }
@@ -51,14 +52,17 @@ struct ReportTest : testing::Test {
         set_game(fen);
         limits.depth_limit = u8(depth);
         return captured_output([&] {
-            time_setup();
+            begin_search(engine);
             run.elapsed = elapsed;
-            thread_prepare(thread_data(0));
-            iterate(thread_data(0));
+            thread_prepare(thread_data(engine, 0));
+            iterate(thread_data(engine, 0));
         });
     }
     std::string info(int thread, int pv_index, int depth, int score) {
-        return captured_output([&] { print_info(thread, pv_index, depth, score, line); });
+        return captured_output([&] {
+            SearchReporter(engine).on_line(engine,
+                                           {LineKind::BOUND, thread, pv_index, depth, score, line});
+        });
     }
 };
 
@@ -114,9 +118,11 @@ TEST_F(ReportTest, LongLines) {
 
 TEST_F(ReportTest, CurrentMove) {
     const auto currmove = [](Move move, int number) {
-        return captured_output([&] { print_currmove(12, move, number); });
+        return captured_output(
+            [&] { SearchReporter(engine).on_root_move(engine, 12, move, number); });
     };
-    const std::string totals_line = "info depth 12 time 1500 nodes 123456 nps 82304 hashfull 5\n";
+    run.elapsed = 4;
+    const std::string totals_line = "info depth 12 time 4000 nodes 123456 nps 30864 hashfull 5\n";
     EXPECT_EQ(currmove(E2E4, 1), totals_line + "info currmove e2e4 currmovenumber 1\n");
     EXPECT_EQ(currmove(E7E8Q, 13), "info currmove e7e8 currmovenumber 13\n");
     run.multipv = 2;
@@ -135,7 +141,7 @@ TEST_F(ReportTest, CurrentMove) {
     for (const auto& c : cases) {
         options.output_delay = c.delay;
         options.uci_mode = c.uci;
-        options.multipv = i16(c.multipv);
+        settings.multipv = i16(c.multipv);
         const std::string text = search_output("6k1/8/8/8/8/8/8/K6R w - -", 2, c.elapsed);
         EXPECT_EQ(text.find("currmovenumber 16\n") != std::string::npos, c.told) << &c - cases;
         EXPECT_EQ(text.find("currmovenumber") != std::string::npos, c.told) << &c - cases;
@@ -151,7 +157,7 @@ TEST_F(ReportTest, ProgressLines) {
     EXPECT_NE(last.find(format(" score cp %d time ", result.score)), std::string::npos) << last;
     EXPECT_TRUE(last.ends_with(" pv " + line_text(result.line))) << last;
 
-    options.multipv = 5;
+    settings.multipv = 5;
     lines = split(search_output(fen, 5, 0), '\n');
     ASSERT_EQ(lines.size(), 25U + 1);
     int previous = 10000;
@@ -178,7 +184,7 @@ TEST_F(ReportTest, FinalReport) {
                  {true, 1, 2, 9, true, true},         {true, 1, 0, 0, true, false},
                  {true, 9999, NEVER, 9, true, false}, {true, 1, 0, 9, false, false},
                  {false, 2, 2, 9, true, true}};
-    const auto report = [] { return captured_output([] { final_report(77); }); };
+    const auto report = [] { return captured_output([] { final_report(engine, 77); }); };
     for (const auto& c : cases) {
         run.finished = !c.stopped;
         run.elapsed = c.elapsed;
@@ -202,15 +208,15 @@ TEST_F(ReportTest, FinalReport) {
 TEST_F(ReportTest, ConsoleStatistics) {
     run.shared_score = i16{-35};
     options.uci_mode = false;
-    ThreadData& t = thread_data(0);
+    ThreadData& t = thread_data(engine, 0);
     t.hash_probes = u64{199};
     t.hash_hits = u64{50};
     t.eval.evaluations = u64{999};
     t.eval.eval_hits = u64{125};
-    thread_data(1).eval.pawn_probes = u64{9};
-    thread_data(1).eval.pawn_hits = u64{9};
-    thread_data(1).tb_hits = u64{1499};
-    collect_stats();
+    thread_data(engine, 1).eval.pawn_probes = u64{9};
+    thread_data(engine, 1).eval.pawn_hits = u64{9};
+    thread_data(engine, 1).tb_hits = u64{1499};
+    collect_stats(engine);
     const struct {
         int done;
         u64 earlier, last;
@@ -221,7 +227,7 @@ TEST_F(ReportTest, ConsoleStatistics) {
         run.main_done_depth = i8(c.done);
         run.nodes_by_depth[c.done] = c.last;
         run.nodes_by_depth[c.done - 4] = c.earlier;
-        EXPECT_EQ(captured_output(print_console_statistics),
+        EXPECT_EQ(captured_output([] { print_console_statistics(engine); }),
                   format("move= e2e4, time= 1.500, score= -35, nodes= 123456, nps= 82K ebf= %s\n"
                          "Hash fill= 0.5%%, Hash hits: main= 25.0%%, pawn= 90.0%%, eval= 12.5%%, "
                          "TB=1K\n\n",

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "eval/eval_params.h"
+#include "harness/engine.h"
 #include "search/search_params.h"
 
 namespace quon::test {
@@ -15,7 +16,7 @@ struct Reductions : testing::Test {
     ~Reductions() override { set_strength(saved.LMR_strength); }
     static void set_strength(i16 strength) {
         params.LMR_strength = strength;
-        apply_search_params();
+        apply_search_params(search_params, params);
     }
 };
 
@@ -34,13 +35,14 @@ TEST_F(Reductions, Rows) {
         std::string zero_window;
         std::string pv;
         for (const int n : MOVES) {
-            zero_window += char('0' + zero_window_reductions[row.depth][n]);
-            pv += char('0' + pv_reductions[row.depth][n]);
+            zero_window += char('0' + search_params.zero_window_reductions[row.depth][n]);
+            pv += char('0' + search_params.pv_reductions[row.depth][n]);
         }
         EXPECT_EQ(zero_window, row.zero_window) << row.depth;
         EXPECT_EQ(pv, row.pv) << row.depth;
     }
-    for (const ReductionTable* table : {&zero_window_reductions, &pv_reductions}) {
+    for (const ReductionTable* table :
+         {&search_params.zero_window_reductions, &search_params.pv_reductions}) {
         for (int n = 0; n < 32; ++n) EXPECT_EQ((*table)[0][n] + (*table)[1][n] + (*table)[2][n], 0);
         for (const auto& row : *table) EXPECT_EQ(row[0] + row[1], 0);
     }
@@ -53,9 +55,9 @@ TEST_F(Reductions, Strength) {
     } cases[] = {{0, 0, 0, 0}, {-1, 0, 0, 0}, {-32768, 0, 0, 0}, {25, 1, 2, 2}, {32767, 4, 4, 2}};
     for (const auto& c : cases) {  // at 25, half of 1.2 and more, rounded away from zero
         set_strength(c.strength);
-        EXPECT_EQ(zero_window_reductions[3][2], c.early) << c.strength;
-        EXPECT_EQ(zero_window_reductions[36][31], c.zero_window) << c.strength;
-        EXPECT_EQ(pv_reductions[36][31], c.pv) << c.strength;
+        EXPECT_EQ(search_params.zero_window_reductions[3][2], c.early) << c.strength;
+        EXPECT_EQ(search_params.zero_window_reductions[36][31], c.zero_window) << c.strength;
+        EXPECT_EQ(search_params.pv_reductions[36][31], c.pv) << c.strength;
     }
 }
 

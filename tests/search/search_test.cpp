@@ -7,12 +7,12 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "board/move_text.h"
-#include "frontend/output.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
 #include "platform/clock.h"
 #include "search/control.h"
 #include "search/hash.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
 
 namespace quon::test {
 namespace {
@@ -94,7 +94,7 @@ TEST(Search, Draws) {
     };
     const SearchRig rig;
     for (const auto& c : cases) {
-        hash_clear();
+        hash_clear(engine.hash);
         set_game(c.fen, c.moves);
         if (c.fifty != 0) game.position.fifty = u8(c.fifty);
         const SearchResult result = SearchRig::search_game(5);
@@ -116,7 +116,7 @@ TEST(Search, NodeLimit) {
             EXPECT_GT(result.nodes, limit) << fen;
             EXPECT_LE(result.nodes, std::max(limit, depth_2) + 16) << fen << " " << limit;
             EXPECT_GE(result.depth, 2);
-            EXPECT_EQ(copy_problem(thread_data(0)), "");
+            EXPECT_EQ(copy_problem(thread_data(engine, 0)), "");
         }
     }
 }
@@ -127,7 +127,7 @@ TEST(Search, WorksWithoutTable) {
         const SearchResult result = SearchRig::search(fen, 5);
         EXPECT_EQ(result.depth, 5);
         EXPECT_EQ(line_problem(fen, result.line), "");
-        EXPECT_EQ(thread_data(0).hash_hits, 0U);
+        EXPECT_EQ(thread_data(engine, 0).hash_hits, 0U);
     }
 }
 
@@ -161,7 +161,7 @@ TEST(Search, SelectivityParameters) {
             EXPECT_GE(result.depth, 2) << &c - cases << " " << fen;
             EXPECT_FALSE(result.line.empty());
             EXPECT_EQ(line_problem(fen, result.line), "") << &c - cases << " " << fen;
-            EXPECT_EQ(copy_problem(thread_data(0)), "") << &c - cases << " " << fen;
+            EXPECT_EQ(copy_problem(thread_data(engine, 0)), "") << &c - cases << " " << fen;
         }
         EXPECT_NE(nodes, before) << &c - cases;
     }
@@ -213,7 +213,8 @@ TEST(Threads, FindMatesAndLegalLines) {
             const SearchResult result = SearchRig::search(fen, depth);
             EXPECT_EQ(result.depth, depth);
             EXPECT_EQ(line_problem(fen, result.line), "");
-            for (int i = 0; i < threads; ++i) EXPECT_EQ(copy_problem(thread_data(i)), "") << i;
+            for (int i = 0; i < threads; ++i)
+                EXPECT_EQ(copy_problem(thread_data(engine, i)), "") << i;
         }
     }
 }
@@ -233,7 +234,8 @@ TEST(Threads, StopAtAnyMoment) {
             EXPECT_LT(monotonic_seconds() - before, 5);
             EXPECT_TRUE(result.depth == 0 || !result.line.empty());
             EXPECT_EQ(line_problem(fen, result.line), "") << fen;
-            for (int i = 0; i < threads; ++i) EXPECT_EQ(copy_problem(thread_data(i)), "") << i;
+            for (int i = 0; i < threads; ++i)
+                EXPECT_EQ(copy_problem(thread_data(engine, i)), "") << i;
         }
     }
 }
@@ -241,13 +243,13 @@ TEST(Threads, StopAtAnyMoment) {
 TEST(Threads, ComeAndGo) {
     const SearchRig rig(1, 1);
     for (const int count : {3, 1, 9, 2}) {
-        destroy_threads();
-        EXPECT_EQ(thread_total(), 0);
-        ASSERT_TRUE(create_threads(count));
-        ASSERT_EQ(thread_total(), count);
+        destroy_threads(engine);
+        EXPECT_EQ(thread_total(engine), 0);
+        ASSERT_TRUE(create_threads(engine, count));
+        ASSERT_EQ(thread_total(engine), count);
         for (int i = 0; i < count; ++i) {
-            EXPECT_EQ(thread_data(i).seed, u32(i) * 123);
-            EXPECT_EQ(thread_data(i).jitter_range, i < 8 ? 12U : 24U);
+            EXPECT_EQ(thread_data(engine, i).seed, u32(i) * 123);
+            EXPECT_EQ(thread_data(engine, i).jitter_range, i < 8 ? 12U : 24U);
         }
         SearchRig::start(count == 1 ? 3 : 60);  // they leave in the middle of a search
     }

@@ -5,11 +5,13 @@
 #include <cmath>
 
 #include "board/fen.h"
+#include "frontend/uci_options.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
 #include "platform/clock.h"
 #include "search/control.h"
 #include "search/strength.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
 
 namespace quon::test {
 namespace {
@@ -25,7 +27,9 @@ TEST(Strength, SetElo) {
                  {2772, 2772, "411670"}, {2773, 2800, "1000000000"}, {9999999, 2800, "1000000000"},
                  {2500, 2500, "35527"}};
     for (const auto& c : cases) {
-        EXPECT_EQ(captured_output([&] { set_elo(c.value); }),
+        EXPECT_EQ(captured_output([&] {
+                      setoption_command(engine, "name UCI_Elo value " + std::to_string(c.value));
+                  }),
                   "info string UCI_Elo set to " + std::to_string(c.elo) +
                       "\ninfo string calibration nps = 512346\ninfo string target nps = " + c.nps +
                       "\n");
@@ -37,16 +41,11 @@ TEST(Strength, SetElo) {
 TEST(Strength, Calibration) {
     const SearchRig rig;
     set_game("4k3/8/8/8/8/8/8/4K2R w - -");
-    const std::string text = captured_output(calibrate);
-    double seconds = 0;
-    double nodes = 0;
-    double nps = 0;
-    ASSERT_EQ(std::sscanf(text.c_str(), "info string et= %lf, nodes= %lf, nps= %lf\n", &seconds,
-                          &nodes, &nps),
-              3);
-    EXPECT_LT(seconds, 5);
-    EXPECT_LT(nodes, 2015540);  // 1 + 6 + ... + 6^8
-    EXPECT_NEAR(nodes * 0.51 / (seconds + 0.001), nps, nps * 0.01);
+    const Calibration measured = calibrate_strength(engine);
+    EXPECT_LT(measured.seconds, 5);
+    EXPECT_LT(measured.nodes, 2015540U);  // 1 + 6 + ... + 6^8
+    EXPECT_NEAR(double(measured.nodes) * 0.51 / (measured.seconds + 0.001), measured.nps,
+                measured.nps * 0.01);
     EXPECT_NEAR(options.elo_max, std::log(options.calibration_nps - 20) * 111 + 1337, 0.001);
     EXPECT_EQ(position_to_fen(game.position), START_FEN);
 }
@@ -55,21 +54,21 @@ TEST(Strength, Calibration) {
 TEST(Strength, ThrottleKeepsTheRate) {
     const SearchRig rig(1, 2);
     params.limit_strength = 1;
-    options.target_nps = 3000.0;
+    settings.target_nps = 3000.0;
     limits.fixed_time = 0.5;
     EXPECT_GE(SearchRig::search(START_FEN, 60).depth, 2);
     for (int i = 0; i < 2; ++i) {
-        const double nodes = double(thread_data(i).nodes);
+        const double nodes = double(thread_data(engine, i).nodes);
         EXPECT_LT(nodes, 3000 * run.elapsed * 1.2 + 300) << i;
         EXPECT_GT(nodes, 3000 * run.elapsed * 0.3) << i;
     }
-    options.target_nps = 24.3;  // the next node is a minute away
+    settings.target_nps = 24.3;  // the next node is a minute away
     limits.fixed_time = 1000;
     SearchRig::start(60);
     while (run.current_depth < 2) sleep_ms(1);
     sleep_ms(30);
     const double before = monotonic_seconds();
-    EXPECT_EQ(busy_threads(), 2);
+    EXPECT_EQ(busy_threads(engine), 2);
     control.stop_flag = STOP;
     EXPECT_LT(SearchRig::result().nodes, 2000U);
     EXPECT_LT(monotonic_seconds() - before, 2);
@@ -79,13 +78,13 @@ TEST(Strength, ThrottleKeepsTheRate) {
 TEST(Strength, LimitOff) {
     const SearchRig rig;
     const u64 nodes = SearchRig::search(START_FEN, 5).nodes;
-    options.target_nps = 25.0;
+    settings.target_nps = 25.0;
     EXPECT_EQ(SearchRig::search(START_FEN, 5).nodes, nodes);
     // A low target also gives the root's later moves zero windows at depth 1.
     params.limit_strength = 1;
-    options.target_nps = 15000.0;
+    settings.target_nps = 15000.0;
     const u64 narrow = SearchRig::search(START_FEN, 1).nodes;
-    options.target_nps = 15001.0;
+    settings.target_nps = 15001.0;
     EXPECT_NE(SearchRig::search(START_FEN, 1).nodes, narrow);
 }
 

@@ -5,10 +5,11 @@
 #include <gtest/gtest.h>
 
 #include "board/make.h"
-#include "search/report.h"
+#include "frontend/search_report.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
 #include "search/score.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
 #include "syzygy/reference_tables.h"
 #include "syzygy/table_writer.h"
 
@@ -56,7 +57,7 @@ TEST_F(TablebaseSearch, TableMoveIsPlayedLateInTheCount) {
                 EXPECT_EQ(line_problem(c.fen, result.line), "");
             } else {
                 EXPECT_GT(result.nodes, 0U);
-                EXPECT_EQ(thread_data(1).nodes, 0U) << "workers rest";
+                EXPECT_EQ(thread_data(engine, 1).nodes, 0U) << "workers rest";
             }
         }
     }
@@ -98,10 +99,10 @@ TEST_F(TablebaseSearch, WhenTablesAreAsked) {
         {castling, 1, 2, 5, 9, NO_TB_RESULT}, {rook, 1, 2, 2, 9, NO_TB_RESULT},
     };
     for (const auto& c : cases) {
-        options.syzygy_probe_depth5 = i16(c.depth5);
-        options.syzygy_probe_depth6 = i16(c.depth6);
+        settings.syzygy_probe_depth5 = i16(c.depth5);
+        settings.syzygy_probe_depth6 = i16(c.depth6);
         tb_largest = c.largest;
-        EXPECT_EQ(tb_wdl(make_game(c.fen)->position, c.depth), c.result) << c.fen;
+        EXPECT_EQ(tb_wdl(settings, make_game(c.fen)->position, c.depth), c.result) << c.fen;
     }
 }
 
@@ -110,8 +111,8 @@ TEST(TablebaseDepths, SixPiecesHaveTheirOwn) {
     const SearchRig rig;
     const TableDirectory directory;
     for (const char* name : {"KQNvKR.rtbw", "KQNvKRB.rtbw"}) directory.write(name, "");
-    options.syzygy_probe_depth5 = 2;
-    options.syzygy_probe_depth6 = 5;
+    settings.syzygy_probe_depth5 = 2;
+    settings.syzygy_probe_depth6 = 5;
     const std::string five = "8/2q5/8/3k4/8/2n5/8/R1K5 w - -";
     const std::string six = "8/2q5/8/3k4/8/2n5/8/RBK5 w - -";
     const struct {
@@ -122,7 +123,7 @@ TEST(TablebaseDepths, SixPiecesHaveTheirOwn) {
     for (const auto& c : cases) {
         directory.load();
         testing::internal::CaptureStderr();
-        EXPECT_EQ(tb_wdl(make_game(c.fen)->position, c.depth), NO_TB_RESULT);
+        EXPECT_EQ(tb_wdl(settings, make_game(c.fen)->position, c.depth), NO_TB_RESULT);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), c.asked ? "Corrupted table.\n" : "")
             << c.fen << " at " << c.depth;
     }
@@ -130,11 +131,11 @@ TEST(TablebaseDepths, SixPiecesHaveTheirOwn) {
 
 TEST_F(TablebaseSearch, NoRootResultFromAHighDepth) {
     for (const auto& [depth5, result] : {std::pair{70, TB_WIN}, {71, NO_TB_RESULT}}) {
-        options.syzygy_probe_depth5 = i16(depth5);
+        settings.syzygy_probe_depth5 = i16(depth5);
         search_with_fifty("8/8/8/3k4/8/8/8/KR6 w - -", 10, 3);
         EXPECT_EQ(run.root_tb_result, result);
     }
-    options.syzygy_probe_depth5 = 1;
+    settings.syzygy_probe_depth5 = 1;
     search_with_fifty("8/8/8/3k4/8/8/8/R3K3 w Q -", 10, 3);
     EXPECT_EQ(run.root_tb_result, NO_TB_RESULT) << "castling rights";
     EXPECT_GT(totals.nodes, 0U);

@@ -2,11 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/search_support.h"
 #include "platform/clock.h"
 #include "search/control.h"
 #include "search/time.h"
-#include "support/board_support.h"
-#include "support/search_support.h"
 
 namespace quon::test {
 namespace {
@@ -37,13 +38,13 @@ TEST(TimeTarget, Forms) {
             const int mover = game.position.side;
             game.game_ply = i16(c.ply);
             options.uci_mode = c.uci != 0;
-            options.ponder_option = c.ponder != 0;
+            settings.ponder_option = c.ponder != 0;
             limits.time_mode = c.mode;
             limits.clock = {{777, 777}};
             limits.clock[mover] = c.clock;
             limits.increment = c.increment;
             limits.moves_to_go = i16(c.moves_to_go);
-            time_setup();
+            begin_search(engine);
             EXPECT_NEAR(run.target_time, c.target, 0.0001) << "case " << &c - cases << " " << fen;
             EXPECT_EQ(limits.clock[mover], c.mode == FIXED ? 7 : c.clock);
         }
@@ -55,13 +56,13 @@ TEST(TimeTarget, StartsAFreshRun) {
     SearchRig::search("6k1/5ppp/8/8/8/8/8/R5K1 w - -", 4);  // a mate in one
     options.uci_mode = false;
     options.output_delay = 1.0;
-    options.target_nps = 500.0;
+    settings.target_nps = 500.0;
     control.go_request = GO_ANALYSE;
     limits.time_mode = GAME;
     limits.clock = {{60, 30}};
-    EXPECT_EQ(captured_output(time_setup),
+    EXPECT_EQ(captured_output([] { begin_search(engine); }),
               "fen 6k1/5ppp/8/8/8/8/8/R5K1 w - -\nPly= 0, Clock= 60.00s  Target time= 2.00s\n");
-    EXPECT_EQ(options.target_nps, NO_NPS_LIMIT);  // the limit is switched off
+    EXPECT_EQ(settings.target_nps, NO_NPS_LIMIT);  // the limit is switched off
     EXPECT_EQ(control.stop_flag, RUN);
     EXPECT_EQ(control.search_mode, GO_ANALYSE);
     EXPECT_EQ(run.shared_score, -10000);
@@ -105,7 +106,7 @@ struct TimeCheck : testing::Test {
         run.shared_line[1] = BEST;
         run.score_by_depth[scene.depth - 1] = i16(scene.before);
         run.easy_state = u8(scene.easy);
-        ThreadData& t = thread_data(1);
+        ThreadData& t = thread_data(engine, 1);
         t.iteration = u8(scene.iteration);
         t.root_line[1] = scene.move;
         t.root_score = i16(scene.opinion);
@@ -114,7 +115,7 @@ struct TimeCheck : testing::Test {
     static u8 flag_at(double seconds) {
         control.stop_flag = RUN;
         run.start_time = monotonic_seconds() - seconds;
-        time_check();
+        time_check(engine);
         return control.stop_flag;
     }
     // Seconds after which the search is stopped.
@@ -205,7 +206,7 @@ TEST_F(TimeCheck, FlagAndElapsedTime) {
     control.search_mode = GO_ANALYSE;
     EXPECT_EQ(flag_at(5), ABORT);
     control.search_mode = GO_PLAY;  // a flag that is up stays what it is
-    time_check();
+    time_check(engine);
     EXPECT_EQ(control.stop_flag, ABORT);
 }
 

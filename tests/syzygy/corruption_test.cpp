@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/board_support.h"
+#include "harness/board_support.h"
 #include "syzygy/table_writer.h"
 #include "syzygy/tbcore.h"
 #include "syzygy/tbprobe_material.h"

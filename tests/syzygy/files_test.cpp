@@ -5,20 +5,12 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "support/board_support.h"
+#include "harness/board_support.h"
 #include "syzygy/reference_tables.h"
 #include "syzygy/table_writer.h"
 
 namespace quon::test {
 namespace {
-
-std::string init_output(const std::string& path) {
-    return captured_output([&] { tb_init(path); });
-}
-
-std::string found(int count) {
-    return "info string found " + std::to_string(count) + " tablebases\n";
-}
 
 std::vector<std::string> sides_of(int pieces) {
     std::vector<std::string> sides = {"K"};
@@ -55,10 +47,10 @@ TEST(TableFiles, EveryNameIsRegistered) {
     ASSERT_EQ(names.size(), 5U + 15 + 15 + 75 + 35 + 120 + 175 + 70);
     const TableDirectory directory;
     for (const std::string& name : names) directory.write(name + ".rtbw", "");
-    EXPECT_EQ(init_output(directory.path), found(510));
+    EXPECT_EQ(tb_init(directory.path), 510);
     EXPECT_EQ(tb_largest, 6);
     for (const char* none : {"", "<empty>"}) {
-        EXPECT_EQ(init_output(none), "");
+        EXPECT_EQ(tb_init(none), std::nullopt);
         EXPECT_EQ(tb_largest, 0);
     }
 }
@@ -70,7 +62,7 @@ TEST(TableFiles, OnlyTableNamesCount) {
         directory.write(name, "");
     }
     std::filesystem::create_directory(directory.path + "/KBvK.rtbw");
-    EXPECT_EQ(init_output(directory.path), found(1));
+    EXPECT_EQ(tb_init(directory.path), 1);
     EXPECT_EQ(tb_largest, 3);
 }
 
@@ -93,7 +85,7 @@ TEST(TableFiles, DirectoriesInOrder) {
         {first.path + ";" + too_long + ";" + second.path, 1, 3},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(init_output(c.path), found(c.tables)) << c.path;
+        EXPECT_EQ(tb_init(c.path), c.tables) << c.path;
         EXPECT_EQ(tb_largest, c.largest) << c.path;
     }
 }

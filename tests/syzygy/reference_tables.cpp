@@ -2,8 +2,8 @@
 
 #include "syzygy/reference_tables.h"
 
+#include "harness/board_support.h"
 #include "search/tablebases.h"
-#include "support/board_support.h"
 
 namespace quon::test {
 

@@ -6,8 +6,8 @@
 
 #include "board/make.h"
 #include "board/move_text.h"
+#include "harness/board_support.h"
 #include "search/tablebases.h"
-#include "support/board_support.h"
 #include "syzygy/reference_tables.h"
 #include "syzygy/tbprobe_position.h"
 

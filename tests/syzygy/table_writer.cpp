@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/board_support.h"
+#include "harness/board_support.h"
 #include "syzygy/tbprobe_material.h"
 
 namespace quon::test {

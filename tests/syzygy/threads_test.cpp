@@ -5,7 +5,7 @@
 #include <atomic>
 #include <thread>
 
-#include "support/board_support.h"
+#include "harness/board_support.h"
 #include "syzygy/reference_tables.h"
 
 namespace quon::test {

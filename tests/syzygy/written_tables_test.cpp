@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <span>
 
-#include "support/board_support.h"
+#include "harness/board_support.h"
 #include "syzygy/table_writer.h"
 #include "syzygy/tbprobe_material.h"
 

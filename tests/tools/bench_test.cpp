@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/board_support.h"
-#include "support/process.h"
-#include "support/search_support.h"
+#include "harness/board_support.h"
+#include "harness/process.h"
+#include "harness/search_support.h"
 
 namespace quon::test {
 namespace {

@@ -4,10 +4,11 @@
 
 #include <csignal>
 
-#include "frontend/output.h"
-#include "support/board_support.h"
-#include "support/files.h"
-#include "support/tool_support.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/files.h"
+#include "harness/tool_support.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

@@ -12,12 +12,13 @@
 #include "board/make.h"
 #include "book/book_record.h"
 #include "eval/eval_tables.h"
-#include "frontend/output.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/process.h"
+#include "harness/search_support.h"
+#include "harness/work_directory.h"
 #include "search/search_params.h"
-#include "support/board_support.h"
-#include "support/process.h"
-#include "support/search_support.h"
-#include "support/work_directory.h"
+#include "support/format.h"
 #include "tools/match_report.h"
 
 namespace quon::test {
@@ -130,9 +131,9 @@ protected:
     // Searches the board as the match does, with the mover's parameters.
     static RecordedGame::Search search(const EvalParams& player, int depth, Move& move) {
         params = player;
-        init_eval_tables();
-        apply_search_params();
-        options.hash_mode = 0;
+        init_eval_tables(eval_tables, params);
+        apply_search_params(search_params, params);
+        settings.hash_mode = 0;
         const SearchResult result = SearchRig::search_game(depth);
         move = result.line.empty() ? NO_MOVE : result.line[0];
         return {std::string(square_name[move_from(move)]) + square_name[move_to(move)],

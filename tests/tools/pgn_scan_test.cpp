@@ -9,11 +9,11 @@
 #include <filesystem>
 #include <functional>
 
-#include "frontend/output.h"
-#include "support/board_support.h"
-#include "support/files.h"
-#include "support/tool_support.h"
-#include "tools/game_reader.h"
+#include "harness/board_support.h"
+#include "harness/files.h"
+#include "harness/tool_support.h"
+#include "pgn/game_reader.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {

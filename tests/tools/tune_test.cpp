@@ -13,12 +13,13 @@
 #include "board/fen.h"
 #include "board/make.h"
 #include "eval/tunables.h"
-#include "frontend/output.h"
-#include "support/board_support.h"
-#include "support/files.h"
-#include "support/process.h"
-#include "support/search_support.h"
-#include "support/work_directory.h"
+#include "harness/board_support.h"
+#include "harness/engine.h"
+#include "harness/files.h"
+#include "harness/process.h"
+#include "harness/search_support.h"
+#include "harness/work_directory.h"
+#include "support/format.h"
 
 namespace quon::test {
 namespace {
@@ -39,7 +40,7 @@ protected:
 
     double error_of(const std::string& text) const {
         directory.write("lines.epd", text);
-        return tune_error("lines.epd");
+        return tune_error(engine, "lines.epd");
     }
 
     WorkDirectory directory;
@@ -75,8 +76,8 @@ TEST_F(Tuning, ErrorOfFewLines) {
         EXPECT_DOUBLE_EQ(error_of(PAWN_UP + side + "0-1"), 1 - won);
         EXPECT_DOUBLE_EQ(error_of(PAWN_UP + side + "1/2"), 0.5 - won);
     }
-    EXPECT_EQ(tune_error("missing.epd"), 1);
-    EXPECT_EQ(tune_error("."), 1);
+    EXPECT_EQ(tune_error(engine, "missing.epd"), 1);
+    EXPECT_EQ(tune_error(engine, "."), 1);
 }
 
 // Captures without end: told once, however often the file is read.
@@ -113,7 +114,7 @@ TEST_F(Tuning, ErrorOfKnownScores) {
     if (turn == 0) GTEST_SKIP() << "evaluation.csv is not there";
     directory.write("known.epd", text);
     TuneStatus status;
-    const ErrorSum errors = sum_errors("known.epd", status);
+    const ErrorSum errors = sum_errors(engine, "known.epd", status);
     EXPECT_EQ(errors.positions, positions);
     EXPECT_DOUBLE_EQ(errors.sum, sum);
 }
@@ -122,7 +123,7 @@ TEST_F(Tuning, ReferenceFile) {
     const auto figures = shared_lines("/reference/tools/tuning-error.txt");
     if (figures.empty()) GTEST_SKIP() << "tuning-error.txt is not there";
     TuneStatus status;
-    const ErrorSum errors = sum_errors(QUON_SHARED_DIR "/data/tuning/quiet.epd", status);
+    const ErrorSum errors = sum_errors(engine, QUON_SHARED_DIR "/data/tuning/quiet.epd", status);
     EXPECT_EQ(format("positions= %d, sum= %0.12f, mean= %0.12f", int(errors.positions), errors.sum,
                      mean_error(errors)),
               figures[0]);
@@ -134,11 +135,11 @@ TEST_F(Tuning, FilterKeepsUsableLines) {
     directory.write("tune.epd", "# head\n" + kept + QUEEN_UP + "1-0\n" + CHECK + "1-0\n" + KINGS +
                                     "w - - ce 901; 1-0\n" + KINGS + "w - - ce -30000; 1-0\n" +
                                     KINGS + "w - - ce 5;\n" + KINGS + "w - - 1/2\r\n");
-    EXPECT_TRUE(make_tuning_set());
+    EXPECT_TRUE(make_tuning_set(engine));
     EXPECT_EQ(directory.read("tune_new.epd"), kept + KINGS + "w - - 1/2\n");
     OutputFile copy;
     ASSERT_TRUE(create_output(copy, "copy.epd"));
-    EXPECT_DOUBLE_EQ(mean_error(tune_error_filter("tune.epd", copy)), 0.375);
+    EXPECT_DOUBLE_EQ(mean_error(tune_error_filter(engine, "tune.epd", copy)), 0.375);
 }
 
 // A knight against pawns, drawn: the error is least where the pawns together weigh as much. Against
@@ -153,10 +154,11 @@ TEST_F(Tuning, LineSearchFindsTheMinimum) {
         double least = 1;
         for (int value = 30; value <= 200; ++value) {
             params.pawn_value.op = i16(value);
-            least = std::min(least, tune_error("tune.epd"));
+            least = std::min(least, tune_error(engine, "tune.epd"));
         }
         params.pawn_value.op = 90;
-        const auto lines = split(captured_output([] { tune_line_search("pawn_value_op"); }), '\n');
+        const auto lines =
+            split(captured_output([] { tune_line_search(engine, "pawn_value_op"); }), '\n');
         EXPECT_EQ(params.pawn_value.op, 90);
         ASSERT_GT(lines.size(), 8U);
         EXPECT_EQ(lines[0] + lines[1] + lines[2], "tune file= tune.epdtuning pawn_value_op");
@@ -189,7 +191,7 @@ TEST_F(Tuning, Command) {
     const Table<Move, 2> taken_back = {{game.undo[2].move, game.undo[3].move}};
     for (int i = 0; i < 2; ++i) unmake_move(game.position);
     const auto run = [](const char* name, const char* file) {
-        return captured_output([&] { tune_command(name, file); });
+        return captured_output([&] { tune_command(engine, name, file); });
     };
     EXPECT_EQ(run("", "other.epd"), "");
     EXPECT_EQ(run("no_such_name", ""), "tune file= tune.epd\ndone!\n");
@@ -213,15 +215,15 @@ TEST_F(Tuning, GradientLog) {
     std::string text;
     for (int i = 0; i < 40; ++i) text += THREE_PAWNS + "1/2\n";
     directory.write("tune.epd", text);
-    register_tunables();
+    register_tunables(engine.tunables, params);
     for (TunableParam& t : tunables) {
         if (t.name == "p2") t = {"p2", &params.pawn_value.op, 10, 90, 0, 0};  // one that counts
     }
     std::srand(1);
-    const double before = tune_error("tune.epd");
-    const std::string output = captured_output([] { EXPECT_TRUE(tune_gradient()); });
+    const double before = tune_error(engine, "tune.epd");
+    const std::string output = captured_output([] { EXPECT_TRUE(tune_gradient(engine)); });
     EXPECT_EQ(output, directory.read("tune.log"));
-    EXPECT_LT(tune_error("tune.epd"), before / 4);
+    EXPECT_LT(tune_error(engine, "tune.epd"), before / 4);
 
     const auto lines = split(output, '\n');
     ASSERT_GT(lines.size(), 26U);
@@ -245,7 +247,8 @@ TEST_F(Tuning, GradientLog) {
 // Without a slope the rate grows by 3 % a pass.
 TEST_F(Tuning, RateGrowsOnFlatGround) {
     directory.write("tune.epd", KINGS + "w - - 1-0\n");
-    const auto passes = lines_with(split(captured_output([] { tune_gradient(); }), '\n'), "pass= ");
+    const auto passes =
+        lines_with(split(captured_output([] { tune_gradient(engine); }), '\n'), "pass= ");
     ASSERT_EQ(passes.size(), 100U);
     EXPECT_EQ(passes[1], "pass= 1, k0= 2.060e+03, avg_lr= 0.0, max_lr= 0.0");
     EXPECT_EQ(passes[99], "pass= 99, k0= " + format("%0.3e", 2000 * std::pow(1.03, 99)) +
@@ -258,7 +261,7 @@ TEST_F(Tuning, SampleDrawsLines) {
         text += std::to_string(i) + std::string(std::size_t(i) % 9 * 1000, '.') + "\n";
     directory.write("tune.epd", text);
     std::srand(2);
-    EXPECT_TRUE(tune_sample("tune.epd").readable);
+    EXPECT_TRUE(tune_sample(engine, "tune.epd").readable);
     const auto drawn = split(directory.read("junk.epd"), '\n');
     EXPECT_NEAR(double(drawn.size()), 600, 120);  // five standard deviations
     const auto all = split(text, '\n');
@@ -267,7 +270,7 @@ TEST_F(Tuning, SampleDrawsLines) {
         from = std::find(from, all.end(), line);
         ASSERT_NE(from, all.end()) << line.substr(0, 10);
     }
-    EXPECT_FALSE(tune_sample("missing.epd").readable);
+    EXPECT_FALSE(tune_sample(engine, "missing.epd").readable);
     EXPECT_EQ(directory.read("junk.epd"), "");
 }
 

@@ -1,0 +1,47 @@
+#pragma once
+// The engine.
+
+#include "board/move_text.h"
+#include "book/book.h"
+#include "engine/options.h"
+#include "eval/tunables.h"
+#include "search/searcher.h"
+#include "search/strength.h"
+#include "search/time.h"
+#include "support/random.h"
+
+namespace quon {
+
+struct Engine : Searcher {
+    EngineOptions options;
+    EvalParams default_params;  // as start-up left them, parameter file included
+    Tunables tunables;
+    Book book;
+    Random random;  // of book moves, matches and samples
+};
+
+// What a message begins with: "info string " where a front end reads it, nothing in console mode.
+inline const char* message_prefix(const Engine& engine) {
+    return engine.options.uci_mode ? "info string " : "";
+}
+
+// In the style of the mode: e7e8q where a front end reads it, e7e8=Q in console mode.
+inline std::string move_to_text(const Engine& engine, Move move) {
+    return move_to_text(move, engine.options.uci_mode ? MoveStyle::UCI : MoveStyle::LONG);
+}
+
+// Console mode or not, for all that depends on it.
+void set_uci_mode(Engine& engine, bool uci_mode);
+
+// At every search start: tables, limits, clock, shared state. In console mode the moves to the end
+// of the period are counted from the game's plies.
+void begin_search(Engine& engine);
+
+// Measures the machine's speed and sets calibration_nps and elo_max by it. The start position is on
+// the board afterwards; thread 0 must be idle.
+Calibration calibrate_strength(Engine& engine);
+// The UCI_Elo option: 1500 at least; 0.99 * elo_max or more lifts the node-rate cap. Returns the
+// Elo that holds from now on.
+int set_elo(Engine& engine, int value);
+
+}  // namespace quon

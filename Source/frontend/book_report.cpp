@@ -1,0 +1,45 @@
+// What is printed of the book.
+
+#include "frontend/book_report.h"
+
+#include "board/move_text.h"
+#include "book/book_pick.h"
+#include "frontend/output.h"
+#include "support/format.h"
+
+namespace quon {
+
+void load_book(Engine& engine) {
+    for (const std::string& problem : book_open(engine.book, engine.options.book_file)) {
+        engine_print(format("%sbook file %s %s", message_prefix(engine),
+                            engine.options.book_file.c_str(), problem.c_str()));
+    }
+}
+
+namespace {
+
+std::string row_text(const Engine& engine, const BookMove& move) {
+    return format("  %s   %0.1f%%   %5d  %5d  %5d", move_to_text(engine, move.move).c_str(),
+                  double(100 * move.share), move.record.wins, move.record.losses,
+                  move.record.draws);
+}
+
+}  // namespace
+
+Move book_pick(Engine& engine) {
+    const auto moves = book_moves(engine.book, engine.game.position);
+    if (!moves) return NO_MOVE;
+    const std::string start = engine.options.uci_mode ? "info string " : " ";
+    engine_print(start + "  move  result    wins losses  draws");
+    for (const BookMove& move : *moves) engine_print(start + row_text(engine, move));
+    return draw_book_move(*moves, engine.options.book_variety, engine.random);
+}
+
+void book_show(Engine& engine, bool announce) {
+    const Move move = book_pick(engine);
+    if (announce && move != NO_MOVE) {
+        engine_print(format("book move is %s\n", move_to_text(engine, move).c_str()));
+    }
+}
+
+}  // namespace quon

@@ -1,0 +1,52 @@
+#pragma once
+// A search instance: all that it owns and shares among its threads. Two of them in one process know
+// nothing of each other.
+
+#include "board/position.h"
+#include "eval/eval_tables.h"
+#include "search/control.h"
+#include "search/hash.h"
+#include "search/listener.h"
+#include "search/run.h"
+#include "search/search_params.h"
+#include "search/search_trace.h"
+#include "search/settings.h"
+#include "search/stats.h"
+#include "search/thread_data.h"
+#include "search/threads.h"
+
+namespace quon {
+
+struct Searcher {
+    SearchSettings settings;
+    SearchLimits limits;  // of the next search
+    EvalParams params;
+    // Derived from params; no search may be running while they are rebuilt.
+    EvalTables eval_tables;
+    SearchParams search_params;
+
+    Game game;  // what the front end sets up and every search starts from
+    SearchControl control;
+    SearchRun run;
+    MainHash hash;
+    SearchTotals totals;
+    SearchTrace trace;
+    SearchListener* listener = nullptr;
+    ThreadPool pool;  // last: its threads use all of the above
+
+    Searcher() = default;
+    Searcher(const Searcher&) = delete;
+    Searcher& operator=(const Searcher&) = delete;
+    ~Searcher() { destroy_threads(*this); }
+};
+
+inline bool stopped(const Searcher& s) { return s.control.stop_flag != RUN; }
+inline bool stopped(const ThreadData& t) { return stopped(*t.shared); }
+
+inline void trace_before_make(const ThreadData& t, Move move) {
+    if (t.shared->settings.trace != 0) [[unlikely]] {
+        trace_move(t, move);
+    }
+}
+
+}  // namespace quon
