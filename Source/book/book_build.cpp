@@ -14,10 +14,9 @@
 #include "board/move_text.h"
 #include "book/book_key.h"
 #include "pgn/pgn_token.h"
-#include "platform/terminal.h"
-#include "support/format.h"
+#include "platform/standard_output.h"
 #include "support/line_reader.h"
-#include "support/progress.h"
+#include "support/status_line.h"
 #include "support/text.h"
 
 namespace quon {

@@ -1,6 +1,6 @@
 // Lone kings, dead draws, and the scaling of endings that are hard to win.
 
-#include "eval/endgame.h"
+#include "eval/terms.h"
 
 #include "eval/eval_info.h"
 #include "eval/eval_trace.h"

@@ -78,6 +78,13 @@ struct EvalParams {
 };
 
 // True if every entry of the record's own square tables is set; otherwise the built-in ones serve.
-bool has_square_tables(const EvalParams& record);
+inline bool has_square_tables(const EvalParams& record) {
+    for (int type = PAWN; type <= KING; ++type) {
+        for (const Pair& entry : record.pst[type]) {
+            if (entry.op == UNSET || entry.en == UNSET) return false;
+        }
+    }
+    return true;
+}
 
 }  // namespace quon

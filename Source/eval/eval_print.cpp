@@ -2,7 +2,7 @@
 
 #include "eval/eval_print.h"
 
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

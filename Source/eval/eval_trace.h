@@ -30,9 +30,15 @@ struct EvalTrace {
     double factor = 1.0;                      // by which the score was scaled down
 };
 
-// Adds a piece's value to its square and to the colour's total of the term.
-void trace_piece(EvalTrace& trace, int color, TraceTerm term, int square, int value);
-// Adds to the colour's total alone.
-void trace_total(EvalTrace& trace, int color, TraceTerm term, int value);
+// Adds to the colour's total of the term.
+inline void trace_total(EvalTrace& trace, int color, TraceTerm term, int value) {
+    i16& total = trace.total[term][color];
+    total = i16(total + value);
+}
+// Adds a piece's value to its square as well.
+inline void trace_piece(EvalTrace& trace, int color, TraceTerm term, int square, int value) {
+    trace.square[square] = i16(trace.square[square] + value);
+    trace_total(trace, color, term, value);
+}
 
 }  // namespace quon

@@ -5,13 +5,9 @@
 #include <algorithm>
 
 #include "board/keys.h"
-#include "eval/endgame.h"
 #include "eval/eval_info.h"
 #include "eval/eval_trace.h"
-#include "eval/king.h"
-#include "eval/passed.h"
-#include "eval/pieces.h"
-#include "eval/threats.h"
+#include "eval/terms.h"
 
 namespace quon {
 

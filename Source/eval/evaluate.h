@@ -7,7 +7,7 @@
 
 #include "board/position.h"
 #include "eval/eval_tables.h"
-#include "eval/pawns.h"
+#include "eval/terms.h"
 #include "support/relaxed.h"
 
 namespace quon {

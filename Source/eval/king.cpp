@@ -1,7 +1,7 @@
 // King safety counts attack units: attackers of the king zone, pressure on its squares, safe
 // checks, a torn pawn shield. Their sum indexes the KingDanger table.
 
-#include "eval/king.h"
+#include "eval/terms.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
 // Passed pawns depend on pieces and kings, so they are scored here and not in the pawn cache.
 
-#include "eval/passed.h"
+#include "eval/terms.h"
 
 #include "board/see.h"
 #include "eval/eval_info.h"

@@ -1,6 +1,6 @@
 // The pawn walk.
 
-#include "eval/pawns.h"
+#include "eval/terms.h"
 
 #include "eval/eval_info.h"
 #include "eval/eval_trace.h"

@@ -1,6 +1,6 @@
 // Piece activity: mobility, placement, outposts, files and trapped pieces.
 
-#include "eval/pieces.h"
+#include "eval/terms.h"
 
 #include "eval/eval_info.h"
 #include "eval/eval_trace.h"

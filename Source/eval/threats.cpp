@@ -1,6 +1,6 @@
 // Threats and pins, from the finished attack maps.
 
-#include "eval/threats.h"
+#include "eval/terms.h"
 
 #include <algorithm>
 

@@ -6,11 +6,10 @@
 #include <limits>
 
 #include "engine/engine.h"
+#include "engine/output.h"
 #include "eval/eval_params.h"
-#include "frontend/output.h"
 #include "frontend/uci.h"
 #include "search/strength.h"
-#include "support/format.h"
 #include "support/status_line.h"
 #include "support/text.h"
 

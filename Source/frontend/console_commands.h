@@ -1,6 +1,6 @@
 #pragma once
-// What the handlers of the console commands share, and the handlers of the larger ones by the file
-// that holds them.
+// The commands of console mode, typed by a person: what their handlers share, and the handlers of
+// the larger ones by the file that holds them.
 
 #include <algorithm>
 #include <limits>
@@ -11,6 +11,9 @@
 #include "support/text.h"
 
 namespace quon {
+
+// Handles one line that is not empty.
+void handle_console_command(Engine& engine, std::string_view line);
 
 // A command line. The words are cut at 128 characters, missing ones are empty.
 struct ConsoleLine {
@@ -62,5 +65,10 @@ void show_line(Engine& engine, const ConsoleLine& line);
 void show_reductions(Engine& engine, const ConsoleLine& line);
 void show_exchanges(Engine& engine, const ConsoleLine& line);
 void count_paths(Engine& engine, const ConsoleLine& line);
+
+// eval_command.cpp
+// Prints the evaluation of the game position term by term, or why there is none. A running search
+// is stopped and reported first, since one of its threads does the work.
+void eval_trace(Engine& engine);
 
 }  // namespace quon

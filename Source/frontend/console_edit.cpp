@@ -5,10 +5,10 @@
 
 #include "board/fen.h"
 #include "engine/engine.h"
-#include "frontend/board_report.h"
+#include "engine/input.h"
+#include "engine/output.h"
+#include "engine/report.h"
 #include "frontend/console_commands.h"
-#include "frontend/input.h"
-#include "frontend/output.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "support/text.h"

@@ -10,9 +10,9 @@
 #include "board/perft.h"
 #include "board/see.h"
 #include "engine/engine.h"
-#include "frontend/board_report.h"
+#include "engine/output.h"
+#include "engine/report.h"
 #include "frontend/console_commands.h"
-#include "frontend/output.h"
 #include "frontend/search_session.h"
 #include "search/control.h"
 #include "search/hash.h"
@@ -21,7 +21,7 @@
 #include "search/search_params.h"
 #include "search/threads.h"
 #include "search/time.h"
-#include "support/format.h"
+#include "support/text.h"
 #include "tools/tool_input.h"
 
 namespace quon {

@@ -3,17 +3,17 @@
 #include <string>
 
 #include "engine/engine.h"
+#include "engine/input.h"
+#include "engine/output.h"
 #include "eval/parameters.h"
 #include "frontend/console_commands.h"
-#include "frontend/input.h"
-#include "frontend/output.h"
 #include "frontend/search_session.h"
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/search_params.h"
 #include "search/strength.h"
 #include "search/threads.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

@@ -1,21 +1,21 @@
 // The breakdown of the evaluation: a search of depth 0 fills the trace record, which is then
 // printed.
 
-#include "frontend/eval_command.h"
+#include "frontend/console_commands.h"
 
 #include <cstdlib>
 #include <string>
 
 #include "board/fen.h"
 #include "engine/engine.h"
+#include "engine/output.h"
 #include "eval/eval_trace.h"
-#include "frontend/output.h"
 #include "frontend/search_session.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
-#include "support/format.h"
+#include "support/text.h"
 #include "tools/tool_input.h"
 
 namespace quon {

@@ -7,13 +7,13 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
-#include "frontend/board_report.h"
+#include "engine/output.h"
+#include "engine/report.h"
 #include "frontend/console_commands.h"
-#include "frontend/output.h"
 #include "search/run.h"
-#include "support/format.h"
 #include "support/line_reader.h"
 #include "support/output_file.h"
+#include "support/text.h"
 #include "tools/tool_input.h"
 
 namespace quon {

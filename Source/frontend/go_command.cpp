@@ -1,6 +1,6 @@
 // The "go" command: one table of keywords, applied in its order.
 
-#include "frontend/go_command.h"
+#include "frontend/uci.h"
 
 #include <algorithm>
 #include <limits>

@@ -3,10 +3,14 @@
 
 #include "frontend/main_loop.h"
 
+#include <string>
+
 #include "engine/engine.h"
-#include "frontend/input.h"
-#include "frontend/output.h"
+#include "engine/input.h"
+#include "engine/output.h"
+#include "frontend/console_commands.h"
 #include "frontend/search_session.h"
+#include "frontend/uci.h"
 #include "platform/events.h"
 #include "search/control.h"
 #include "search/run.h"
@@ -68,6 +72,16 @@ void turn(Engine& engine) {
 }
 
 }  // namespace
+
+void process_input(Engine& engine) {
+    std::string command;
+    if (!next_command(engine, command)) return;
+    if (engine.options.uci_mode || command == "uci") {
+        handle_uci_command(engine, command);
+    } else if (!command.empty()) {
+        handle_console_command(engine, command);
+    }
+}
 
 void main_loop(Engine& engine) {
     while (!engine.control.quit_requested && !output_lost()) {

@@ -1,6 +1,6 @@
 // The "position" command.
 
-#include "frontend/position_command.h"
+#include "frontend/uci.h"
 
 #include <algorithm>
 #include <string>
@@ -9,8 +9,8 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
-#include "frontend/board_report.h"
-#include "frontend/output.h"
+#include "engine/output.h"
+#include "engine/report.h"
 #include "search/run.h"
 #include "support/text.h"
 

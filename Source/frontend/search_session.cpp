@@ -9,15 +9,14 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
-#include "frontend/board_report.h"
-#include "frontend/book_report.h"
-#include "frontend/output.h"
-#include "frontend/search_report.h"
+#include "engine/output.h"
+#include "engine/report.h"
+#include "engine/search_report.h"
 #include "search/run.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
 #include "search/time.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

@@ -8,17 +8,16 @@
 #include "board/fen.h"
 #include "book/book.h"
 #include "engine/engine.h"
+#include "engine/input.h"
+#include "engine/output.h"
+#include "engine/param_settings.h"
+#include "engine/report.h"
+#include "engine/search_report.h"
 #include "eval/eval_tables.h"
 #include "eval/kpk.h"
-#include "frontend/board_report.h"
-#include "frontend/book_report.h"
 #include "frontend/command_line.h"
-#include "frontend/input.h"
 #include "frontend/main_loop.h"
-#include "frontend/output.h"
-#include "frontend/param_settings.h"
-#include "frontend/search_report.h"
-#include "frontend/uci_options.h"
+#include "frontend/uci.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/standard_output.h"
@@ -29,8 +28,8 @@
 #include "search/search_trace.h"
 #include "search/strength.h"
 #include "search/threads.h"
-#include "support/format.h"
 #include "support/status_line.h"
+#include "support/text.h"
 #include "tools/bench.h"
 #include "tools/epd_runner.h"
 #include "tools/match.h"
@@ -127,7 +126,7 @@ constexpr Tool TOOLS[] = {
                        const RunMode& m) { return scan_pgn(engine, m.scan_file, m.scan_variant); }},
     {Job::BENCH,
      [](Engine& engine, const RunMode& m) {
-         run_bench(engine, m.bench_variant, m.bench_single_thread);
+         run_bench(engine, m.bench_variant, m.bench_single_thread, process_input);
          return true;
      }},
     {Job::MATCH, [](Engine& engine, const RunMode&) { return run_match(engine); }},

@@ -6,11 +6,8 @@
 #include <string>
 
 #include "engine/engine.h"
-#include "frontend/go_command.h"
-#include "frontend/output.h"
-#include "frontend/position_command.h"
+#include "engine/output.h"
 #include "frontend/search_session.h"
-#include "frontend/uci_options.h"
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/run.h"
@@ -76,7 +73,7 @@ void print_name() { engine_print(std::string("id name ") + ENGINE_NAME); }
 
 void handle_uci_command(Engine& engine, std::string_view line) {
     if (line.empty()) return;
-    if (log_enabled()) engine_print("CMD: " + std::string(line));
+    print_command(line);
     const std::string_view word = first_word(line);
     for (const UciCommand& command : COMMANDS) {
         if (command.word != word) continue;

@@ -1,7 +1,7 @@
 // The options of UCI: one row each, from which the announcement, the reading and clamping of values
 // and the reply come.
 
-#include "frontend/uci_options.h"
+#include "frontend/uci.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,13 +10,12 @@
 #include <string>
 
 #include "engine/engine.h"
+#include "engine/output.h"
 #include "eval/eval_params.h"
-#include "frontend/output.h"
 #include "frontend/search_session.h"
 #include "search/hash.h"
 #include "search/strength.h"
 #include "search/threads.h"
-#include "support/format.h"
 #include "support/text.h"
 #include "syzygy/tbprobe.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-// Large blocks of memory straight from the system.
+// Large blocks of memory straight from the system, and the processor's caches.
 
 #include <cstddef>
 
@@ -9,5 +9,14 @@ namespace quon {
 // table then misses one cache less); nullptr when memory is short.
 void* allocate_pages(std::size_t bytes);
 void release_pages(void* block, std::size_t bytes);
+
+// A hint to bring a cache line in before it is read.
+inline void prefetch(const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    static_cast<void>(address);
+#endif
+}
 
 }  // namespace quon

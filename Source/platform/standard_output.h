@@ -19,4 +19,8 @@ void wait_for_room(int timeout_ms);
 // How many of the bytes written the reader has not taken yet; 0 where the system does not tell.
 int unread_output();
 
+// Whether a person watches an output.
+bool output_is_terminal();
+bool error_output_is_terminal();
+
 }  // namespace quon

@@ -11,7 +11,6 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "platform/memory.h"
-#include "platform/prefetch.h"
 #include "search/score.h"
 
 namespace quon {

@@ -3,7 +3,7 @@
 #include "search/move_flags.h"
 
 #include "board/legality.h"
-#include "eval/pawns.h"
+#include "eval/terms.h"
 
 namespace quon {
 

@@ -9,8 +9,8 @@
 
 #include "board/move_text.h"
 #include "search/searcher.h"
-#include "support/format.h"
 #include "support/status_line.h"
+#include "support/text.h"
 
 namespace quon {
 

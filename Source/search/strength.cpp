@@ -15,7 +15,7 @@
 #include "search/searcher.h"
 #include "search/threads.h"
 #include "search/time.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

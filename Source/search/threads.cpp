@@ -11,7 +11,7 @@
 #include "platform/events.h"
 #include "search/search.h"
 #include "search/searcher.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

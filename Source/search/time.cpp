@@ -9,7 +9,7 @@
 #include "platform/clock.h"
 #include "search/score.h"
 #include "search/searcher.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "support/format.h"
 #include "support/status_line.h"
+#include "support/text.h"
 
 namespace quon {
 

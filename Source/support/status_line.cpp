@@ -1,14 +1,20 @@
-// Standard error.
+// Standard error: messages and the status line.
 
 #include "support/status_line.h"
 
 #include <cstdio>
 #include <mutex>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/standard_output.h"
+#include "support/text.h"
 
 namespace quon {
 
 namespace {
 
+constexpr double PERIOD = 0.2;  // seconds between two writings of a status line
 constexpr char REWRITE_LINE[] = "\r\x1b[K";
 
 std::mutex mutex;  // guards the stream
@@ -36,5 +42,28 @@ void error_line(std::string_view text) {
     erase();
     std::fprintf(stderr, "%.*s\n", int(text.size()), text.data());
 }
+
+Progress start_progress() { return {monotonic_seconds(), 0, error_output_is_terminal()}; }
+
+double progress_seconds(const Progress& progress) {
+    return monotonic_seconds() - progress.start_time;
+}
+
+bool progress_due(const Progress& progress) {
+    return progress.wanted && monotonic_seconds() - progress.shown_at >= PERIOD;
+}
+
+void show_progress(Progress& progress, std::string_view text, double done, double total) {
+    if (!progress_due(progress)) return;
+    std::string line(text);
+    if (total > 0 && done > 0) {
+        const int left = int(progress_seconds(progress) * (total - done) / done + 0.5);
+        line += format(", %.0f %%, %d:%02d left", 100 * done / total, left / 60, left % 60);
+    }
+    show_status_line(line);
+    progress.shown_at = monotonic_seconds();
+}
+
+void end_progress() { show_status_line(""); }
 
 }  // namespace quon

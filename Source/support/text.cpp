@@ -1,9 +1,11 @@
-// Words and numbers of command lines.
+// Words, numbers and formatted text.
 
 #include "support/text.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -72,6 +74,19 @@ double to_real(std::string_view text) {
                          std::numeric_limits<double>::max());
     }
     return sign ? -value : value;
+}
+
+std::string format(const char* pattern, ...) {
+    std::va_list arguments;
+    va_start(arguments, pattern);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int size = std::vsnprintf(nullptr, 0, pattern, arguments);
+    va_end(arguments);
+    std::string text(size > 0 ? std::size_t(size) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, pattern, again);
+    va_end(again);
+    return text;
 }
 
 }  // namespace quon

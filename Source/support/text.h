@@ -1,7 +1,7 @@
 #pragma once
-// Words and numbers of text lines. A blank is the space alone. Needs nothing but integers, so that
-// every reader of text can use it.
+// Words and numbers of text lines, read and written. A blank is the space alone.
 
+#include <string>
 #include <string_view>
 
 #include "support/integers.h"
@@ -33,5 +33,8 @@ std::string_view from_first_letter(std::string_view text);
 inline std::string_view text_from(std::string_view text, std::size_t start) {
     return start < text.size() ? text.substr(start) : std::string_view();
 }
+
+// printf into a string.
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
 
 }  // namespace quon

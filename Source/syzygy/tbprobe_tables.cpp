@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "support/format.h"
 #include "support/status_line.h"
+#include "support/text.h"
 
 namespace quon {
 

@@ -4,9 +4,9 @@
 
 #include "board/fen.h"
 #include "engine/engine.h"
-#include "frontend/input.h"
-#include "frontend/output.h"
-#include "frontend/search_report.h"
+#include "engine/input.h"
+#include "engine/output.h"
+#include "engine/search_report.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "search/control.h"
@@ -14,7 +14,7 @@
 #include "search/run.h"
 #include "search/threads.h"
 #include "search/time.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -49,18 +49,18 @@ constexpr double SECONDS_PER_POSITION = 99;
 
 constexpr int SHORT_RUN = 10;
 
-void search_with_all_threads(Engine& engine) {
+void search_with_all_threads(Engine& engine, void (*on_input)(Engine&)) {
     start_search_threads(engine);
     while (busy_threads(engine) != 0) {
         time_check(engine);
-        process_input(engine);
+        on_input(engine);
         wait_for_event(1, !input_ended());
     }
 }
 
 }  // namespace
 
-void run_bench(Engine& engine, int variant, bool single_thread) {
+void run_bench(Engine& engine, int variant, bool single_thread, void (*on_input)(Engine&)) {
     leave_output_if(quit_comes);
     engine.limits.fixed_time = SECONDS_PER_POSITION;
     engine.options.output_delay = NEVER;
@@ -78,7 +78,7 @@ void run_bench(Engine& engine, int variant, bool single_thread) {
         if (single_thread) {
             search_in_main_thread(engine);
         } else {
-            search_with_all_threads(engine);
+            search_with_all_threads(engine, on_input);
         }
         const double elapsed = monotonic_seconds() - engine.run.start_time;
         collect_stats(engine);

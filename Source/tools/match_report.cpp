@@ -6,7 +6,7 @@
 
 #include "board/fen.h"
 #include "engine/engine.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

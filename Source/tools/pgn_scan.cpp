@@ -3,12 +3,11 @@
 #include "tools/pgn_scan.h"
 
 #include "engine/engine.h"
-#include "frontend/output.h"
+#include "engine/output.h"
 #include "pgn/game_reader.h"
-#include "support/format.h"
 #include "support/line_reader.h"
-#include "support/progress.h"
 #include "support/status_line.h"
+#include "support/text.h"
 #include "tools/scan_writers.h"
 #include "tools/tool_input.h"
 

@@ -9,9 +9,9 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
-#include "frontend/board_report.h"
+#include "engine/report.h"
 #include "search/run.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

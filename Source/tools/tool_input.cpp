@@ -3,14 +3,12 @@
 #include "tools/tool_input.h"
 
 #include "engine/engine.h"
-#include "frontend/input.h"
-#include "frontend/output.h"
-#include "frontend/uci.h"
+#include "engine/input.h"
+#include "engine/output.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/interrupt.h"
 #include "search/control.h"
-#include "support/format.h"
 #include "support/status_line.h"
 #include "support/text.h"
 
@@ -22,14 +20,14 @@ namespace {
 constexpr int COMMANDS_PER_CALL = 64;
 // Enough to hear all that a closed pipe still holds.
 constexpr int CALLS_AT_START = 1024;
-constexpr double LOOK_PERIOD = 0.01;  // seconds between two looks
-
 struct Heard {
     std::string_view word;
     StopFlag wish;
 };
 
 constexpr Heard HEARD[] = {{"isready", RUN}, {"stop", STOP}, {"quit", ABORT}};
+
+constexpr double LOOK_PERIOD = 0.01;  // seconds between two looks
 
 Relaxed<StopFlag> wish = RUN;  // the first that was heard
 bool listening = false;        // standard input carries commands, and its end is one of them
@@ -48,7 +46,9 @@ void raise_wish(StopFlag next) {
 void obey(Engine& engine, const std::string& command) {
     for (const Heard& heard : HEARD) {
         if (heard.word != first_word(command)) continue;
-        handle_uci_command(engine, command);
+        print_command(command);
+        if (heard.wish == RUN) engine_print("readyok");
+        if (heard.wish == ABORT) engine.control.quit_requested = true;
         raise_wish(heard.wish);
     }
 }

@@ -17,7 +17,7 @@
 #include "board/types.h"
 #include "engine/engine.h"
 #include "support/output_file.h"
-#include "support/progress.h"
+#include "support/status_line.h"
 
 namespace quon {
 

@@ -7,12 +7,12 @@
 #include <memory>
 
 #include "engine/engine.h"
+#include "engine/output.h"
 #include "eval/eval_tables.h"
 #include "eval/tunables.h"
-#include "frontend/output.h"
 #include "search/run.h"
-#include "support/format.h"
-#include "support/progress.h"
+#include "support/status_line.h"
+#include "support/text.h"
 #include "tools/tool_input.h"
 #include "tools/tune.h"
 

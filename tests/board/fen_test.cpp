@@ -6,7 +6,7 @@
 
 #include "board/make.h"
 #include "board/verify.h"
-#include "frontend/board_report.h"
+#include "engine/report.h"
 #include "harness/board_support.h"
 
 namespace quon::test {

@@ -8,7 +8,7 @@
 
 #include "board/fen.h"
 #include "board/movegen.h"
-#include "frontend/board_report.h"
+#include "engine/report.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 

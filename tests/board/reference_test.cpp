@@ -10,7 +10,7 @@
 #include "board/see.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -12,11 +12,11 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "book/book.h"
-#include "frontend/board_report.h"
-#include "frontend/output.h"
+#include "engine/output.h"
+#include "engine/report.h"
 #include "harness/book_support.h"
 #include "harness/engine.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "harness/board_support.h"
 #include "harness/engine.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <array>
 #include <filesystem>
 
-#include "frontend/output.h"
+#include "engine/output.h"
 #include "harness/book_support.h"
 #include "harness/engine.h"
 

@@ -10,7 +10,7 @@
 #include "board/fen.h"
 #include "board/move_text.h"
 #include "board/verify.h"
-#include "frontend/book_report.h"
+#include "engine/report.h"
 #include "harness/book_support.h"
 #include "harness/engine.h"
 

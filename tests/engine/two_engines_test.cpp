@@ -9,7 +9,7 @@
 #include "board/make.h"
 #include "engine/engine.h"
 #include "harness/board_support.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -9,7 +9,7 @@
 #include "eval/tunables.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -1,7 +1,7 @@
 // Reading parameter files.
 
+#include "engine/param_settings.h"
 #include "eval/parameters.h"
-#include "frontend/param_settings.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/files.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "harness/board_support.h"
 #include "harness/eval_support.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

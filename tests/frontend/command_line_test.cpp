@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/output.h"
 #include "eval/eval_params.h"
-#include "frontend/output.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 

@@ -8,7 +8,7 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "board/verify.h"
-#include "frontend/board_report.h"
+#include "engine/report.h"
 #include "harness/board_support.h"
 #include "harness/console_support.h"
 #include "harness/engine.h"

@@ -1,6 +1,6 @@
 // The console's settings, inspections, and lines of any kind.
 
-#include "frontend/console.h"
+#include "frontend/console_commands.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The printed breakdown of the evaluation: read back, checked against its own sums, the other side
 // of the board, and figures of another program.
 
-#include "frontend/eval_command.h"
+#include "frontend/console_commands.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 #include "harness/engine.h"
 #include "search/hash.h"
 #include "search/run.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

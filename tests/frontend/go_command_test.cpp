@@ -1,4 +1,4 @@
-#include "frontend/go_command.h"
+#include "frontend/uci.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include "harness/engine.h"
 #include "search/control.h"
 #include "search/run.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "frontend/position_command.h"
+#include "frontend/uci.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "frontend/uci_options.h"
+#include "frontend/uci.h"
 
 #include <gtest/gtest.h>
 

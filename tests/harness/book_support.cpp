@@ -9,9 +9,9 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "book/book.h"
-#include "frontend/book_report.h"
+#include "engine/report.h"
 #include "harness/engine.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 

@@ -10,8 +10,8 @@
 
 #include "board/fen.h"
 #include "board/verify.h"
-#include "frontend/board_report.h"
-#include "frontend/console.h"
+#include "engine/report.h"
+#include "frontend/console_commands.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "search/run.h"

@@ -2,7 +2,7 @@
 
 #include "harness/engine.h"
 
-#include "frontend/search_report.h"
+#include "engine/search_report.h"
 
 namespace quon::test {
 

@@ -29,8 +29,8 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
-#include "frontend/output.h"
-#include "support/format.h"
+#include "engine/output.h"
+#include "support/text.h"
 
 using namespace quon;
 

@@ -11,7 +11,7 @@
 #include "harness/files.h"
 #include "harness/tool_support.h"
 #include "protocol/session.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

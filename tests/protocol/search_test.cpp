@@ -11,7 +11,7 @@
 #include "harness/engine.h"
 #include "platform/clock.h"
 #include "protocol/session.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "board/keys.h"
-#include "frontend/search_report.h"
+#include "engine/search_report.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/search_support.h"
@@ -11,7 +11,7 @@
 #include "search/hash.h"
 #include "search/search.h"
 #include "search/time.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "board/fen.h"
-#include "frontend/uci_options.h"
+#include "frontend/uci.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/search_support.h"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "board/make.h"
-#include "frontend/search_report.h"
+#include "engine/search_report.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/search_support.h"

@@ -8,7 +8,7 @@
 #include "harness/engine.h"
 #include "harness/files.h"
 #include "harness/tool_support.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -18,7 +18,7 @@
 #include "harness/search_support.h"
 #include "harness/work_directory.h"
 #include "search/search_params.h"
-#include "support/format.h"
+#include "support/text.h"
 #include "tools/match_report.h"
 
 namespace quon::test {

@@ -13,7 +13,7 @@
 #include "harness/files.h"
 #include "harness/tool_support.h"
 #include "pgn/game_reader.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -19,7 +19,7 @@
 #include "harness/process.h"
 #include "harness/search_support.h"
 #include "harness/work_directory.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon::test {
 namespace {

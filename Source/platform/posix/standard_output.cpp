@@ -83,4 +83,7 @@ int unread_output() {
     return ioctl(output, kind == Kind::PIPE ? FIONREAD : TIOCOUTQ, &count) == 0 ? count : 0;
 }
 
+bool output_is_terminal() { return isatty(STDOUT_FILENO) == 1; }
+bool error_output_is_terminal() { return isatty(STDERR_FILENO) == 1; }
+
 }  // namespace quon

@@ -12,8 +12,6 @@ struct Engine;
 // Reads what standard input holds and takes the next command; false when none is whole yet. Never
 // waits for input.
 bool next_command(Engine& engine, std::string& command);
-// The same, and handles the command.
-void process_input(Engine& engine);
 
 // Takes the next line, for commands that go on over several; waits for it. False at the end of the
 // input, and after an interruption.
@@ -34,7 +32,7 @@ bool withdraw_command(std::string_view word, std::size_t behind);
 bool quit_comes();
 bool quit_or_end_comes();
 
-// A whole command has been read and waits for process_input.
+// A whole command has been read and waits to be taken.
 bool command_pending();
 // Standard input is at its end; commands may still be pending.
 bool input_ended();

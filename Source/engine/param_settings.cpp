@@ -1,13 +1,12 @@
 // The settings of a parameter file.
 
-#include "frontend/param_settings.h"
+#include "engine/param_settings.h"
 
 #include <algorithm>
 #include <limits>
 
+#include "engine/output.h"
 #include "eval/param_file.h"
-#include "frontend/output.h"
-#include "support/format.h"
 #include "support/text.h"
 
 namespace quon {

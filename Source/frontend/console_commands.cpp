@@ -1,19 +1,17 @@
 // The commands of console mode: one table from word to handler, from which the help is printed too.
 
-#include "frontend/console.h"
+#include "frontend/console_commands.h"
 
 #include <string>
 
 #include "book/book_build.h"
 #include "engine/engine.h"
+#include "engine/output.h"
+#include "engine/report.h"
 #include "eval/eval_print.h"
-#include "frontend/book_report.h"
-#include "frontend/console_commands.h"
-#include "frontend/eval_command.h"
-#include "frontend/output.h"
 #include "search/control.h"
 #include "search/run.h"
-#include "support/format.h"
+#include "support/text.h"
 #include "tools/tool_input.h"
 #include "tools/tune.h"
 

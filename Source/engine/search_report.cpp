@@ -1,13 +1,13 @@
 // Report formats, and when a report is due.
 
-#include "frontend/search_report.h"
+#include "engine/search_report.h"
 
 #include "board/fen.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
-#include "frontend/output.h"
+#include "engine/output.h"
 #include "search/score.h"
-#include "support/format.h"
+#include "support/text.h"
 
 namespace quon {
 

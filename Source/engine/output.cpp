@@ -1,6 +1,6 @@
 // Standard output and the log file.
 
-#include "frontend/output.h"
+#include "engine/output.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -8,9 +8,9 @@
 
 #include "platform/clock.h"
 #include "platform/standard_output.h"
-#include "support/format.h"
 #include "support/relaxed.h"
 #include "support/status_line.h"
+#include "support/text.h"
 
 namespace quon {
 
@@ -79,6 +79,10 @@ void engine_print(std::string_view text) {
     const std::lock_guard lock(print_mutex);
     write_output(line);
     write_log(line);
+}
+
+void print_command(std::string_view line) {
+    if (log_enabled()) engine_print("CMD: " + std::string(line));
 }
 
 void print_unlogged(std::string_view text) {

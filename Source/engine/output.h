@@ -14,6 +14,10 @@ void engine_print(std::string_view text);
 // The text as it stands, to standard output alone: what never goes to the log.
 void print_unlogged(std::string_view text);
 
+// A command of a front end; while logging is on it is printed as well, so that a log tells what
+// answers what.
+void print_command(std::string_view line);
+
 // The line to the log file alone, under the same two conditions.
 void log_line(std::string_view text);
 

@@ -1,6 +1,6 @@
 // Bytes to lines to commands. '@' ends a command just as a line end does.
 
-#include "frontend/input.h"
+#include "engine/input.h"
 
 #include <algorithm>
 #include <mutex>
@@ -9,12 +9,9 @@
 #include <vector>
 
 #include "engine/engine.h"
-#include "frontend/console.h"
-#include "frontend/output.h"
-#include "frontend/uci.h"
+#include "engine/output.h"
 #include "platform/events.h"
 #include "platform/interrupt.h"
-#include "support/format.h"
 #include "support/text.h"
 
 namespace quon {
@@ -149,16 +146,6 @@ bool next_command(Engine& engine, std::string& command) {
     lock.unlock();
     for (const std::string& remark : told) engine_print(message_prefix(engine) + remark);
     return found;
-}
-
-void process_input(Engine& engine) {
-    std::string command;
-    if (!next_command(engine, command)) return;
-    if (engine.options.uci_mode || command == "uci") {
-        handle_uci_command(engine, command);
-    } else if (!command.empty()) {
-        handle_console_command(engine, command);
-    }
 }
 
 }  // namespace quon

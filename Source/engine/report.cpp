@@ -1,13 +1,26 @@
-// What is printed of the book.
+// What is printed of positions, moves and the book.
 
-#include "frontend/book_report.h"
+#include "engine/report.h"
 
+#include "board/fen.h"
 #include "board/move_text.h"
 #include "book/book_pick.h"
-#include "frontend/output.h"
-#include "support/format.h"
+#include "engine/output.h"
+#include "support/text.h"
 
 namespace quon {
+
+void print_board(const Position& p) { engine_print(board_text(p)); }
+
+void read_position(Position& p, std::string_view fen) {
+    if (!position_from_fen(p, fen)) engine_print("Illegal EPD record");
+}
+
+bool read_move(const Position& p, std::string_view text, Move& move) {
+    const int named = parse_san(p, text, move);
+    if (named == 2) print_unlogged("ambiguous move\n");
+    return named == 1;
+}
 
 void load_book(Engine& engine) {
     for (const std::string& problem : book_open(engine.book, engine.options.book_file)) {

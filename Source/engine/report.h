@@ -1,9 +1,10 @@
 #pragma once
-// Positions and moves between the board and whoever types or reads them.
+// What is said of positions, moves and the book, to whoever types or reads along.
 
 #include <string_view>
 
 #include "board/position.h"
+#include "engine/engine.h"
 
 namespace quon {
 
@@ -13,5 +14,14 @@ void print_board(const Position& p);
 void read_position(Position& p, std::string_view fen);
 // The one legal move that the text names (parse_san); false without one. Says so when two match.
 [[nodiscard]] bool read_move(const Position& p, std::string_view text, Move& move);
+
+// Opens the book that the settings name and says what is wrong with it.
+void load_book(Engine& engine);
+
+// A move that the book offers for the game's position, drawn at random; NO_MOVE without one. Prints
+// what the book knows of every move.
+Move book_pick(Engine& engine);
+// The same for a person to see; with `announce` the choice is printed as well.
+void book_show(Engine& engine, bool announce);
 
 }  // namespace quon
