@@ -14,6 +14,8 @@ void release_pages(void* block, std::size_t bytes);
 inline void prefetch(const void* address) {
 #if defined(__GNUC__)
     __builtin_prefetch(address);
+    // Without a visible effect GCC drops the calls of a function that does no more than prefetch.
+    __asm__ volatile("");
 #else
     static_cast<void>(address);
 #endif
