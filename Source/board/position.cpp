@@ -85,6 +85,8 @@ void clear_position(Position& p) {
 
 Game::Game() : GameRecord(), position() { position.owner = this; }
 
+// Only the played part of the record is worth copying.
+// NOLINTNEXTLINE(bugprone-copy-constructor-init)
 Game::Game(const Game& other) : GameRecord(), position() { copy_game(*this, other); }
 
 Game& Game::operator=(const Game& other) {

@@ -2,6 +2,7 @@
 
 #include "support/status_line.h"
 
+#include <cmath>
 #include <cstdio>
 #include <mutex>
 #include <string>
@@ -57,7 +58,7 @@ void show_progress(Progress& progress, std::string_view text, double done, doubl
     if (!progress_due(progress)) return;
     std::string line(text);
     if (total > 0 && done > 0) {
-        const int left = int(progress_seconds(progress) * (total - done) / done + 0.5);
+        const auto left = int(std::lround(progress_seconds(progress) * (total - done) / done));
         line += format(", %.0f %%, %d:%02d left", 100 * done / total, left / 60, left % 60);
     }
     show_status_line(line);

@@ -22,12 +22,10 @@ void* allocate_pages(std::size_t bytes) {
     void* mapped =
         mmap(nullptr, size + HUGE_PAGE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapped == MAP_FAILED) return nullptr;
-    const auto start = reinterpret_cast<std::uintptr_t>(mapped);
-    const std::uintptr_t aligned = (start + HUGE_PAGE - 1) & ~(HUGE_PAGE - 1);
-    if (aligned > start) munmap(mapped, aligned - start);
-    const std::size_t tail = start + HUGE_PAGE - aligned;
-    if (tail > 0) munmap(reinterpret_cast<void*>(aligned + size), tail);
-    void* block = reinterpret_cast<void*>(aligned);
+    const std::size_t head = -reinterpret_cast<std::uintptr_t>(mapped) & (HUGE_PAGE - 1);
+    char* const block = static_cast<char*>(mapped) + head;
+    if (head > 0) munmap(mapped, head);
+    if (head < HUGE_PAGE) munmap(block + size, HUGE_PAGE - head);
 #ifdef MADV_HUGEPAGE
     madvise(block, size, MADV_HUGEPAGE);
 #endif
