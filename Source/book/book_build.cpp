@@ -13,7 +13,7 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "book/book_key.h"
-#include "pgn/pgn_token.h"
+#include "pgn/pgn_reader.h"
 #include "platform/standard_output.h"
 #include "support/line_reader.h"
 #include "support/status_line.h"
@@ -29,7 +29,6 @@ constexpr char RUN_FILE[] = "tmp.opn";
 constexpr char MERGED_FILE[] = "tmp__0.opn";
 constexpr char GROWING_FILE[] = "tmp__1.opn";
 
-constexpr std::size_t MAX_LINE = 254;
 constexpr int MAX_PLIES = 50;  // recorded of a game
 constexpr int MIN_GAMES = 9;   // of a position that is kept
 constexpr int FLUSH_EVERY = 200;
@@ -41,14 +40,11 @@ struct Builder {
     const BookWork& work;
     Progress progress = start_progress();
     std::vector<BookRecord> run = {};  // one record for each position recorded since the last flush
+    PgnReader pgn{&BOOK_GAMES};
     int games = 0;
     // Of the current game.
     int winner = NOBODY;
-    int comment_depth = 0;
-    int variation_depth = 0;
     bool stopped = false;  // a move could not be read
-    // Of the current line.
-    bool skip_line = false;
 };
 
 void tell(const BookWork& work, std::string_view text) {
@@ -81,7 +77,7 @@ bool start_game(Builder& b, std::string_view result_line) {
     const auto has = [&](const char* text) { return result_line.find(text) != result_line.npos; };
     set_start_position(b.position);
     b.winner = has("1-0") ? WHITE : has("0-1") ? BLACK : NOBODY;
-    b.comment_depth = b.variation_depth = 0;
+    begin_game(b.pgn);
     b.stopped = false;
     ++b.games;
     return (b.games % FLUSH_EVERY != 0 || flush(b)) &&
@@ -99,49 +95,26 @@ void record_position(Builder& b) {
     b.run.push_back(record);
 }
 
-// Without the number in front of the move; empty if there is no move. Castling may be "0-0".
-std::string_view move_part(std::string_view token) {
-    const std::size_t letter = token.size() - from_first_letter(token).size();
-    return text_from(token, std::min(token.find("0-"), letter));
-}
-
-void take_pgn_token(Builder& b, std::string_view token) {
+void take_move(Builder& b, std::string_view text) {
     if (b.stopped || b.position.owner->game_ply >= MAX_PLIES) return;
-    if (token.starts_with('$') || token.starts_with(';')) return;
-    if (token == "{") {
-        ++b.comment_depth;
-    } else if (token == "}") {
-        b.comment_depth = std::max(b.comment_depth - 1, 0);
-    } else if (token == "(") {
-        ++b.variation_depth;
-    } else if (token == ")") {
-        b.variation_depth = std::max(b.variation_depth - 1, 0);
-    } else if (b.comment_depth == 0 && b.variation_depth == 0) {
-        const std::string_view text = move_part(token);
-        if (text.empty()) return;
-        Move move = NO_MOVE;
-        const int named = parse_san(b.position, text, move);
-        if (named == 2) tell(b.work, "ambiguous move\n");
-        b.stopped = named != 1;
-        if (b.stopped) return;
-        make_move(b.position, move);
-        record_position(b);
-    }
+    Move move = NO_MOVE;
+    const int named = parse_san(b.position, text, move);
+    if (named == 2) tell(b.work, "ambiguous move\n");
+    b.stopped = named != 1;
+    if (b.stopped) return;
+    make_move(b.position, move);
+    record_position(b);
 }
 
 // A line may come in several pieces. False when a file cannot be written.
 bool take_line_piece(Builder& b, const LinePiece& piece) {
-    if (piece.starts_line) {
-        const bool comment_or_tag = piece.text.starts_with('[') || piece.text.starts_with(';');
-        b.skip_line = b.comment_depth == 0 && comment_or_tag;
-    }
-    if (piece.text.find("[Result") != std::string_view::npos) {
-        b.skip_line = true;
-        return start_game(b, piece.text);
-    }
-    if (b.skip_line) return true;
+    const bool has_moves = begin_piece(b.pgn, piece);
+    if (piece.text.find("[Result") != std::string_view::npos) return start_game(b, piece.text);
+    if (!has_moves) return true;
     std::string_view rest = piece.text;
-    for (std::string token; next_pgn_token(rest, token);) take_pgn_token(b, token);
+    while (const std::optional<PgnToken> token = next_token(b.pgn, rest)) {
+        if (token->kind == PgnToken::MOVE) take_move(b, token->text);
+    }
     return true;
 }
 
@@ -181,7 +154,7 @@ void remove_temporaries() {
 
 void build_book(Position& position, const BookWork& work) {
     LineReader reader;
-    if (!open_lines(reader, GAMES_FILE, MAX_LINE, LongLine::AT_BLANK)) {
+    if (!open_lines(reader, GAMES_FILE, BOOK_GAMES.line_limit, BOOK_GAMES.long_line)) {
         if (is_no_file(GAMES_FILE)) report_unreadable(work, GAMES_FILE);
         return;
     }

@@ -3,7 +3,6 @@
 #include "book/book_merge.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <span>
 #include <system_error>
@@ -51,11 +50,18 @@ bool open_run(const BookWork& work, const std::string& path, RunReader& run) {
     return true;
 }
 
+// Creates the file; false, with a message, if that is not possible.
+bool create_run(const BookWork& work, const std::string& path, RecordWriter& out) {
+    out = create_records(path);
+    if (!out) report_unwritable(work, path, out.file.error());
+    return bool(out);
+}
+
 // False, with a message, if not all of it has reached the file.
-bool finish(const BookWork& work, RecordWriter& out, bool written, const std::string& path) {
-    if (written && close_records(out)) return true;
-    report_unwritable(work, path);
-    return false;
+bool finish(const BookWork& work, RecordWriter& out) {
+    const bool written = close_records(out);
+    if (!written) report_unwritable(work, out.file.path(), out.file.error());
+    return written;
 }
 
 // The next record of both runs together, which the readers then have passed.
@@ -79,21 +85,17 @@ BookRecord take_front(RunReader& a, RunReader& b) {
 
 bool merge(RunReader a, RunReader b, const std::string& from, const std::string& to,
            const BookWork& work) {
-    RecordWriter out = create_records(to);
-    if (!out) {
-        report_unwritable(work, to);
-        return false;
-    }
-    bool written = true;
-    while (written && !(a.ended && b.ended)) {
+    RecordWriter out;
+    if (!create_run(work, to, out)) return false;
+    while (!(a.ended && b.ended)) {
         if (ended(work)) return false;
-        written = write_record(out, take_front(a, b));
+        if (!write_record(out, take_front(a, b))) break;
     }
     if (broken(a) || broken(b)) {
         report_unreadable(work, from);
         return false;
     }
-    return finish(work, out, written, to);
+    return finish(work, out);
 }
 
 }  // namespace
@@ -136,35 +138,28 @@ std::optional<int> copy_frequent(const std::string& path, int min_games, const s
         report_unreadable(work, path);
         return std::nullopt;
     }
-    RecordWriter out = create_records(to_path);
-    if (!out) {
-        report_unwritable(work, to_path);
-        return std::nullopt;
-    }
+    RecordWriter out;
+    if (!create_run(work, to_path, out)) return std::nullopt;
     RunReader run = read_run(std::move(in));
     int kept = 0;
-    bool written = true;
-    for (; written && !run.ended; advance(run)) {
+    for (; !run.ended; advance(run)) {
         if (ended(work)) return std::nullopt;
         if (game_count(run.front) < min_games) continue;
-        written = write_record(out, run.front);
+        if (!write_record(out, run.front)) break;
         ++kept;
     }
     if (broken(run)) {
         report_unreadable(work, path);
         return std::nullopt;
     }
-    if (!finish(work, out, written, to_path)) return std::nullopt;
+    if (!finish(work, out)) return std::nullopt;
     return kept;
 }
 
 bool rename_run(const std::string& path, const std::string& new_path, const BookWork& work) {
     std::error_code error;
     std::filesystem::rename(path, new_path, error);
-    if (error) {
-        errno = error.value();
-        report_unwritable(work, new_path);
-    }
+    if (error) report_unwritable(work, new_path, error);
     return !error;
 }
 
@@ -180,9 +175,9 @@ void report_unreadable(const BookWork& work, const std::string& path) {
     fail(work, "\ncannot read " + path);
 }
 
-void report_unwritable(const BookWork& work, const std::string& path) {
-    const std::string reason = std::generic_category().message(errno);
-    fail(work, "\ncannot write " + path + ": " + reason);
+void report_unwritable(const BookWork& work, const std::string& path,
+                       const std::error_code& reason) {
+    fail(work, "\ncannot write " + path + ": " + reason.message());
 }
 
 }  // namespace quon

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "book/book_record.h"
@@ -41,8 +42,9 @@ void sort_into_run(std::vector<BookRecord>& records);
 [[nodiscard]] bool rename_run(const std::string& path, const std::string& new_path,
                               const BookWork& work);
 
-// Both tell the failure; that of writing with the system's reason, read from errno.
+// Both tell the failure; that of writing with the system's reason.
 void report_unreadable(const BookWork& work, const std::string& path);
-void report_unwritable(const BookWork& work, const std::string& path);
+void report_unwritable(const BookWork& work, const std::string& path,
+                       const std::error_code& reason);
 
 }  // namespace quon

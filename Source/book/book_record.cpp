@@ -3,7 +3,6 @@
 #include "book/book_record.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <limits>
 
@@ -43,27 +42,23 @@ bool may_hold_records(const std::string& path) {
 // False at the end of the file or of its last whole record.
 bool read_block(RecordReader& reader) {
     reader.block.resize(BLOCK_SIZE);
-    reader.block.resize(std::fread(reader.block.data(), 1, BLOCK_SIZE, reader.file.get()));
+    reader.block.resize(reader.file.read(reader.block.data(), BLOCK_SIZE));
     reader.next = 0;
     return reader.block.size() >= RECORD_SIZE;
 }
 
-bool write_block(RecordWriter& writer) {
-    const std::size_t size = writer.block.size();
-    const bool written = std::fwrite(writer.block.data(), 1, size, writer.file.get()) == size;
+void write_block(RecordWriter& writer) {
+    writer.file.write(writer.block.data(), writer.block.size());
     writer.block.clear();
-    return written;
 }
 
 }  // namespace
 
 RecordReader open_records(const std::string& path, int first) {
     RecordReader reader;
-    if (may_hold_records(path)) reader.file.reset(std::fopen(path.c_str(), "rb"));
-    if (first > 0 && reader &&
-        std::fseek(reader.file.get(), long{first} * long{RECORD_SIZE}, SEEK_SET) != 0) {
-        reader.file.reset();
-    }
+    if (!may_hold_records(path) || !reader.file.open(path, FileMode::READ)) return reader;
+    if (first > 0) reader.file.seek(long{first} * long{RECORD_SIZE});
+    if (reader.file.failed()) reader.file.close();
     return reader;
 }
 
@@ -76,10 +71,12 @@ bool read_record(RecordReader& reader, BookRecord& record) {
     return true;
 }
 
-bool read_failed(const RecordReader& reader) { return std::ferror(reader.file.get()) != 0; }
+bool read_failed(const RecordReader& reader) { return reader.file.failed(); }
 
 RecordWriter create_records(const std::string& path) {
-    return {OwnedFile(std::fopen(path.c_str(), "wb")), {}};
+    RecordWriter writer;
+    static_cast<void>(writer.file.open(path, FileMode::WRITE));
+    return writer;
 }
 
 bool write_record(RecordWriter& writer, const BookRecord& record) {
@@ -90,15 +87,14 @@ bool write_record(RecordWriter& writer, const BookRecord& record) {
     put16(bytes + 8, record.wins);
     put16(bytes + 10, record.draws);
     writer.block.insert(writer.block.end(), bytes, bytes + RECORD_SIZE);
-    return writer.block.size() < BLOCK_SIZE || write_block(writer);
+    if (writer.block.size() >= BLOCK_SIZE) write_block(writer);
+    return !writer.file.failed();
 }
 
 bool close_records(RecordWriter& writer) {
-    const bool written = write_block(writer);
-    const int error = errno;
-    const bool closed = std::fclose(writer.file.release()) == 0;
-    if (!written) errno = error;
-    return written && closed;
+    write_block(writer);
+    writer.file.close();
+    return !writer.file.failed();
 }
 
 }  // namespace quon

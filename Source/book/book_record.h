@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "book/book_key.h"
-#include "support/owned_file.h"
+#include "support/file.h"
 
 namespace quon {
 
@@ -28,33 +28,33 @@ constexpr bool stands_before(const BookRecord& a, const BookRecord& b) {
     return sort_number(a.key) > sort_number(b.key);
 }
 
-// A book file read or written from front to back, many records at a time. An empty `file` means
-// that it could not be opened; a writer's reason is in errno.
+// A book file read or written from front to back, many records at a time. Both are false if
+// the file could not be opened.
 struct RecordReader {
-    OwnedFile file;
+    File file;
     std::vector<u8> block;
     std::size_t next = 0;  // first byte of the block not handed out
 
-    explicit operator bool() const { return file != nullptr; }
+    explicit operator bool() const { return file.is_open(); }
 };
 struct RecordWriter {
-    OwnedFile file;
+    File file;
     std::vector<u8> block;
 
-    explicit operator bool() const { return file != nullptr; }
+    explicit operator bool() const { return file.is_open(); }
 };
 
 // Starts at the record of that number. What is no file, or has more records than can be counted, is
 // not opened.
-RecordReader open_records(const std::string& path, int first = 0);
+[[nodiscard]] RecordReader open_records(const std::string& path, int first = 0);
 // False at the end of the file, in front of a cut record, and after an error.
-bool read_record(RecordReader& reader, BookRecord& record);
-bool read_failed(const RecordReader& reader);
+[[nodiscard]] bool read_record(RecordReader& reader, BookRecord& record);
+[[nodiscard]] bool read_failed(const RecordReader& reader);
 
 // Empties a file that is there.
-RecordWriter create_records(const std::string& path);
-// Both are false when something could not be written; errno holds the reason.
-bool write_record(RecordWriter& writer, const BookRecord& record);
+[[nodiscard]] RecordWriter create_records(const std::string& path);
+// Both are false once something could not be written; the file has the reason.
+[[nodiscard]] bool write_record(RecordWriter& writer, const BookRecord& record);
 [[nodiscard]] bool close_records(RecordWriter& writer);
 
 }  // namespace quon

@@ -2,12 +2,12 @@
 
 #include "engine/output.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <mutex>
 
 #include "platform/clock.h"
 #include "platform/standard_output.h"
+#include "support/output_file.h"
 #include "support/relaxed.h"
 #include "support/status_line.h"
 #include "support/text.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr char LOG_NAME[] = "quon.log";
 
 std::mutex print_mutex;  // guards both streams: a line appears whole in each
-std::FILE* log_file = nullptr;
+File log_file;
 Relaxed<bool> lost = false;
 Relaxed<bool> log_wanted = true;
 Relaxed<bool (*)()> leave_test = nullptr;
@@ -64,12 +64,12 @@ void write_output(std::string_view text) {
 }
 
 void write_log(std::string_view line) {
-    if (!log_wanted || !log_file) return;
-    const bool written = std::fwrite(line.data(), 1, line.size(), log_file) == line.size();
-    if (std::fflush(log_file) == 0 && written) return;
-    error_line(format("quon: %s could not be written whole", LOG_NAME));
-    std::fclose(log_file);
-    log_file = nullptr;
+    if (!log_wanted || !log_file.is_open()) return;
+    log_file.write(line);
+    log_file.flush();
+    if (!log_file.failed()) return;
+    report_incomplete(LOG_NAME);
+    log_file.close();
 }
 
 }  // namespace
@@ -108,13 +108,12 @@ void open_log_file() {
         engine_print("log file in use.");
         return;
     }
-    log_file = std::fopen(LOG_NAME, "w");
+    static_cast<void>(log_file.open(LOG_NAME, FileMode::WRITE));
 }
 
 void close_log_file() {
     const std::lock_guard lock(print_mutex);
-    if (log_file) std::fclose(log_file);
-    log_file = nullptr;
+    if (log_file.is_open()) log_file.close();
 }
 
 void leave_output_if(bool (*test)()) { leave_test = test; }

@@ -10,6 +10,7 @@
 #include "engine/output.h"
 #include "engine/report.h"
 #include "frontend/console_commands.h"
+#include "pgn/pgn_reader.h"
 #include "search/run.h"
 #include "support/line_reader.h"
 #include "support/output_file.h"
@@ -20,8 +21,6 @@ namespace quon {
 
 namespace {
 
-constexpr std::size_t GAME_LINE = 1023;
-constexpr std::size_t MOVE_TOKEN = 32;
 constexpr int LAST_GAME = 1000;
 constexpr std::string_view EVENT = "[Event ";
 
@@ -58,45 +57,29 @@ bool is_past(const GameChoice& choice) {
     return choice.text.empty() && choice.current > choice.number;
 }
 
-// The text with a blank in place of every comment, whose nesting goes on from line to line.
-std::string without_comments(std::string_view text, int& nesting) {
-    std::string kept;
-    for (const char c : text) {
-        if (c == '{') ++nesting;
-        const bool comment = nesting > 0 || c == '}';
-        kept += comment ? ' ' : c;
-        if (c == '}' && nesting > 0) --nesting;
-    }
-    return kept;
-}
-
 // False at the first token that is no move.
-bool play_tokens(Engine& engine, std::string_view text) {
-    while (true) {
-        const std::string_view token = take_token(text, " \t");
-        if (token.empty()) return true;
-        const std::string_view move_text = from_first_letter(token).substr(0, MOVE_TOKEN);
-        if (move_text.empty()) continue;
+bool play_moves(Engine& engine, PgnReader& pgn, std::string_view text) {
+    while (const std::optional<PgnToken> token = next_token(pgn, text)) {
+        if (token->kind != PgnToken::MOVE) continue;
         Move move = NO_MOVE;
-        if (!read_move(engine.game.position, move_text, move)) {
-            engine_print(format("can't parse move '%s'", std::string(move_text).c_str()));
+        if (!read_move(engine.game.position, token->text, move)) {
+            engine_print(format("can't parse move '%s'", std::string(token->text).c_str()));
             return false;
         }
         make_game_move(engine.game, move);
     }
+    return true;
 }
 
 void play_game(Engine& engine, LineReader& reader, GameChoice choice) {
     set_start_position(engine.game.position);
-    int nesting = 0;
-    bool tag_line = false;
+    PgnReader pgn{&LOADED_GAME};
     LinePiece piece{};
     while (!end_wished(engine) && next_piece(reader, piece)) {
-        if (piece.starts_line) tag_line = piece.text.starts_with('[');
+        const bool has_moves = begin_piece(pgn, piece);
         const bool chosen = belongs_to_game(choice, piece.text);
         if (is_past(choice)) break;
-        if (!chosen || tag_line) continue;
-        if (!play_tokens(engine, without_comments(piece.text, nesting))) break;
+        if (chosen && has_moves && !play_moves(engine, pgn, piece.text)) break;
     }
     engine.game.undo[engine.game.game_ply].move = NO_MOVE;  // nothing to replay
     print_board(engine.game.position);
@@ -109,7 +92,7 @@ void load_game(Engine& engine, const ConsoleLine& line) {
     const std::string name(line.first);
     engine_print(format("loading %s, tag %s\n", name.c_str(), std::string(line.second).c_str()));
     LineReader reader;
-    if (open_lines(reader, name, GAME_LINE, LongLine::AT_BLANK)) {
+    if (open_lines(reader, name, LOADED_GAME.line_limit, LOADED_GAME.long_line)) {
         play_game(engine, reader, choose_game(line.second));
     }
     reset_clocks(engine);
@@ -139,10 +122,10 @@ std::string game_text(Engine& engine) {
 }  // namespace
 
 void save_game(Engine& engine, const ConsoleLine&) {
-    OutputFile file;
-    if (!append_to_output(file, SAVE_NAME)) return;
-    write_text(file, "[Event \"Unknown\"]\n" + game_text(engine) + "\n\n");
-    close_output(file);
+    File file;
+    if (!file.open(SAVE_NAME, FileMode::APPEND)) return;
+    file.write("[Event \"Unknown\"]\n" + game_text(engine) + "\n\n");
+    static_cast<void>(close_output(file));  // a failure is told
 }
 
 }  // namespace quon

@@ -12,7 +12,6 @@ namespace quon {
 namespace {
 
 constexpr std::size_t MAX_COMMENT = 65536;  // characters that are looked at for a score
-constexpr std::string_view BLANKS("\0\t ", 3);
 constexpr i16 MATE_SCORE = 9000;
 
 bool contains(std::string_view text, std::string_view part) {
@@ -63,10 +62,6 @@ i16 comment_score(std::string_view comment, int mover) {
                                            : mover_view_score(comment.substr(0, slash));
 }
 
-bool is_tag_line(std::string_view line) {
-    return line.starts_with('[') && !line.substr(1).starts_with('%');
-}
-
 void read_tag(GameReader& reader, std::string_view line) {
     if (contains(line, "Event ")) ++reader.games;
     if (contains(line, "Result ")) {
@@ -85,46 +80,33 @@ void add_to_comment(GameReader& reader, std::string_view text) {
 }
 
 void close_comment(GameReader& reader) {
-    if (reader.comment_depth == 0 || --reader.comment_depth > 0) return;
     if (reader.moves.empty() || reader.cut) return;
     const int mover = reader.moves.size() % 2 == 1 ? WHITE : BLACK;
     reader.moves.back().score = comment_score(reader.comment, mover);
 }
 
-void add_move(GameReader& reader, std::string_view token) {
+void add_move(GameReader& reader, std::string_view text) {
     reader.comment.clear();
     if (reader.moves.size() == MAX_SCAN_MOVES) {
         reader.cut = true;
         return;
     }
     const i16 score = reader.moves.empty() ? FIRST_UNSCORED : UNSCORED;
-    reader.moves.push_back({std::string(token.substr(0, MAX_MOVE_TEXT)), score});
+    reader.moves.push_back({std::string(text), score});
 }
 
 }  // namespace
 
 void read_move_text(GameReader& reader, const LinePiece& piece) {
     std::string_view rest = piece.text;
-    while (!rest.empty()) {
-        const char c = rest[0];
-        if (c == '{' || c == '}') {
-            rest.remove_prefix(1);
-            if (c == '{') {
-                ++reader.comment_depth;
-            } else {
-                close_comment(reader);
-            }
-        } else if (reader.comment_depth > 0) {
-            const std::string_view text = rest.substr(0, rest.find_first_of("{}"));
-            add_to_comment(reader, text);
-            rest.remove_prefix(text.size());
-        } else if (is_letter(c)) {
-            add_move(reader, take_token(rest, BLANKS));
-        } else {
-            rest.remove_prefix(1);
+    while (const std::optional<PgnToken> token = next_token(reader.pgn, rest)) {
+        switch (token->kind) {
+            case PgnToken::MOVE: add_move(reader, token->text); break;
+            case PgnToken::COMMENT: add_to_comment(reader, token->text); break;
+            case PgnToken::COMMENT_END: close_comment(reader); break;
         }
     }
-    if (reader.comment_depth > 0 && piece.ends_line) add_to_comment(reader, " ");
+    if (reader.pgn.comment_depth > 0 && piece.ends_line) add_to_comment(reader, " ");
 }
 
 void next_game(GameReader& reader) {

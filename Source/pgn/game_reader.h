@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "board/types.h"
-#include "support/line_reader.h"
+#include "pgn/pgn_reader.h"
 
 namespace quon {
 
@@ -17,30 +17,27 @@ constexpr i16 FIRST_UNSCORED = -10000;  // first move of a game, no comment
 constexpr i16 UNSCORED = -30000;        // a later one
 constexpr i16 UNREADABLE_SCORE = -29999;
 
-constexpr std::size_t MAX_MOVE_TEXT = 7;
 constexpr std::size_t MAX_SCAN_MOVES = 800;  // of one game; what follows is passed over
 
 struct ScanMove {
-    std::string text;  // at most MAX_MOVE_TEXT characters
+    std::string text;  // as the token has it
     i16 score;
 };
 
 enum class GameResult : u8 { WHITE_WINS = 0, BLACK_WINS = 1, DRAW = 2 };
 
 struct GameReader {
-    std::vector<ScanMove> moves;
+    PgnReader pgn{&SCANNED_GAMES};
+    std::vector<ScanMove> moves = {};
     GameResult result = GameResult::DRAW;  // stays from game to game until a tag changes it
     int games = 0;                         // "Event" tags so far
     bool cut = false;                      // the game had more moves than MAX_SCAN_MOVES
-    i64 comment_depth = 0;                 // open braces; they nest, also across lines
-    std::string comment;                   // since the last move
+    std::string comment = {};              // since the last move
 };
 
-// A tag line, as opposed to move text.
-bool is_tag_line(std::string_view line);
 // Takes from a tag line what the scanner needs.
 void read_tag(GameReader& reader, std::string_view line);
-// Appends the moves and scores of a piece of move text.
+// Appends the moves and scores of a piece that has no tags.
 void read_move_text(GameReader& reader, const LinePiece& piece);
 // Forgets the moves: the next game begins.
 void next_game(GameReader& reader);

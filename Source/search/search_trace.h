@@ -2,20 +2,19 @@
 // The search tree as text, for a person who wonders what a search looks at: every move that the
 // main search thread makes near the root goes to "trace.txt" while settings.trace is not 0.
 
-#include <cstdio>
-
 #include "board/move_text.h"
 #include "search/thread_data.h"
+#include "support/file.h"
 
 namespace quon {
 
 // Belongs to the main search thread.
 struct SearchTrace {
-    std::FILE* file = nullptr;
+    File file;
     int iteration = 0;                 // the last one of this search with a heading
     int ply = 0;                       // of the last entry
     MoveStyle style = MoveStyle::UCI;  // of the moves
-    bool incomplete = false;           // a write has failed, which has been told
+    bool told = false;                 // that a write has failed
 };
 
 // Writes a move that is about to be made, NO_MOVE for a null move, if the node's ply is at most

@@ -31,8 +31,7 @@ void refill(LineReader& reader) {
     reader.end -= reader.begin;
     reader.begin = 0;
     const std::size_t room = reader.buffer.size() - reader.end;
-    const std::size_t count =
-        std::fread(reader.buffer.data() + reader.end, 1, room, reader.file.get());
+    const std::size_t count = reader.file.read(reader.buffer.data() + reader.end, room);
     reader.end += count;
     reader.file_ended = count < room;
 }
@@ -52,8 +51,7 @@ bool open_lines(LineReader& reader, const std::string& path, std::size_t limit, 
     reader = {};
     const bool taken = input == StandardInput::TAKEN && is_standard_input(path);
     if (!taken && !readable_file(path)) return false;
-    reader.file.reset(std::fopen(path.c_str(), "rb"));
-    if (!reader.file) return false;
+    if (!reader.file.open(path, FileMode::READ)) return false;
     std::error_code unknown;
     const auto size = std::filesystem::file_size(path, unknown);
     reader.file_size = unknown ? 0 : i64(size);
@@ -97,6 +95,6 @@ bool next_piece(LineReader& reader, LinePiece& piece) {
     return true;
 }
 
-bool read_failed(const LineReader& reader) { return std::ferror(reader.file.get()) != 0; }
+bool read_failed(const LineReader& reader) { return reader.file.failed(); }
 
 }  // namespace quon

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "support/file.h"
 #include "support/integers.h"
-#include "support/owned_file.h"
 
 namespace quon {
 
@@ -24,7 +24,7 @@ struct LinePiece {
 };
 
 struct LineReader {
-    OwnedFile file;
+    File file;
     std::size_t limit = 0;  // characters of a piece
     LongLine long_line = LongLine::AT_LIMIT;
     std::vector<char> buffer;
@@ -40,14 +40,14 @@ enum class StandardInput { REFUSED, TAKEN };
 
 // False if the file cannot be opened, or is none: a pipe or a device could hold the program up, or
 // never end. A byte-order mark is skipped. limit: 1 or more.
-bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
-                LongLine long_line = LongLine::AT_LIMIT,
-                StandardInput input = StandardInput::REFUSED);
+[[nodiscard]] bool open_lines(LineReader& reader, const std::string& path, std::size_t limit,
+                              LongLine long_line = LongLine::AT_LIMIT,
+                              StandardInput input = StandardInput::REFUSED);
 // True if something else than a file has the name: a directory, a pipe, a device.
-bool is_no_file(const std::string& path);
+[[nodiscard]] bool is_no_file(const std::string& path);
 
 // False at the end of the file. A read error ends the file too and makes read_failed true.
-bool next_piece(LineReader& reader, LinePiece& piece);
-bool read_failed(const LineReader& reader);
+[[nodiscard]] bool next_piece(LineReader& reader, LinePiece& piece);
+[[nodiscard]] bool read_failed(const LineReader& reader);
 
 }  // namespace quon

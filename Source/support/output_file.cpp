@@ -16,40 +16,14 @@ bool overwrites_input(const std::string& input, const std::string& output) {
     return same;
 }
 
-namespace {
-
-bool open_output(OutputFile& output, const std::string& name, const char* mode) {
-    output = {name, nullptr};
-    output.file.reset(std::fopen(name.c_str(), mode));
-    return output.file != nullptr;
+void report_incomplete(const std::string& path) {
+    error_line(format("quon: %s could not be written whole", path.c_str()));
 }
 
-}  // namespace
-
-bool create_output(OutputFile& output, const std::string& name) {
-    return open_output(output, name, "wb");
-}
-
-bool append_to_output(OutputFile& output, const std::string& name) {
-    return open_output(output, name, "a");
-}
-
-void write_text(OutputFile& output, std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), output.file.get()) != text.size()) {
-        output.failed = true;
-    }
-}
-
-void flush_output(OutputFile& output) {
-    if (std::fflush(output.file.get()) != 0) output.failed = true;
-}
-
-bool close_output(OutputFile& output) {
-    if (std::fclose(output.file.release()) != 0) output.failed = true;
-    if (output.failed) {
-        error_line(format("quon: %s could not be written whole", output.name.c_str()));
-    }
-    return !output.failed;
+bool close_output(File& output) {
+    output.close();
+    if (output.failed()) report_incomplete(output.path());
+    return !output.failed();
 }
 
 }  // namespace quon

@@ -1,4 +1,34 @@
-// Opening and reading table files.
+// Table files: their parts, and the way from a position to its value.
+//
+// A file holds what one kind of table (win/draw/loss, or distances to zeroing) knows about one
+// material. It is cut into parts, each compressed for itself: for each file of the leading pawn, if
+// there are pawns (a and h are one file, as are b and g, and so on), and, for outcomes of material
+// that is not symmetric, for each side to move. Distances have one side per part; the other side's
+// follow from them by a move. Numbers are little-endian. In order:
+//
+//   1. Four bytes that name the kind, and one that repeats what the material is like: a check.
+//   2. Per file of the leading pawn the piece order and the places of the groups, half a byte for
+//      each side to move. tbcore_index.cpp turns them into a numbering of the positions.
+//   3. Per part the header of its values: sizes, the lengths of the codes, the symbols
+//      (tbcore_values.cpp). The first byte holds the part's flags.
+//   4. Distances alone, per part that is MAPPED: four lists, one for each outcome, as the stored
+//      numbers are places in them.
+//   5. All sparse indexes, then all lists of block lengths, then all blocks of codes, those of each
+//      part beginning at a multiple of 64.
+//
+// Nothing says where a section begins: each follows from the sizes before it, so the file is read
+// through once when it is opened (read_table). What is kept are pointers into the mapping.
+//
+// A look-up takes the position as the table sees it: with colours exchanged and the board turned
+// over if White has the pieces of the table's Black or, where both have the same, if Black is to
+// move. The leading pawn selects the part, with the side to move; the squares, in the part's piece
+// order, give the number of the position; the number gives the value. An outcome is value - 2. A
+// distance goes through the map, counts moves unless the flags say plies for the outcome, and
+// begins at 1.
+//
+// Who does what: tbcore.cpp the file and its parts, tbcore_index.cpp squares to number,
+// tbcore_values.cpp number to value, tbprobe_tables.cpp which files there are, tbprobe.cpp what the
+// values mean for a position with captures and en passant.
 
 #include "syzygy/tbcore.h"
 

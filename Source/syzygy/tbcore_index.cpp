@@ -1,4 +1,19 @@
-// Numbering of placements.
+// Numbering of placements: from the squares of the pieces to the number of the position.
+//
+// Symmetry first. Without pawns the first piece is brought into the triangle a1-d1-d4, and if it
+// stands on the diagonal the first lead piece off it goes below; with pawns the leading pawn, that
+// nearest to the edge and to its base rank, is brought to the files a to d. What is left of the
+// lead has 31332 placements for three pieces, those whose first, first two and all three pieces
+// stand on the diagonal behind the others; 462 for kings; for pawns a table per file.
+//
+// k equal pieces on squares s1 < s2 < ... < sk, counted without those that pieces before them
+// occupy, have the number C(s1, 1) + C(s2, 2) + ... + C(sk, k), which takes each value below C(n,
+// k) once if n squares are free. Pawns behind the lead are counted from a2 on, hence the 8, and
+// those of the lead behind the first in an order of their own (pawn_order).
+//
+// The groups' numbers make one like digits: make_layout gives each the product of the ranges of
+// those below as its weight. Where the lead and the other side's pawns come among the digits is up
+// to the table. The product of all ranges is the number of positions.
 
 #include "syzygy/tbcore_index.h"
 

@@ -1,4 +1,30 @@
-// Headers and decoding of compressed values.
+// From the number of a position to its value, in a part's compressed values.
+//
+// The values of the positions 0, 1, 2 ... are one long string, written as prefix codes of 1 to 32
+// bits, from the top bit of each byte on. A code stands for a symbol. A symbol is three bytes, two
+// halves of twelve bits: a value if the second half is 0xFFF, else two other symbols, the values of
+// the first before those of the second. So one short code can stand for a long stretch of values. A
+// part whose values are all equal has that value in its header and no more.
+//
+// Codes. Those of one length are consecutive numbers, for consecutive symbols; read as fractions
+// from the left, all codes of a length are smaller than any shorter code. The header names the
+// first symbol of each length, hence how many codes each has, and derive_codes rebuilds the
+// smallest code of each length, shifted to the left end of 64 bits. The length of the next code is
+// then the first whose smallest code is not above the bits to come.
+//
+// Blocks. The string is cut into blocks of 2^block_log bytes; each begins with a whole code, and a
+// list says how many values it has, less one. The sparse index has an entry for each 2^span_log
+// positions: the block of the position in the middle of the stretch and that one's number in the
+// block. A look-up
+//
+//   1. starts at the entry and walks back or forth over whole blocks to the one that holds the
+//      position (find_place),
+//   2. decodes this block from its start and counts values until a symbol contains the position
+//      (find_symbol); more_values knows the size of each,
+//   3. goes down into the halves until a single value is left (table_value).
+//
+// A damaged file must not lead astray: sizes are checked when the header is read, symbols that
+// contain themselves are refused, and what only shows later makes the look-up answer -1.
 
 #include "syzygy/tbcore_values.h"
 

@@ -12,8 +12,7 @@ namespace {
 
 constexpr std::string_view PIECE_LETTERS = " PNBRQK";  // by type
 
-// The bits of a mixing function. Its start is such that no bucket of the registry gets more than
-// four materials.
+// The bits of a mixing function.
 constexpr Table<u64, 16> make_piece_keys() {
     Table<u64, 16> keys{};
     u64 state = 4;

@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "support/status_line.h"
@@ -20,11 +22,6 @@ Relaxed<int> tb_largest = 0;
 
 namespace {
 
-constexpr int TBMAX_PIECE = 254;
-constexpr int TBMAX_PAWN = 256;
-constexpr int HSHMAX = 5;  // entries of a bucket
-constexpr int BUCKETS = 1024;
-constexpr int BUCKET_SHIFT = 54;
 constexpr int DTZ_TABLES = 64;
 constexpr std::size_t MAX_TABLE_PATH = 259;  // characters
 
@@ -41,16 +38,6 @@ struct RegisteredTable {
     std::unique_ptr<TableFile> wdl;  // written under load_mutex before `state` says READY
 };
 
-struct KeyEntry {
-    u64 key;
-    int table;
-};
-
-struct KeyBucket {
-    KeyEntry entries[HSHMAX];
-    int count;
-};
-
 // The most recently used distance tables, the latest first. A table that cannot be used is
 // remembered with no file.
 struct DtzCacheEntry {
@@ -58,11 +45,8 @@ struct DtzCacheEntry {
     std::unique_ptr<TableFile> dtz;
 };
 
-// Tables without pawns come first.
-Table<RegisteredTable, TBMAX_PIECE + TBMAX_PAWN> tables;
-int piece_tables = 0;
-int pawn_tables = 0;
-Table<KeyBucket, BUCKETS> key_buckets;
+std::deque<RegisteredTable> tables;         // none moves while it is there
+std::unordered_map<u64, int> table_of_key;  // of both colours' materials
 std::vector<DtzCacheEntry> dtz_cache;
 std::vector<std::string> directories;
 std::mutex load_mutex;
@@ -86,14 +70,11 @@ void release(std::unique_ptr<TableFile>& table) {
 }
 
 void release_tables() {
-    for (RegisteredTable& table : tables) {
-        release(table.wdl);
-        table.state = TableState::NOT_LOADED;
-    }
+    for (RegisteredTable& table : tables) release(table.wdl);
     for (DtzCacheEntry& entry : dtz_cache) release(entry.dtz);
+    tables.clear();
+    table_of_key.clear();
     dtz_cache.clear();
-    piece_tables = pawn_tables = 0;
-    key_buckets = {};
     directories.clear();
     tb_largest = 0;
 }
@@ -116,32 +97,17 @@ std::string find_file(const std::string& name, const char* suffix) {
     return {};
 }
 
-void enter_key(u64 key, int table) {
-    KeyBucket& bucket = key_buckets[int(key >> BUCKET_SHIFT)];
-    if (bucket.count == HSHMAX) end_at_once("HSHMAX too low!");
-    bucket.entries[bucket.count++] = {key, table};
-}
-
-int next_entry(bool has_pawns) {
-    if (has_pawns) {
-        if (pawn_tables == TBMAX_PAWN) end_at_once("TBMAX_PAWN limit too low!");
-        return TBMAX_PIECE + pawn_tables++;
-    }
-    if (piece_tables == TBMAX_PIECE) end_at_once("TBMAX_PIECE limit too low!");
-    return piece_tables++;
-}
-
 void register_table(const std::string& name) {
     if (find_file(name, WDL_SUFFIX).empty()) return;
     const TableMaterial material = material_of_name(name);
-    const int index = next_entry(material.has_pawns);
-    RegisteredTable& table = tables[index];
+    const int index = int(tables.size());
+    RegisteredTable& table = tables.emplace_back();
     table.name = name;
     table.material = material;
     table.key = material_key(material.counts, false);
     tb_largest = std::max<int>(tb_largest, material.pieces);
-    enter_key(table.key, index);
-    if (!material.symmetric) enter_key(material_key(material.counts, true), index);
+    table_of_key.emplace(table.key, index);
+    table_of_key.emplace(material_key(material.counts, true), index);
 }
 
 // Every way to write `count` letters in falling order of value, in that order, from a letter on.
@@ -176,13 +142,13 @@ struct SideSizes {
 };
 constexpr SideSizes MATERIALS[] = {{1, 0}, {1, 1}, {2, 0}, {2, 1}, {3, 0}, {2, 2}, {3, 1}, {4, 0}};
 
-const KeyEntry* find_key(u64 key) {
-    const KeyBucket& bucket = key_buckets[int(key >> BUCKET_SHIFT)];
-    const KeyEntry* const end = bucket.entries + bucket.count;
-    const KeyEntry* const found = std::find_if(
-        bucket.entries, end, [key](const KeyEntry& entry) { return entry.key == key; });
-    return found == end ? nullptr : found;
+constexpr int NOT_REGISTERED = -1;
+int find_key(u64 key) {
+    const auto found = table_of_key.find(key);
+    return found == table_of_key.end() ? NOT_REGISTERED : found->second;
 }
+
+RegisteredTable& table_at(int index) { return tables[std::size_t(index)]; }
 
 // nullptr when there is no such file, or it is no table of that material.
 std::unique_ptr<TableFile> load_file(const RegisteredTable& table, TableKind kind,
@@ -225,7 +191,7 @@ DtzCacheEntry& cached_dtz(int index) {
         release(dtz_cache.back().dtz);
         dtz_cache.pop_back();
     }
-    const RegisteredTable& table = tables[index];
+    const RegisteredTable& table = table_at(index);
     const std::string path = find_file(table.name, DTZ_SUFFIX);
     std::unique_ptr<TableFile> loaded;
     if (!path.empty()) loaded = load_file(table, TableKind::DTZ, path, DTZ_SUFFIX);
@@ -240,34 +206,34 @@ std::optional<int> tb_init(const std::string& path) {
     if (path.empty() || path == "<empty>") return std::nullopt;
     split_path(path);
     for (const SideSizes& sizes : MATERIALS) register_materials(sizes.stronger, sizes.weaker);
-    return piece_tables + pawn_tables;
+    return int(tables.size());
 }
 
 TableUse wdl_table(const ProbePosition& position) {
     const u64 key = material_key(position, false);
-    const KeyEntry* const found = find_key(key);
-    if (!found) return {};
-    RegisteredTable& table = tables[found->table];
+    const int index = find_key(key);
+    if (index == NOT_REGISTERED) return {};
+    RegisteredTable& table = table_at(index);
     TableState state = table.state.load(std::memory_order_acquire);
     if (state == TableState::NOT_LOADED) {
         load_wdl(table);
         state = table.state.load(std::memory_order_acquire);
     }
     if (state != TableState::READY) return {};
-    return {table.wdl.get(), key != table.key, found->table};
+    return {table.wdl.get(), key != table.key, index};
 }
 
 TableUse dtz_table(const ProbePosition& position) {
     const u64 key = material_key(position, false);
-    const KeyEntry* const found = find_key(key);
-    if (!found) return {};
-    const DtzCacheEntry& entry = cached_dtz(found->table);
-    return {entry.dtz.get(), key != tables[found->table].key, found->table};
+    const int index = find_key(key);
+    if (index == NOT_REGISTERED) return {};
+    const DtzCacheEntry& entry = cached_dtz(index);
+    return {entry.dtz.get(), key != table_at(index).key, index};
 }
 
 void give_up_wdl_table(const TableUse& use) {
     // The mapping stays: other threads may be reading it.
-    if (tables[use.entry].state.exchange(TableState::UNUSABLE) == TableState::READY) {
+    if (table_at(use.entry).state.exchange(TableState::UNUSABLE) == TableState::READY) {
         report_damage();
     }
 }

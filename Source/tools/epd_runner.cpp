@@ -35,7 +35,7 @@ constexpr int CHECK_MS = 5;  // between time checks
 
 struct Suite {
     LineReader reader;
-    OutputFile unsolved;
+    File unsolved;
     Progress progress;
     bool status_wanted;  // the status line would not get between the lines of the searches
     int count = 0;
@@ -107,8 +107,8 @@ void judge(Engine& engine, Suite& suite, const EpdRecord& record) {
     } else if (names_move(engine, record.am, move)) {
         suite.correct += best != move;
     } else if (engine.run.shared_depth > 0) {
-        write_text(suite.unsolved, record.fen + "\n");
-        flush_output(suite.unsolved);
+        suite.unsolved.write(record.fen + "\n");
+        suite.unsolved.flush();
     }
 }
 
@@ -164,7 +164,7 @@ bool run_test_suite(Engine& engine, const std::string& path) {
     Suite suite;
     if (!open_tool_file(suite.reader, path, MAX_LINE)) return quietly_missing(path);
     if (overwrites_input(path, UNSOLVED_NAME)) return false;
-    if (!create_output(suite.unsolved, UNSOLVED_NAME)) return true;
+    if (!suite.unsolved.open(UNSOLVED_NAME, FileMode::WRITE)) return true;
     suite.progress = start_progress();
     suite.status_wanted = !tells_searches(engine) || !output_is_terminal();
     start_tool_input(engine, path);
@@ -174,7 +174,7 @@ bool run_test_suite(Engine& engine, const std::string& path) {
     if (engine.limits.depth_limit <= 1) engine.settings.hash_mode = 0;
     bool ending = false;
     EpdRecord record;
-    while (!ending && !suite.unsolved.failed && next_record(engine, suite, record)) {
+    while (!ending && !suite.unsolved.failed() && next_record(engine, suite, record)) {
         ending = run_record(engine, suite, record);
     }
     end_progress();

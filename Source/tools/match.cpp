@@ -42,7 +42,7 @@ constexpr int OCCURRENCES = 3;        // of a position that is drawn by repetiti
 
 struct Match {
     Table<Engine*, 2> players;  // the challenger of test1.rc, then the engine as it started
-    OutputFile file;
+    File file;
     MatchScore score;
     Progress progress;
 };
@@ -139,8 +139,8 @@ MatchGame play_game(Engine& engine, Match& match, int number) {
 void finish_game(Match& match, const MatchGame& played) {
     count_game(match.score, played.outcome, played.first_player_color);
     engine_print(statistics_line(match.score));
-    write_text(match.file, game_text(played));
-    flush_output(match.file);
+    match.file.write(game_text(played));
+    match.file.flush();
 }
 
 }  // namespace
@@ -153,7 +153,7 @@ bool run_match(Engine& engine) {
     }
     if (overwrites_input(FIRST_PLAYER_FILE, engine.options.match_file)) return false;
     Match match{};
-    if (!create_output(match.file, engine.options.match_file)) {
+    if (!match.file.open(engine.options.match_file, FileMode::WRITE)) {
         print_unlogged(format("can't open %s\n", engine.options.match_file.c_str()));
         return true;
     }
@@ -169,7 +169,7 @@ bool run_match(Engine& engine) {
     engine_print("Starting match...");
     start_tool_input(engine);
     match.progress = start_progress();
-    for (int number = 1; number <= MAX_GAMES && !match.file.failed; ++number) {
+    for (int number = 1; number <= MAX_GAMES && !match.file.failed(); ++number) {
         const MatchGame played = play_game(engine, match, number);
         if (played.outcome == Outcome::OPEN) break;
         finish_game(match, played);

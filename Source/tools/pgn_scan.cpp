@@ -16,8 +16,7 @@ namespace quon {
 namespace {
 
 constexpr char BLUNDERS_NAME[] = "tmpX.epd";
-constexpr std::size_t MAX_LINE = 254;  // characters; a longer line is taken as several
-constexpr int TOLD_GAMES = 100;        // a line on standard output for so many
+constexpr int TOLD_GAMES = 100;  // a line on standard output for so many
 
 struct Scan {
     const ScanVariant* variant;
@@ -43,9 +42,9 @@ void take_tag(Engine& engine, Scan& scan, std::string_view line) {
     write_game(engine, scan);
     GameReader& reader = scan.reader;
     if (scan.variant->copies_tags) {
-        write_text(scan.output.main, std::string(line) + "\n");
+        scan.output.main.write(std::string(line) + "\n");
         if (line.find("Round ") != std::string_view::npos) {
-            write_text(scan.output.main, format("[Tag \"game_%d\"]\n", reader.games));
+            scan.output.main.write(format("[Tag \"game_%d\"]\n", reader.games));
         }
     }
     const int before = reader.games;
@@ -65,22 +64,22 @@ bool must_end(Engine& engine, Scan& scan) {
                              scan.reader.games / seconds, bytes / seconds / 1e6),
                       bytes, double(scan.lines.file_size));
     }
-    return end_wished(engine) || scan.output.main.failed || scan.output.blunders.failed;
+    return end_wished(engine) || scan.output.main.failed() || scan.output.blunders.failed();
 }
 
 // Ends early without the game that is being read.
 void read_games(Engine& engine, Scan& scan) {
     LinePiece piece;
     while (next_piece(scan.lines, piece)) {
-        if (is_tag_line(piece.text)) {
-            take_tag(engine, scan, piece.text);
-        } else {
+        if (begin_piece(scan.reader.pgn, piece)) {
             read_move_text(scan.reader, piece);
+        } else {
+            take_tag(engine, scan, piece.text);
         }
         if (must_end(engine, scan)) return;
     }
     write_game(engine, scan);
-    if (scan.reader.comment_depth > 0) error_line("quon: a comment is never closed");
+    if (scan.reader.pgn.comment_depth > 0) error_line("quon: a comment is never closed");
 }
 
 }  // namespace
@@ -88,12 +87,14 @@ void read_games(Engine& engine, Scan& scan) {
 bool scan_pgn(Engine& engine, const std::string& path, int variant) {
     Scan scan{};
     scan.variant = &scan_variants[variant - 1];
-    if (!open_tool_file(scan.lines, path, MAX_LINE)) return quietly_missing(path);
+    if (!open_tool_file(scan.lines, path, SCANNED_GAMES.line_limit, SCANNED_GAMES.long_line)) {
+        return quietly_missing(path);
+    }
     for (const char* name : {scan.variant->main_name, BLUNDERS_NAME}) {
         if (overwrites_input(path, name)) return false;
     }
-    if (!create_output(scan.output.main, scan.variant->main_name) ||
-        !create_output(scan.output.blunders, BLUNDERS_NAME)) {
+    if (!scan.output.main.open(scan.variant->main_name, FileMode::WRITE) ||
+        !scan.output.blunders.open(BLUNDERS_NAME, FileMode::WRITE)) {
         return true;
     }
     set_log_enabled(true);
@@ -101,7 +102,7 @@ bool scan_pgn(Engine& engine, const std::string& path, int variant) {
     start_tool_input(engine, path);
     read_games(engine, scan);
     end_progress();
-    write_text(scan.output.main, "\n");
+    scan.output.main.write("\n");
     const bool main_written = close_output(scan.output.main);
     const bool blunders_written = close_output(scan.output.blunders);
     end_tool_input(engine);

@@ -46,7 +46,7 @@ std::string scored_record(Engine& engine, const GameReader& g, int i) {
 }
 
 void write_position(ScanOutput& output, const std::string& record) {
-    write_text(output.main, record + "\n");
+    output.main.write(record + "\n");
     ++output.positions;
 }
 
@@ -77,16 +77,16 @@ void write_listing(Engine& engine, ScanOutput& output, const GameReader& g) {
             if (refutes) {
                 const std::string record = position_record(engine, g, i, "bm");
                 remark += " ! " + record;
-                write_text(output.blunders, record + "\n");
+                output.blunders.write(record + "\n");
             }
         }
         refutes = is_blunder(g, i);
         if (refutes) remark += " ? " + position_record(engine, g, i, "am");
-        write_text(output.main, format("%s %-6s  {%s}\n", prefix.c_str(),
-                                       move_spelling(g, i).c_str(), remark.c_str()));
+        output.main.write(
+            format("%s %-6s  {%s}\n", prefix.c_str(), move_spelling(g, i).c_str(), remark.c_str()));
         return true;
     });
-    write_text(output.main, "\n");
+    output.main.write("\n");
 }
 
 const char* result_text(GameResult result) {

@@ -10,9 +10,9 @@ namespace quon {
 struct Engine;
 
 struct ScanOutput {
-    OutputFile main;
-    OutputFile blunders;  // written by variant 1 alone
-    i64 positions = 0;    // written so far by variants 2 to 4
+    File main;
+    File blunders;      // written by variant 1 alone
+    i64 positions = 0;  // written so far by variants 2 to 4
 };
 
 struct ScanVariant {

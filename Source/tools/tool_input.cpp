@@ -86,9 +86,10 @@ bool all_heard() { return input_ended() && !command_pending(); }
 
 }  // namespace
 
-bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit) {
+bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit,
+                    LongLine long_line) {
     const auto input = in_console ? StandardInput::REFUSED : StandardInput::TAKEN;
-    return open_lines(reader, path, limit, LongLine::AT_LIMIT, input);
+    return open_lines(reader, path, limit, long_line, input);
 }
 
 bool quietly_missing(const std::string& path) {

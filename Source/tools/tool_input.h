@@ -13,7 +13,8 @@ struct Engine;
 
 // Opens the file that a tool reads, on the command line also standard input by its name
 // ("/dev/stdin"); false if that is not possible.
-bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit);
+bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit,
+                    LongLine long_line = LongLine::AT_LIMIT);
 // A file that could not be opened ends a tool in silence. False, and said on standard error, if
 // what has its name is no file.
 bool quietly_missing(const std::string& path);

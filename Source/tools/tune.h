@@ -11,6 +11,7 @@
 // listens for the wish to end (tool_input.h), which breaks a measurement off; the game on the board
 // is overwritten. Tested in tests/tools/tune_test.cpp.
 
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -37,13 +38,20 @@ struct TuneStatus {
     double part = 1;         // the measurement's part of the work
     i64 positions = 0;       // accepted in all of them
 };
+// What the measurements of one run of a tuner share.
+struct TuneRun {
+    TuneStatus status = {};
+    // Positions whose captures have no end, as FEN: told and tried once, however often they are
+    // read.
+    std::set<std::string> restless = {};
+};
 // Measures with the live parameters.
-ErrorSum sum_errors(Engine& engine, const std::string& path, TuneStatus& status);
-// The same in one, as the mean.
-double tune_error(Engine& engine, const std::string& path);
+ErrorSum sum_errors(Engine& engine, const std::string& path, TuneRun& run);
+// The same as the mean, with a status line of its own.
+double tune_error(Engine& engine, const std::string& path, TuneRun& run);
 // Passes over lines as well whose own evaluation ("ce") is beyond 900 centipawns, and copies those
 // that are accepted.
-ErrorSum tune_error_filter(Engine& engine, const std::string& path, OutputFile& copy);
+ErrorSum tune_error_filter(Engine& engine, const std::string& path, File& copy);
 
 // Copies the lines of tune_file that tuning can use to "tune_new.epd". False if a file cannot be
 // read or written.

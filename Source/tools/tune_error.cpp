@@ -1,11 +1,31 @@
 // The error that the tuners minimise, and the choice of positions that it is measured over.
+//
+// Each line of the file is a position of a game and how the game ended. For the side to move the
+// end is r = 1 (won), 1/2 or 0 (lost). What the engine thinks of the position is its quiescence
+// score s, in centipawns for the same side; it stands for the probability of winning
+//
+//     P(s) = 1 / (1 + 10^(-s / 400)),
+//
+// one half at 0, 10 / 11 at 400. The line's error is |r - P(s)|, the distance and not its
+// square, and the file's error the mean over the lines that count, between 0 and 1.
+//
+// A search with the depth limit 0 gives s: it evaluates the position, runs the quiescence search
+// and ends before the first iteration. A line counts if it names a possible position and a result,
+// if |s| <= 900, as a decided game tells nothing about small terms, and if s is within 150 of the
+// evaluation: captures that change the picture would have other terms judged than those of the
+// position. In check there is no such evaluation, and the line does not count either.
+//
+// The parameters change between measurements, and with them every score and which lines count. So
+// nothing of a position is kept: a measurement derives the evaluation's tables from the live
+// parameters once, which empties the thread's caches of pawns and evaluations if they differ, and
+// reads and searches all lines again. The one thing remembered through a run is the positions whose
+// captures came to no end.
 
 #include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <cstdlib>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "board/fen.h"
@@ -99,16 +119,13 @@ void show_status(TuneStatus& status, const LineReader& reader) {
                   status.done + status.part * read, size_known ? 1 : 0);
 }
 
-// Positions whose captures have no end, as FEN: told and tried once, however often they are read.
-std::set<std::string> restless;
-
-void pass_over(const EpdRecord& record, const std::string& path, int line) {
-    restless.insert(record.fen);
+void pass_over(TuneRun& run, const EpdRecord& record, const std::string& path, int line) {
+    run.restless.insert(record.fen);
     end_progress();
     error_line(format("quon: %s, line %d: too many captures, passed over", path.c_str(), line));
 }
 
-ErrorSum measure(Engine& engine, const std::string& path, TuneStatus& status, OutputFile* copy) {
+ErrorSum measure(Engine& engine, const std::string& path, TuneRun& run, File* copy) {
     init_eval_tables(engine.eval_tables, engine.params);
     apply_search_params(engine.search_params, engine.params);
     ErrorSum errors;
@@ -117,31 +134,31 @@ ErrorSum measure(Engine& engine, const std::string& path, TuneStatus& status, Ou
     errors.readable = open_tool_file(reader, path, MAX_LINE);
     LinePiece piece;
     EpdRecord record;
-    while (errors.readable && !(copy && copy->failed) && !end_wished(engine) &&
+    while (errors.readable && !(copy && copy->failed()) && !end_wished(engine) &&
            next_piece(reader, piece)) {
-        show_status(status, reader);
+        show_status(run.status, reader);
         line += piece.starts_line;
         if (!piece.starts_line || is_comment(piece.text)) continue;
         if (!parse_epd_line(piece.text, record)) continue;
-        if (restless.contains(record.fen)) continue;
+        if (run.restless.contains(record.fen)) continue;
         read_position(engine.game.position, record.fen);
         if (position_problem(engine.game.position) != nullptr) continue;
         const std::optional<Scores> scores = measure_position(engine);
         if (!scores) {
-            if (!end_wished(engine)) pass_over(record, path, line);
+            if (!end_wished(engine)) pass_over(run, record, path, line);
             continue;
         }
         const std::optional<double> error = line_error(engine, piece.text, *scores);
         if (!error || (copy && std::abs(given_score(record)) > DECIDED_SCORE)) continue;
         errors.sum += *error;
         ++errors.positions;
-        ++status.positions;
+        ++run.status.positions;
         if (!copy) continue;
-        write_text(*copy, piece.text);
-        write_text(*copy, "\n");
+        copy->write(piece.text);
+        copy->write("\n");
     }
     errors.readable = errors.readable && !read_failed(reader);
-    status.done += status.part;
+    run.status.done += run.status.part;
     return errors;
 }
 
@@ -152,25 +169,25 @@ double mean_error(const ErrorSum& errors) {
     return errors.positions > 0 ? errors.sum / double(errors.positions) : 0.0;
 }
 
-ErrorSum sum_errors(Engine& engine, const std::string& path, TuneStatus& status) {
-    return measure(engine, path, status, nullptr);
+ErrorSum sum_errors(Engine& engine, const std::string& path, TuneRun& run) {
+    return measure(engine, path, run, nullptr);
 }
 
-double tune_error(Engine& engine, const std::string& path) {
-    TuneStatus status;
-    return mean_error(sum_errors(engine, path, status));
+double tune_error(Engine& engine, const std::string& path, TuneRun& run) {
+    run.status = {};
+    return mean_error(sum_errors(engine, path, run));
 }
 
-ErrorSum tune_error_filter(Engine& engine, const std::string& path, OutputFile& copy) {
-    TuneStatus status;
-    return measure(engine, path, status, &copy);
+ErrorSum tune_error_filter(Engine& engine, const std::string& path, File& copy) {
+    TuneRun run;
+    return measure(engine, path, run, &copy);
 }
 
 bool make_tuning_set(Engine& engine) {
     const std::string& path = engine.options.tune_file;
     if (overwrites_input(path, FILTERED_FILE)) return false;
-    OutputFile copy;
-    if (!create_output(copy, FILTERED_FILE)) {
+    File copy;
+    if (!copy.open(FILTERED_FILE, FileMode::WRITE)) {
         error_line(format("quon: can't create %s", FILTERED_FILE));
         return false;
     }

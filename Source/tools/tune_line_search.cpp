@@ -1,5 +1,22 @@
-// The line search on one parameter: steps down from the start while the error falls, then up, then
-// halves the way to the bounds found, above and below in turn.
+// The line search on one parameter: the value with the least error, all other parameters staying as
+// they are. Values are integers in the parameter's own unit.
+//
+// The search keeps the best value found so far between two bounds, each a value whose error is not
+// less, or not found yet. A probe is one measurement of the whole file (tune_error.cpp):
+//
+//   1. The start's error is measured; the start is the best value.
+//   2. Downwards: the next probe lies 12 % of the best value's size, and one, below it. While the
+//      error falls the probe becomes the best value and the old best the bound above; the first
+//      that does not fall is the bound below.
+//   3. Upwards likewise, unless step 2 has found the upper bound already.
+//   4. The next probe is the middle, rounded, between the best value and a bound: the one below
+//      after every probe with an odd number, the one above after the others, numbers from 0. A
+//      probe that is better takes the best value's place, which becomes a bound; one that is not is
+//      the bound itself.
+//
+// It ends when the next probe is a bound, as nothing then lies between, or after 30 probes. Of an
+// error with several valleys it finds one. Equal errors count as worse, so that the search does not
+// wander over a plateau. Nothing but the bracket is kept from probe to probe.
 
 #include <algorithm>
 #include <cmath>
@@ -65,9 +82,10 @@ void search_parameter(Engine& engine, TunableParam& parameter) {
     i16& field = *parameter.field;
     const i16 start = field;
     Bracket bracket{.best = start};
+    TuneRun run;
     for (int probe = 0; probe < MAX_PROBES; ++probe) {
         const int x = field;
-        const double error = tune_error(engine, engine.options.tune_file);
+        const double error = tune_error(engine, engine.options.tune_file, run);
         if (end_wished(engine)) break;
         print_unlogged(format("%s= %d, err= %0.6f\n", name, x, error));
         narrow(bracket, probe == 0, x, error);

@@ -38,13 +38,14 @@ protected:
     }
     ~Tuning() override { tunables.clear(); }
 
-    double error_of(const std::string& text) const {
+    double error_of(const std::string& text) {
         directory.write("lines.epd", text);
-        return tune_error(engine, "lines.epd");
+        return tune_error(engine, "lines.epd", tuning);
     }
 
     WorkDirectory directory;
     SearchRig rig;
+    TuneRun tuning;
 };
 
 TEST_F(Tuning, ErrorOfFewLines) {
@@ -76,8 +77,8 @@ TEST_F(Tuning, ErrorOfFewLines) {
         EXPECT_DOUBLE_EQ(error_of(PAWN_UP + side + "0-1"), 1 - won);
         EXPECT_DOUBLE_EQ(error_of(PAWN_UP + side + "1/2"), 0.5 - won);
     }
-    EXPECT_EQ(tune_error(engine, "missing.epd"), 1);
-    EXPECT_EQ(tune_error(engine, "."), 1);
+    EXPECT_EQ(tune_error(engine, "missing.epd", tuning), 1);
+    EXPECT_EQ(tune_error(engine, ".", tuning), 1);
 }
 
 // Captures without end: told once, however often the file is read.
@@ -113,8 +114,7 @@ TEST_F(Tuning, ErrorOfKnownScores) {
     }
     if (turn == 0) GTEST_SKIP() << "evaluation.csv is not there";
     directory.write("known.epd", text);
-    TuneStatus status;
-    const ErrorSum errors = sum_errors(engine, "known.epd", status);
+    const ErrorSum errors = sum_errors(engine, "known.epd", tuning);
     EXPECT_EQ(errors.positions, positions);
     EXPECT_DOUBLE_EQ(errors.sum, sum);
 }
@@ -122,8 +122,7 @@ TEST_F(Tuning, ErrorOfKnownScores) {
 TEST_F(Tuning, ReferenceFile) {
     const auto figures = shared_lines("/reference/tools/tuning-error.txt");
     if (figures.empty()) GTEST_SKIP() << "tuning-error.txt is not there";
-    TuneStatus status;
-    const ErrorSum errors = sum_errors(engine, QUON_SHARED_DIR "/data/tuning/quiet.epd", status);
+    const ErrorSum errors = sum_errors(engine, QUON_SHARED_DIR "/data/tuning/quiet.epd", tuning);
     EXPECT_EQ(format("positions= %d, sum= %0.12f, mean= %0.12f", int(errors.positions), errors.sum,
                      mean_error(errors)),
               figures[0]);
@@ -137,8 +136,8 @@ TEST_F(Tuning, FilterKeepsUsableLines) {
                                     KINGS + "w - - ce 5;\n" + KINGS + "w - - 1/2\r\n");
     EXPECT_TRUE(make_tuning_set(engine));
     EXPECT_EQ(directory.read("tune_new.epd"), kept + KINGS + "w - - 1/2\n");
-    OutputFile copy;
-    ASSERT_TRUE(create_output(copy, "copy.epd"));
+    File copy;
+    ASSERT_TRUE(copy.open("copy.epd", FileMode::WRITE));
     EXPECT_DOUBLE_EQ(mean_error(tune_error_filter(engine, "tune.epd", copy)), 0.375);
 }
 
@@ -154,7 +153,7 @@ TEST_F(Tuning, LineSearchFindsTheMinimum) {
         double least = 1;
         for (int value = 30; value <= 200; ++value) {
             params.pawn_value.op = i16(value);
-            least = std::min(least, tune_error(engine, "tune.epd"));
+            least = std::min(least, tune_error(engine, "tune.epd", tuning));
         }
         params.pawn_value.op = 90;
         const auto lines =
@@ -220,10 +219,10 @@ TEST_F(Tuning, GradientLog) {
         if (t.name == "p2") t = {"p2", &params.pawn_value.op, 10, 90, 0, 0};  // one that counts
     }
     std::srand(1);
-    const double before = tune_error(engine, "tune.epd");
+    const double before = tune_error(engine, "tune.epd", tuning);
     const std::string output = captured_output([] { EXPECT_TRUE(tune_gradient(engine)); });
     EXPECT_EQ(output, directory.read("tune.log"));
-    EXPECT_LT(tune_error(engine, "tune.epd"), before / 4);
+    EXPECT_LT(tune_error(engine, "tune.epd", tuning), before / 4);
 
     const auto lines = split(output, '\n');
     ASSERT_GT(lines.size(), 26U);
