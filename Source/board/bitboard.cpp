@@ -65,6 +65,16 @@ constexpr Table<Table<Bitboard, 64>, 2> make_pawn_attacks() {
              each_square([&](int s) { return steps_from(s, black); })}};
 }
 
+constexpr Table<Table<Bitboard, 64>, 7> make_open_attacks() {
+    const auto diagonal = each_square([](int s) { return rays(s, DIAGONAL, 0); });
+    const auto straight = each_square([](int s) { return rays(s, STRAIGHT, 0); });
+    const auto queen = each_square([&](int s) { return diagonal[s] | straight[s]; });
+    const auto knight = each_square([](int s) { return steps_from(s, KNIGHT_STEPS); });
+    const auto king =
+        each_square([](int s) { return steps_from(s, STRAIGHT) | steps_from(s, DIAGONAL); });
+    return {{{}, {}, knight, diagonal, straight, queen, king}};
+}
+
 constexpr Table<Table<Bitboard, 64>, 64> make_between() {
     Table<Table<Bitboard, 64>, 64> table{};
     for (int from = 0; from < 64; ++from) {
@@ -100,14 +110,7 @@ constexpr Table<Table<u8, 64>, 64> make_distances() {
 }  // namespace
 
 constinit const Table<Table<Bitboard, 64>, 2> pawn_attacks = make_pawn_attacks();
-constinit const Table<Bitboard, 64> knight_attacks =
-    each_square([](int s) { return steps_from(s, KNIGHT_STEPS); });
-constinit const Table<Bitboard, 64> king_attacks =
-    each_square([](int s) { return steps_from(s, STRAIGHT) | steps_from(s, DIAGONAL); });
-constinit const Table<Bitboard, 64> orth_lines =
-    each_square([](int s) { return rays(s, STRAIGHT, 0); });
-constinit const Table<Bitboard, 64> diag_lines =
-    each_square([](int s) { return rays(s, DIAGONAL, 0); });
+constinit const Table<Table<Bitboard, 64>, 7> open_attacks = make_open_attacks();
 constinit const Table<Table<Bitboard, 64>, 64> between = make_between();
 constinit const Table<Table<u8, 64>, 64> king_distance = make_distances();
 

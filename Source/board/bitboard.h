@@ -13,11 +13,13 @@
 namespace quon {
 
 extern const Table<Table<Bitboard, 64>, 2> pawn_attacks;
-extern const Table<Bitboard, 64> knight_attacks;
-extern const Table<Bitboard, 64> king_attacks;
-// Rank and file, or both diagonals, of a square on the empty board, without the square.
-extern const Table<Bitboard, 64> orth_lines;
-extern const Table<Bitboard, 64> diag_lines;
+// Attacks of a piece on the empty board, [type][square], knight to king.
+extern const Table<Table<Bitboard, 64>, 7> open_attacks;
+inline constexpr const Table<Bitboard, 64>& knight_attacks = open_attacks[KNIGHT];
+inline constexpr const Table<Bitboard, 64>& king_attacks = open_attacks[KING];
+// Rank and file, or both diagonals, of a square, without the square.
+inline constexpr const Table<Bitboard, 64>& orth_lines = open_attacks[ROOK];
+inline constexpr const Table<Bitboard, 64>& diag_lines = open_attacks[BISHOP];
 // Squares strictly between two squares of one line, empty when they share none.
 extern const Table<Table<Bitboard, 64>, 64> between;
 // Larger of the file and rank differences.
@@ -58,6 +60,21 @@ inline Bitboard rook_attacks(int square, Bitboard occupancy) {
 }
 inline Bitboard bishop_attacks(int square, Bitboard occupancy) {
     return bishop_magics[square].at(occupancy);
+}
+
+// The same for any piece but a pawn.
+inline Bitboard attacks_from(int type, int square, Bitboard occupancy) {
+    switch (type) {
+        case KNIGHT: return knight_attacks[square];
+        case BISHOP: return bishop_attacks(square, occupancy);
+        case ROOK: return rook_attacks(square, occupancy);
+        case QUEEN: return bishop_attacks(square, occupancy) | rook_attacks(square, occupancy);
+        default: return king_attacks[square];
+    }
+}
+// True if `to` is one of them; cheaper than the whole set.
+inline bool attacks_square(int type, int from, int to, Bitboard occupancy) {
+    return has(open_attacks[type][from], to) && (between[from][to] & occupancy) == 0;
 }
 
 // Squares that alone stand between the square and one of the sliders, which share lines with it.

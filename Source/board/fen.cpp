@@ -14,11 +14,20 @@ const char* const square_name[64] = {
     "a7", "b7", "c7", "d7", "e7", "f7", "g7", "h7", "a8", "b8", "c8", "d8", "e8", "f8", "g8", "h8",
 };
 
-namespace {
+int square_named(std::string_view text) {
+    if (text.size() < 2 || text[0] < 'a' || text[0] > 'h' || text[1] < '1' || text[1] > '8')
+        return NO_SQUARE;
+    return make_square(text[0] - 'a', text[1] - '1');
+}
 
-constexpr std::string_view FEN_PIECES = "-PNBRQK--pnbrqk";
-constexpr std::string_view DIAGRAM_PIECES = "-PNBRQK--onbrqk";
-constexpr std::string_view CASTLE_LETTERS = "KQkq";  // bit n of the rights
+int type_of_letter(char letter, int color) {
+    for (int type = PAWN; type <= KING; ++type) {
+        if (PIECE_LETTERS[make_piece(color, type)] == letter) return type;
+    }
+    return NO_TYPE;
+}
+
+namespace {
 
 // Hands out a text character by character; 0 at its end.
 struct Reader {
@@ -57,8 +66,10 @@ void read_board(Position& p, Reader& reader) {
         } else if (c == '/') {
             square = (square & ~7) - 8;
         } else if (is_letter(c)) {
-            const std::size_t piece = FEN_PIECES.find(c);
-            if (piece != std::string_view::npos) put(p, int(piece), square);
+            for (const int color : {WHITE, BLACK}) {
+                const int type = type_of_letter(c, color);
+                if (type != NO_TYPE) put(p, make_piece(color, type), square);
+            }
             if (square < h_file) ++square;
         }
     }
@@ -69,8 +80,9 @@ void read_castling(Position& p, std::string_view field) {
     if (field.empty()) return;
     p.castle = 0;
     for (const char c : field) {
-        const std::size_t right = CASTLE_LETTERS.find(c);
-        if (right != std::string_view::npos) p.castle |= u8(1U << right);
+        for (const Castling& way : CASTLINGS) {
+            if (c == way.letter) p.castle |= way.right;
+        }
     }
 }
 
@@ -124,14 +136,14 @@ std::string position_to_fen(const Position& p) {
                 continue;
             }
             flush_empty();
-            text += FEN_PIECES[std::size_t(piece)];
+            text += PIECE_LETTERS[piece];
         }
         flush_empty();
         if (rank > 0) text += '/';
     }
     text += p.side == WHITE ? " w " : " b ";
-    for (std::size_t right = 0; right < CASTLE_LETTERS.size(); ++right) {
-        if (p.castle >> right & 1) text += CASTLE_LETTERS[right];
+    for (const Castling& way : CASTLINGS) {
+        if (p.castle & way.right) text += way.letter;
     }
     if (p.castle == 0) text += '-';
     text += ' ';
@@ -142,7 +154,8 @@ std::string position_to_fen(const Position& p) {
 char diagram_character(const Position& p, int square) {
     const int piece = p.board[square];
     const char empty = (rank_of(square) + file_of(square)) % 2 == 0 ? '+' : '-';
-    return piece ? DIAGRAM_PIECES[std::size_t(piece)] : empty;
+    if (piece == make_piece(BLACK, PAWN)) return 'o';
+    return piece ? PIECE_LETTERS[piece] : empty;
 }
 
 std::string board_text(const Position& p) {

@@ -9,7 +9,12 @@
 namespace quon {
 
 extern const char* const square_name[64];
-constexpr char PIECE_LETTERS[] = "-PNBRQK";
+constexpr char PIECE_LETTERS[] = "-PNBRQK--pnbrqk";  // by piece code; White's are the types'
+
+// The square that the text begins with, NO_SQUARE if it does not.
+[[nodiscard]] int square_named(std::string_view text);
+// The type of a piece that the colour's letter stands for, NO_TYPE for any other character.
+[[nodiscard]] int type_of_letter(char letter, int color = WHITE);
 
 // Sets the position from the first four fields of a FEN or EPD text and empties its game record.
 // Castling rights that the pieces do not support are dropped: then it returns false. Pieces that no
@@ -18,7 +23,7 @@ constexpr char PIECE_LETTERS[] = "-PNBRQK";
 void set_start_position(Position& p);
 
 // The four fields, without counters.
-std::string position_to_fen(const Position& p);
+[[nodiscard]] std::string position_to_fen(const Position& p);
 
 // For a position put together from pieces: computes both keys and drops castling rights that the
 // pieces do not support; true if one was dropped.
@@ -42,6 +47,6 @@ struct EpdRecord {
 
 // Splits an EPD line (its first 511 characters); false when it has fewer than four fields. Only the
 // first operand of an opcode is kept, with any quote it is written with.
-bool parse_epd_line(std::string_view line, EpdRecord& out);
+[[nodiscard]] bool parse_epd_line(std::string_view line, EpdRecord& out);
 
 }  // namespace quon

@@ -3,6 +3,8 @@
 
 #include "board/legality.h"
 
+#include <cassert>
+
 #include "board/movegen.h"
 
 namespace quon {
@@ -10,9 +12,8 @@ namespace quon {
 KingGuard king_guard(const Position& p, bool in_check) {
     const int us = p.side;
     const int king = king_square(p, us);
-    const auto& enemy = p.bb[us ^ 1];
-    const Bitboard sliders = (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
-                             (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN]));
+    assert(p.board[king] == make_piece(us, KING));
+    const Bitboard sliders = aligned_sliders(p, us ^ 1, king);
     return {king, in_check, lone_blockers(king, sliders, occupied(p)) & p.bb[us][0]};
 }
 
@@ -27,16 +28,7 @@ bool safe_after(const Position& p, Move move, int king) {
     if (en_passant) occupancy ^= bit(to - forward(p.side));
 
     // A captured piece stands on `to`, inside the occupancy, but attacks no more.
-    const int by = p.side ^ 1;
-    const auto& enemy = p.bb[by];
-    const Bitboard alive = occupancy & ~bit(to);
-    if (pawn_attacks[p.side][king] & enemy[PAWN] & alive) return false;
-    if (knight_attacks[king] & enemy[KNIGHT] & alive) return false;
-    if (king_attacks[king] & enemy[KING] & alive) return false;
-    const Bitboard diagonal = (enemy[BISHOP] | enemy[QUEEN]) & alive & diag_lines[king];
-    if (diagonal && (bishop_attacks(king, occupancy) & diagonal)) return false;
-    const Bitboard straight = (enemy[ROOK] | enemy[QUEEN]) & alive & orth_lines[king];
-    return !(straight && (rook_attacks(king, occupancy) & straight));
+    return !square_attacked(p, king, p.side ^ 1, occupancy, occupancy & ~bit(to));
 }
 
 }  // namespace
@@ -47,7 +39,7 @@ bool is_legal(const Position& p, Move move, const KingGuard& guard) {
     if (from == guard.king) {
         if (!is_castling(KING, from, to)) return safe_after(p, move, to);
         const int by = p.side ^ 1;
-        return !guard.in_check && !square_attacked(p, (from + to) / 2, by) &&
+        return !guard.in_check && !square_attacked(p, castling(p.side, to > from).rook_to, by) &&
                !square_attacked(p, to, by);
     }
     if (guard.in_check || (to == p.ep && type_of(p.board[from]) == PAWN)) {
@@ -60,15 +52,8 @@ bool is_legal(const Position& p, Move move, const KingGuard& guard) {
 namespace {
 
 bool direct_check(int type, int side, int to, int enemy_king, Bitboard occupancy) {
-    const bool open = (between[to][enemy_king] & occupancy) == 0;
-    switch (type) {
-        case PAWN: return has(pawn_attacks[side][to], enemy_king);
-        case KNIGHT: return has(knight_attacks[to], enemy_king);
-        case BISHOP: return has(diag_lines[to], enemy_king) && open;
-        case ROOK: return has(orth_lines[to], enemy_king) && open;
-        case QUEEN: return has(diag_lines[to] | orth_lines[to], enemy_king) && open;
-        default: return false;
-    }
+    if (type == PAWN) return has(pawn_attacks[side][to], enemy_king);
+    return type != KING && attacks_square(type, to, enemy_king, occupancy);
 }
 
 bool opens_line(const Table<Bitboard, 64>& lines, Bitboard sliders, int from, int enemy_king,
@@ -121,24 +106,16 @@ bool is_pseudo_legal(const Position& p, Move move) {
     const Move promotion = move & PROMOTION_MASK;
     if (piece == 0 || color_of(piece) != us || has(p.bb[us][0], to)) return false;
 
-    const Bitboard path = between[from][to] & occupied(p);
-    switch (type_of(piece)) {
-        case PAWN: {
-            const bool promotes = relative_rank(us, to) == 7;
-            const bool one_bit = promotion != 0 && (promotion & (promotion - 1)) == 0;
-            return (promotes ? one_bit : promotion == 0) && pawn_move_possible(p, from, to);
-        }
-        case KNIGHT: return promotion == 0 && has(knight_attacks[from], to);
-        case BISHOP: return promotion == 0 && has(diag_lines[from], to) && path == 0;
-        case ROOK: return promotion == 0 && has(orth_lines[from], to) && path == 0;
-        case QUEEN:
-            return promotion == 0 && has(diag_lines[from] | orth_lines[from], to) && path == 0;
-        default:
-            if (promotion != 0) return false;
-            if (has(king_attacks[from], to)) return true;
-            return is_castling(KING, from, to) && from == king_square(p, us) &&
-                   castling_possible(p, to > from);
+    const int type = type_of(piece);
+    if (type == PAWN) {
+        const bool promotes = relative_rank(us, to) == 7;
+        const bool one_bit = promotion != 0 && (promotion & (promotion - 1)) == 0;
+        return (promotes ? one_bit : promotion == 0) && pawn_move_possible(p, from, to);
     }
+    if (promotion != 0) return false;
+    if (attacks_square(type, from, to, occupied(p))) return true;
+    return is_castling(type, from, to) && from == king_square(p, us) &&
+           castling_possible(p, to > from);
 }
 
 bool can_be_made(const Position& p, Move move) {

@@ -3,6 +3,7 @@
 #include "board/make.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/keys.h"
 #include "board/verify.h"
@@ -14,24 +15,13 @@ namespace {
 // Rights lost when a piece leaves or enters the square.
 constexpr Table<u8, 64> castle_loss() {
     Table<u8, 64> loss{};
-    loss[A1] = WHITE_QUEEN_SIDE;
-    loss[E1] = WHITE_KING_SIDE | WHITE_QUEEN_SIDE;
-    loss[H1] = WHITE_KING_SIDE;
-    loss[A8] = BLACK_QUEEN_SIDE;
-    loss[E8] = BLACK_KING_SIDE | BLACK_QUEEN_SIDE;
-    loss[H8] = BLACK_KING_SIDE;
+    for (const Castling& way : CASTLINGS) {
+        loss[way.king_from] |= way.right;
+        loss[way.rook_from] |= way.right;
+    }
     return loss;
 }
 constexpr Table<u8, 64> CASTLE_LOSS = castle_loss();
-
-struct RookMove {
-    int from;
-    int to;
-};
-RookMove castling_rook(int king_from, int king_to) {
-    if (king_to > king_from) return {king_from + 3, king_from + 1};
-    return {king_from - 4, king_from - 1};
-}
 
 Move move_below_top(const GameRecord& record) {
     return record.game_ply > 0 ? record.undo[record.game_ply - 1].move : NO_MOVE;
@@ -65,6 +55,8 @@ void make_move(Position& p, Move move) {
     const int piece = p.board[from];
     const int captured = p.board[to];
     const int old_ep = p.ep;
+    assert(piece != 0 && color_of(piece) == us);
+    assert(captured == 0 || (color_of(captured) != us && type_of(captured) != KING));
 
     GameRecord& record = *p.owner;
     record.undo[record.game_ply] = {p.key, p.pawn_key, move,    u8(type_of(captured)),
@@ -90,16 +82,18 @@ void make_move(Position& p, Move move) {
     if (type_of(piece) == PAWN) {
         finish_pawn_move(p, us, move, old_ep);
     } else if (is_castling(type_of(piece), from, to)) {
-        const RookMove rook = castling_rook(from, to);
-        const int code = make_piece(us, ROOK);
-        move_piece(p, code, rook.from, rook.to);
-        p.key ^= piece_sq_keys[code][rook.from] ^ piece_sq_keys[code][rook.to];
+        const Castling& way = castling(us, to > from);
+        const int rook = make_piece(us, ROOK);
+        move_piece(p, rook, way.rook_from, way.rook_to);
+        toggle_key(p, rook, way.rook_from);
+        toggle_key(p, rook, way.rook_to);
         p.fifty = 0;
     }
 }
 
 void unmake_move(Position& p) {
     GameRecord& record = *p.owner;
+    assert(record.game_ply > 0 && record.undo[record.game_ply - 1].move != NO_MOVE);
     --record.game_ply;
     --record.ply;
     const UndoRecord& last = record.undo[record.game_ply];
@@ -120,8 +114,8 @@ void unmake_move(Position& p) {
     } else if (type == PAWN && to == last.ep) {
         place_piece(p, make_piece(us ^ 1, PAWN), to - forward(us));
     } else if (is_castling(type, from, to)) {
-        const RookMove rook = castling_rook(from, to);
-        move_piece(p, make_piece(us, ROOK), rook.to, rook.from);
+        const Castling& way = castling(us, to > from);
+        move_piece(p, make_piece(us, ROOK), way.rook_to, way.rook_from);
     }
     if (last.move & PROMOTION_MASK) {
         remove_piece(p, from);
@@ -150,6 +144,7 @@ void make_null_move(Position& p) {
 
 void unmake_null_move(Position& p) {
     GameRecord& record = *p.owner;
+    assert(record.game_ply > 0 && record.undo[record.game_ply - 1].move == NO_MOVE);
     --record.game_ply;
     --record.ply;
     const UndoRecord& last = record.undo[record.game_ply];

@@ -13,8 +13,6 @@ namespace quon {
 
 namespace {
 
-constexpr char UCI_PROMOTION_LETTERS[] = "  nbrq ";
-
 std::string squares_text(Move move) {
     return std::string(square_name[move_from(move)]) + square_name[move_to(move)];
 }
@@ -30,7 +28,7 @@ std::string move_to_text(Move move, MoveStyle style) {
     if (move == NO_MOVE) return "null";
     const int type = promotion_type(move);
     if (type == NO_TYPE) return squares_text(move);
-    return style == MoveStyle::UCI ? squares_text(move) + UCI_PROMOTION_LETTERS[type]
+    return style == MoveStyle::UCI ? squares_text(move) + PIECE_LETTERS[make_piece(BLACK, type)]
                                    : squares_text(move) + promotion_suffix(move);
 }
 
@@ -52,16 +50,9 @@ void pawn_forms(const Position& p, Move move, MoveForms& forms) {
 
 // Other pieces of the mover's kind that attack the destination, pinned or not.
 Bitboard rivals(const Position& p, int piece, int from, int to) {
-    const Bitboard occupancy = occupied(p) | bit(to);
-    Bitboard reach = 0;
-    switch (type_of(piece)) {
-        case KNIGHT: reach = knight_attacks[to]; break;
-        case BISHOP: reach = bishop_attacks(to, occupancy); break;
-        case ROOK: reach = rook_attacks(to, occupancy); break;
-        case QUEEN: reach = bishop_attacks(to, occupancy) | rook_attacks(to, occupancy); break;
-        default: break;
-    }
-    return reach & p.bb[color_of(piece)][type_of(piece)] & ~bit(from);
+    const int type = type_of(piece);
+    if (type == KING) return 0;
+    return attacks_from(type, to, occupied(p)) & p.bb[color_of(piece)][type] & ~bit(from);
 }
 
 void piece_forms(const Position& p, const MoveEntry& entry, MoveForms& forms) {
@@ -81,14 +72,11 @@ void piece_forms(const Position& p, const MoveEntry& entry, MoveForms& forms) {
     forms.san += end;
     forms.file += end;
     forms.rank += end;
-    if (type_of(entry.piece) == KING && to == from + 2) {
-        forms.san = "o-o";
-        forms.file = "O-O";
-        forms.rank = "0-0";
-    } else if (type_of(entry.piece) == KING && to == from - 2) {
-        forms.san = "o-o-o";
-        forms.file = "O-O-O";
-        forms.rank = "0-0-0";
+    if (is_castling(type_of(entry.piece), from, to)) {
+        const bool king_side = to > from;
+        forms.san = king_side ? "o-o" : "o-o-o";
+        forms.file = king_side ? "O-O" : "O-O-O";
+        forms.rank = king_side ? "0-0" : "0-0-0";
     }
 }
 
@@ -123,7 +111,7 @@ std::string normalized_san(std::string_view input) {
     while (!text.empty() && text.back() == '#') text.pop_back();
     if (text.empty()) return text;
     const char last = char(std::toupper(static_cast<unsigned char>(text.back())));
-    if (std::string_view("NBQR").find(last) != std::string_view::npos) {
+    if (PROMOTION_CODE[type_of_letter(last)] != 0) {
         text.pop_back();
         if (text.empty() || text.back() != '=') text += '=';
         text += last;
@@ -142,18 +130,10 @@ struct Clues {
     int destination;  // NO_SQUARE when it does not end with one: a pawn's two files, castling
 };
 
-int ending_square(std::string_view body) {
-    if (body.size() < 2) return NO_SQUARE;
-    const int file = body[body.size() - 2] - 'a';
-    const int rank = body[body.size() - 1] - '1';
-    const bool on_board = 0 <= file && file < 8 && 0 <= rank && rank < 8;
-    return on_board ? make_square(file, rank) : NO_SQUARE;
-}
-
 Clues clues_of(std::string_view text) {
-    const std::size_t letter = std::string_view(PIECE_LETTERS).find(text[0], KNIGHT);
-    return {letter == std::string_view::npos ? NO_TYPE : int(letter),
-            ending_square(text.substr(0, text.find('=')))};
+    const std::string_view body = text.substr(0, text.find('='));
+    return {type_of_letter(text[0]),
+            body.size() < 2 ? NO_SQUARE : square_named(body.substr(body.size() - 2))};
 }
 
 // False only if no form of the move can be a text with these clues.
@@ -218,21 +198,11 @@ bool false_en_passant(const Position& p, int from, int to) {
 
 Move parse_coordinates(const Position& p, std::string_view text) {
     if (text.size() < 4) return NO_MOVE;
-    for (const std::size_t i : {0U, 2U}) {
-        if (text[i] < 'a' || text[i] > 'h' || text[i + 1] < '1' || text[i + 1] > '8')
-            return NO_MOVE;
-    }
-    const int from = make_square(text[0] - 'a', text[1] - '1');
-    const int to = make_square(text[2] - 'a', text[3] - '1');
-    Move promotion = 0;
-    switch (text.size() > 4 ? text[4] : '\0') {
-        case 'q': promotion = PROMOTE_QUEEN; break;
-        case 'n': promotion = PROMOTE_KNIGHT; break;
-        case 'b': promotion = PROMOTE_BISHOP; break;
-        case 'r': promotion = PROMOTE_ROOK; break;
-        default: break;
-    }
-    const Move move = make_code(from, to, promotion);
+    const int from = square_named(text);
+    const int to = square_named(text.substr(2));
+    if (from == NO_SQUARE || to == NO_SQUARE) return NO_MOVE;
+    const int promoted = text.size() > 4 ? type_of_letter(text[4], BLACK) : NO_TYPE;
+    const Move move = make_code(from, to, PROMOTION_CODE[promoted]);
     const bool refused =
         !is_pseudo_legal(p, move) || type_of(p.board[to]) == KING || false_en_passant(p, from, to);
     return refused ? NO_MOVE : move;

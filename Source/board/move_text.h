@@ -27,7 +27,7 @@ MoveForms move_forms(const Position& p, const MoveEntry& entry);
 
 // The SAN of a legal move. Where parse_san could not tell it from another, as of two knights that
 // share neither file nor rank, the next form that it can read.
-std::string readable_san(const Position& p, const MoveEntry& entry);
+[[nodiscard]] std::string readable_san(const Position& p, const MoveEntry& entry);
 
 // Finds the one legal move that the text names in any of the forms; "e8q", "O-O" and "0-0" are
 // understood, a trailing "+" or "#" is not needed. Returns the number of moves that match; unless
@@ -41,6 +41,6 @@ std::string normalized_san(std::string_view text);
 // Coordinate text as front ends write it: e2e4, e7e8q. Returns NO_MOVE unless the text names a
 // pseudo-legal move of the side to move that takes no king and moves no pawn to an en-passant
 // square that none has passed: what make_move can make and take back in any position.
-Move parse_coordinates(const Position& p, std::string_view text);
+[[nodiscard]] Move parse_coordinates(const Position& p, std::string_view text);
 
 }  // namespace quon

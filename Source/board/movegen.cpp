@@ -2,6 +2,8 @@
 
 #include "board/movegen.h"
 
+#include <cassert>
+
 namespace quon {
 
 namespace {
@@ -19,16 +21,6 @@ MoveEntry* add_targets(const Position& p, MoveEntry* out, int from, int piece, B
     return out;
 }
 
-Bitboard piece_attacks(int type, int square, Bitboard occupancy) {
-    switch (type) {
-        case KNIGHT: return knight_attacks[square];
-        case BISHOP: return bishop_attacks(square, occupancy);
-        case ROOK: return rook_attacks(square, occupancy);
-        case QUEEN: return bishop_attacks(square, occupancy) | rook_attacks(square, occupancy);
-        default: return king_attacks[square];
-    }
-}
-
 // Knights, bishops, rooks, queens and the king, to the wanted squares.
 template <int Us>
 MoveEntry* gen_pieces(const Position& p, Bitboard wanted, MoveEntry* out) {
@@ -37,7 +29,7 @@ MoveEntry* gen_pieces(const Position& p, Bitboard wanted, MoveEntry* out) {
         const int piece = make_piece(Us, type);
         for (const u8* square = p.plist[piece].begin(); *square != NO_SQUARE; ++square) {
             out = add_targets(p, out, *square, piece,
-                              piece_attacks(type, *square, occupancy) & wanted);
+                              attacks_from(type, *square, occupancy) & wanted);
         }
     }
     return out;
@@ -93,10 +85,10 @@ MoveEntry* gen_promotions_of(const Position& p, bool all_four, MoveEntry* out) {
 
 template <int Us>
 MoveEntry* gen_castling(const Position& p, MoveEntry* out) {
-    const int king = king_square(p, Us);
     for (const bool king_side : {true, false}) {
         if (!castling_possible(p, king_side)) continue;
-        out = add(out, king, king_side ? king + 2 : king - 2, make_piece(Us, KING), 0);
+        const Castling& c = castling(Us, king_side);
+        out = add(out, c.king_from, c.king_to, make_piece(Us, KING), 0);
     }
     return out;
 }
@@ -122,11 +114,9 @@ MoveEntry* gen_quiets_of(const Position& p, MoveEntry* out) {
 }  // namespace
 
 bool castling_possible(const Position& p, bool king_side) {
-    const int home = relative_square(p.side, E1);
-    const int right = king_side ? WHITE_KING_SIDE : WHITE_QUEEN_SIDE;
-    const int rook = king_side ? home + 3 : home - 4;
-    return king_square(p, p.side) == home && (p.castle >> (2 * p.side) & right) != 0 &&
-           (between[home][rook] & occupied(p)) == 0;
+    const Castling& c = castling(p.side, king_side);
+    return (p.castle & c.right) != 0 && king_square(p, p.side) == c.king_from &&
+           (c.path & occupied(p)) == 0;
 }
 
 MoveEntry* gen_captures(const Position& p, MoveEntry* out) {
@@ -143,9 +133,9 @@ MoveEntry* gen_quiets(const Position& p, MoveEntry* out) {
 }
 
 MoveEntry* gen_all(const Position& p, MoveEntry* out) {
-    out = gen_captures(p, out);
-    out = gen_promotions(p, true, out);
-    return terminate_list(gen_quiets(p, out));
+    MoveEntry* end = gen_quiets(p, gen_promotions(p, true, gen_captures(p, out)));
+    assert(end - out < MAX_LIST);
+    return terminate_list(end);
 }
 
 }  // namespace quon

@@ -9,15 +9,15 @@ namespace quon {
 // Each generator appends records from `out` on and returns the end; `order` is left unset. The
 // caller's list has room for MAX_LIST records.
 // Captures, en passant included, but no promotions.
-MoveEntry* gen_captures(const Position& p, MoveEntry* out);
+[[nodiscard]] MoveEntry* gen_captures(const Position& p, MoveEntry* out);
 // Promotions, with and without capture: to a queen alone, or to all four pieces.
-MoveEntry* gen_promotions(const Position& p, bool all_four, MoveEntry* out);
+[[nodiscard]] MoveEntry* gen_promotions(const Position& p, bool all_four, MoveEntry* out);
 // Moves that neither capture nor promote, castling included.
-MoveEntry* gen_quiets(const Position& p, MoveEntry* out);
+[[nodiscard]] MoveEntry* gen_quiets(const Position& p, MoveEntry* out);
 
 // True if the side to move has the right to castle, its king at home and nothing between king and
 // rook. Attacks on the king's path are not looked at.
-bool castling_possible(const Position& p, bool king_side);
+[[nodiscard]] bool castling_possible(const Position& p, bool king_side);
 
 // Captures, all promotions, quiet moves; ends with a LIST_END record and returns that record's
 // place.

@@ -3,23 +3,26 @@
 #include "board/position.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace quon {
 
-bool square_attacked(const Position& p, int square, int by_side, Bitboard occupancy) {
+bool square_attacked(const Position& p, int square, int by_side, Bitboard occupancy,
+                     Bitboard attackers) {
     const auto& pieces = p.bb[by_side];
     const Bitboard steps = (pawn_attacks[by_side ^ 1][square] & pieces[PAWN]) |
                            (knight_attacks[square] & pieces[KNIGHT]) |
                            (king_attacks[square] & pieces[KING]);
-    if (steps & occupancy) return true;
-    const Bitboard diagonal = (pieces[BISHOP] | pieces[QUEEN]) & occupancy;
+    if (steps & attackers) return true;
+    const Bitboard diagonal = (pieces[BISHOP] | pieces[QUEEN]) & attackers;
     if ((diag_lines[square] & diagonal) && (bishop_attacks(square, occupancy) & diagonal))
         return true;
-    const Bitboard straight = (pieces[ROOK] | pieces[QUEEN]) & occupancy;
+    const Bitboard straight = (pieces[ROOK] | pieces[QUEEN]) & attackers;
     return (orth_lines[square] & straight) && (rook_attacks(square, occupancy) & straight);
 }
 
 void place_piece(Position& p, int piece, int square) {
+    assert(p.board[square] == 0);
     const int color = color_of(piece);
     const int type = type_of(piece);
     auto& list = p.plist[piece];
@@ -36,6 +39,7 @@ void place_piece(Position& p, int piece, int square) {
 
 void remove_piece(Position& p, int square) {
     const int piece = p.board[square];
+    assert(piece != 0);
     const int color = color_of(piece);
     const int type = type_of(piece);
     auto& list = p.plist[piece];
@@ -51,6 +55,7 @@ void remove_piece(Position& p, int square) {
 }
 
 void move_piece(Position& p, int piece, int from, int to) {
+    assert(p.board[from] == piece && p.board[to] == 0);
     const int color = color_of(piece);
     auto& list = p.plist[piece];
     int at = 0;
@@ -104,19 +109,11 @@ void copy_game(Game& to, const Game& from) {
 }
 
 u8 supported_rights(const Position& p) {
-    struct Home {
-        u8 right;
-        int color, king, rook;
-    };
-    constexpr Home homes[] = {{WHITE_KING_SIDE, WHITE, E1, H1},
-                              {WHITE_QUEEN_SIDE, WHITE, E1, A1},
-                              {BLACK_KING_SIDE, BLACK, E8, H8},
-                              {BLACK_QUEEN_SIDE, BLACK, E8, A8}};
     u8 rights = 0;
-    for (const Home& home : homes) {
-        const bool supported = p.board[home.king] == make_piece(home.color, KING) &&
-                               p.board[home.rook] == make_piece(home.color, ROOK);
-        if (supported) rights |= home.right;
+    for (const Castling& way : CASTLINGS) {
+        const bool supported = p.board[way.king_from] == make_piece(way.color, KING) &&
+                               p.board[way.rook_from] == make_piece(way.color, ROOK);
+        if (supported) rights |= way.right;
     }
     return rights;
 }

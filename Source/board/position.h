@@ -17,6 +17,25 @@ constexpr u8 WHITE_QUEEN_SIDE = 2;
 constexpr u8 BLACK_KING_SIDE = 4;
 constexpr u8 BLACK_QUEEN_SIDE = 8;
 
+// One way to castle. `path` has to be empty; the king's square halfway is the rook's new one.
+struct Castling {
+    u8 right;
+    u8 color;
+    char letter;  // in a FEN
+    u8 king_from, king_to;
+    u8 rook_from, rook_to;
+    Bitboard path;
+};
+inline constexpr Table<Castling, 4> CASTLINGS = {{
+    {WHITE_KING_SIDE, WHITE, 'K', E1, G1, H1, F1, bit(F1) | bit(G1)},
+    {WHITE_QUEEN_SIDE, WHITE, 'Q', E1, C1, A1, D1, bit(B1) | bit(C1) | bit(D1)},
+    {BLACK_KING_SIDE, BLACK, 'k', E8, G8, H8, F8, bit(F8) | bit(G8)},
+    {BLACK_QUEEN_SIDE, BLACK, 'q', E8, C8, A8, D8, bit(B8) | bit(C8) | bit(D8)},
+}};
+constexpr const Castling& castling(int color, bool king_side) {
+    return CASTLINGS[2 * color + (king_side ? 0 : 1)];
+}
+
 // Pieces of one code that a position text may hold; promotions can add the side's pawns to them.
 constexpr int MAX_PER_CODE = 9;
 constexpr int PLIST_SIZE = 2 * MAX_PER_CODE + 2;
@@ -85,13 +104,20 @@ inline int pawn_count(const Position& p, int color) { return int(p.sig[color] & 
 constexpr Table<u32, 7> SIG_UNIT = {{0, 1, 16, 256, 4096, 65536, 0}};
 constexpr Table<u16, 7> NPM_UNIT = {{0, 0, 3, 3, 5, 10, 0}};
 
-// True if any piece of by_side attacks the square, with the given occupancy deciding sliders'
-// paths. Pieces outside the occupancy do not attack.
-bool square_attacked(const Position& p, int square, int by_side, Bitboard occupancy);
-inline bool square_attacked(const Position& p, int square, int by_side) {
-    return square_attacked(p, square, by_side, occupied(p));
+// True if any piece of by_side on an `attackers` square attacks the square; the occupancy blocks
+// sliders.
+[[nodiscard]] bool square_attacked(const Position& p, int square, int by_side, Bitboard occupancy,
+                                   Bitboard attackers);
+[[nodiscard]] inline bool square_attacked(const Position& p, int square, int by_side) {
+    return square_attacked(p, square, by_side, occupied(p), occupied(p));
 }
-inline bool in_check(const Position& p) {
+// The colour's sliders that would attack the square on the empty board.
+inline Bitboard aligned_sliders(const Position& p, int color, int square) {
+    const auto& pieces = p.bb[color];
+    return (diag_lines[square] & (pieces[BISHOP] | pieces[QUEEN])) |
+           (orth_lines[square] & (pieces[ROOK] | pieces[QUEEN]));
+}
+[[nodiscard]] inline bool in_check(const Position& p) {
     return square_attacked(p, king_square(p, p.side), p.side ^ 1);
 }
 
@@ -111,14 +137,14 @@ void clear_position(Position& p);
 void copy_game(Game& to, const Game& from);
 
 // The castling rights that the pieces allow: king and rook at home.
-u8 supported_rights(const Position& p);
+[[nodiscard]] u8 supported_rights(const Position& p);
 
 // True if a pawn of the waiting side has just passed the en-passant square; a position text may
 // name any other square.
-bool ep_was_passed(const Position& p);
+[[nodiscard]] bool ep_was_passed(const Position& p);
 
 // Why the position cannot be searched, or nullptr if it can: one king a side, no pawns on the end
 // ranks, the waiting side not in check, an en-passant square that a pawn has passed.
-const char* position_problem(const Position& p);
+[[nodiscard]] const char* position_problem(const Position& p);
 
 }  // namespace quon

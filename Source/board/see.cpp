@@ -4,6 +4,7 @@
 #include "board/see.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace quon {
 
@@ -55,6 +56,7 @@ void lift(Exchange& x, int from) {
 }  // namespace
 
 int see(const Position& p, int side, int from, int to) {
+    assert(from == NO_SQUARE || color_of(p.board[from]) == side);
     Exchange x = start_exchange(p, to);
     if (from == NO_SQUARE) from = least_attacker(x, side);
     if (from == NO_SQUARE) return 0;

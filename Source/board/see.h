@@ -19,6 +19,6 @@ constexpr int SEE_KING_CAPTURE = 9999;
 // Gain in centipawns for `side`, which captures first, on `to`. `from` is the first capturer's
 // square, or NO_SQUARE for the least valuable one (then 0 when nobody attacks `to`). `to` may be
 // empty: then the value says what happens to the piece that arrives there.
-int see(const Position& p, int side, int from, int to);
+[[nodiscard]] int see(const Position& p, int side, int from, int to);
 
 }  // namespace quon

@@ -74,6 +74,8 @@ constexpr int move_from(Move move) { return (move >> 8) & 63; }
 constexpr Move make_code(int from, int to, Move promotion = 0) {
     return Move(to | from << 8 | promotion);
 }
+constexpr Table<Move, 7> PROMOTION_CODE = {
+    {0, 0, PROMOTE_KNIGHT, PROMOTE_BISHOP, PROMOTE_ROOK, PROMOTE_QUEEN, 0}};  // [type]
 // The promoted piece's type, NO_TYPE when the move is no promotion.
 constexpr int promotion_type(Move move) {
     if ((move & PROMOTION_MASK) == 0) return NO_TYPE;

@@ -9,6 +9,6 @@ namespace quon {
 
 // The first field that does not follow from `board`, the order of the lists left aside, or that no
 // position may hold; empty if all is well. Safe on a corrupted position.
-std::string_view verify(const Position& p);
+[[nodiscard]] std::string_view verify(const Position& p);
 
 }  // namespace quon

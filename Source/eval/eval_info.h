@@ -10,35 +10,6 @@
 
 namespace quon {
 
-constexpr int FULL_STAGE = 24;
-
-struct Score {
-    int op = 0;
-    int en = 0;
-
-    Score& operator+=(Score other) {
-        op += other.op;
-        en += other.en;
-        return *this;
-    }
-    Score& operator+=(Pair pair) {
-        op += pair.op;
-        en += pair.en;
-        return *this;
-    }
-    // The same amount in both halves.
-    Score& operator+=(int both) {
-        op += both;
-        en += both;
-        return *this;
-    }
-};
-
-constexpr int blend(int op, int en, int stage) {
-    return (op * (FULL_STAGE - stage) + en * stage) / FULL_STAGE;
-}
-constexpr int blend(Score score, int stage) { return blend(score.op, score.en, stage); }
-
 // One attacker of a type in `king_attackers`: three bits for each type's number.
 constexpr Table<int, 7> KING_ATTACKER_UNIT = {{0, 0, 1, 8, 64, 512, 0}};
 
@@ -47,10 +18,11 @@ constexpr int attackers_in(int packed, int type) { return packed / KING_ATTACKER
 // evaluate() fills it; what the steps add to starts at 0.
 struct EvalInfo {
     EvalInfo(const Position& p, const EvalTables& t, EvalNotes& n, EvalTrace* term_trace)
-        : position(p), tables(t), notes(n), trace(term_trace), king_attackers{} {}
+        : position(p), tables(t), terms(t.terms), notes(n), trace(term_trace), king_attackers{} {}
 
     const Position& position;
     const EvalTables& tables;
+    const EvalTerms& terms;
     EvalNotes& notes;
     EvalTrace* trace;
 

@@ -11,12 +11,13 @@ namespace {
 // The titles of each type's opening and ending table.
 constexpr const char* TYPE_NAMES[] = {"", "Pawn", "Knight", "Bishop", "Rook", "Queen", "King"};
 
-std::string values_text(const EvalTables& t) {
+std::string values_text(const EvalTerms& terms) {
     std::string text = "piece values=";
-    for (int type = PAWN; type <= QUEEN; ++type) {
-        text += format("  %d/%d", t.piece_value[type].op, t.piece_value[type].en);
+    for (const Pair value : {terms.pawn_value, terms.knight_value, terms.bishop_value,
+                             terms.rook_value, terms.queen_value}) {
+        text += format("  %d/%d", value.op, value.en);
     }
-    return text + format("\nbishop_pair= %d , %d\n\n", t.bishop_pair.op, t.bishop_pair.en);
+    return text + format("\nbishop_pair= %d , %d\n\n", terms.bishop_pair.op, terms.bishop_pair.en);
 }
 
 std::string danger_text(const EvalTables& t) {
@@ -49,11 +50,12 @@ std::string terms_text(const EvalTables& t) {
         text +=
             format("rank=%d,  ppawn=%3d, ppawnx=%3d\n", rank + 1, t.ppawn[rank], t.ppawnx[rank]);
     }
-    text += format("pawn_shield= %d\n", t.pawn_shield);
-    text += format("pawn_storm= %d\n", t.pawn_storm);
-    text += format("hung= %d/%d\n", t.hung.op, t.hung.en);
-    text += format("pinned= %d/%d\n", t.pinned.op, t.pinned.en);
-    return text + format("knight_outpost= %d\n", t.knight_outpost);
+    const EvalTerms& terms = t.terms;
+    text += format("pawn_shield= %d\n", terms.pawn_shield.op);
+    text += format("pawn_storm= %d\n", terms.pawn_storm.op);
+    text += format("hung= %d/%d\n", terms.hung.op, terms.hung.en);
+    text += format("pinned= %d/%d\n", terms.pinned.op, terms.pinned.en);
+    return text + format("knight_outpost= %d\n", terms.knight_outpost.op);
 }
 
 std::string square_table_text(const Table<Pair, 64>& table, i16 Pair::*phase) {
@@ -70,7 +72,7 @@ std::string square_table_text(const Table<Pair, 64>& table, i16 Pair::*phase) {
 }  // namespace
 
 std::string eval_tables_text(const EvalTables& t) {
-    std::string text = values_text(t) + danger_text(t) + mobility_text(t) + terms_text(t);
+    std::string text = values_text(t.terms) + danger_text(t) + mobility_text(t) + terms_text(t);
     for (int type = PAWN; type <= KING; ++type) {
         const std::string name = TYPE_NAMES[type];
         text += name + "Opening\n" + square_table_text(t.pst[type], &Pair::op);

@@ -167,41 +167,18 @@ void build_king_danger(Table<i16, 64>& danger, int percent) {
 }  // namespace
 
 void init_eval_tables(EvalTables& t, const EvalParams& params) {
+    t.terms = params;
     if (has_square_tables(params)) {
         t.pst = params.pst;
     } else {
         build_default_psts(t.pst, params.pst_scale);
     }
-    t.piece_value = {{{0, 0},
-                      params.pawn_value,
-                      params.knight_value,
-                      params.bishop_value,
-                      params.rook_value,
-                      params.queen_value,
-                      {0, 0}}};
-    t.bishop_pair = params.bishop_pair;
     build_mobility(t.knight_mobility, params.knight_mobility, 8, 0.7, 0.5);
     build_mobility(t.bishop_mobility, params.bishop_mobility, 14, 0.7, 0.4);
     build_mobility(t.rook_mobility, params.rook_mobility, 14, 0.7, 0.4);
     build_mobility(t.queen_mobility, params.queen_mobility, 28, 0.6, 0.4);
-    t.pawn_doubled = params.pawn_doubled;
-    t.pawn_backward = params.pawn_backward;
-    t.pawn_isolated = params.pawn_isolated;
-    t.pawn_weak = params.pawn_weak;
-    t.rook_open_file = params.rook_open_file;
-    t.rook_half_open_file = params.rook_half_open_file;
-    t.rook_rank7 = params.rook_rank7;
     build_passed_pawns(t, params);
     build_king_danger(t.KingDanger, params.king_safety.op);
-    t.hung = params.hung;
-    t.pinned = params.pinned;
-    t.contempt = params.contempt;
-    t.pawn_candidate = params.pawn_candidate.en;
-    t.knight_outpost = params.knight_outpost.op;
-    t.rook_trapped = params.rook_trapped.op;
-    t.queen_rank7 = params.queen_rank7.en;
-    t.pawn_shield = params.pawn_shield.op;
-    t.pawn_storm = params.pawn_storm.op;
 }
 
 }  // namespace quon

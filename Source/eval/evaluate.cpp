@@ -3,6 +3,7 @@
 #include "eval/evaluate.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/keys.h"
 #include "eval/eval_info.h"
@@ -57,21 +58,14 @@ int phase_of(u32 sig) {
     return std::min(phase, MAX_PHASE);
 }
 
-template <int Type>
-void add_count(Score& score, const EvalTables& t, u32 sig) {
-    const int count = count_in<Type>(sig);
-    score.op += count * t.piece_value[Type].op;
-    score.en += count * t.piece_value[Type].en;
-}
-
-Score material_of(const EvalTables& t, u32 sig) {
+Score material_of(const EvalTerms& terms, u32 sig) {
     Score score;
-    add_count<PAWN>(score, t, sig);
-    add_count<KNIGHT>(score, t, sig);
-    add_count<BISHOP>(score, t, sig);
-    add_count<ROOK>(score, t, sig);
-    add_count<QUEEN>(score, t, sig);
-    if (count_in<BISHOP>(sig) >= 2) score += t.bishop_pair;
+    score += terms.pawn_value * count_in<PAWN>(sig);
+    score += terms.knight_value * count_in<KNIGHT>(sig);
+    score += terms.bishop_value * count_in<BISHOP>(sig);
+    score += terms.rook_value * count_in<ROOK>(sig);
+    score += terms.queen_value * count_in<QUEEN>(sig);
+    if (count_in<BISHOP>(sig) >= 2) score += terms.bishop_pair;
     if ((sig & ~u32{15}) == SIG_UNIT[QUEEN]) score.en += LONE_QUEEN_EN;
     return score;
 }
@@ -79,7 +73,7 @@ Score material_of(const EvalTables& t, u32 sig) {
 void set_up_material(EvalInfo& info) {
     const Position& p = info.position;
     for (const int color : {WHITE, BLACK}) {
-        info.material[color] = material_of(info.tables, p.sig[color]);
+        info.material[color] = material_of(info.terms, p.sig[color]);
         info.phase[color] = phase_of(p.sig[color]);
     }
     info.stage = FULL_STAGE - info.phase[WHITE] - info.phase[BLACK];
@@ -95,9 +89,7 @@ void find_pawns(EvalState& state, EvalInfo& info, bool iterating) {
         fill_pawn_entry(info, entry);
     }
     info.pawns = &entry;
-    for (const int color : {WHITE, BLACK}) {
-        info.positional[color] = {entry.op[color], entry.en[color]};
-    }
+    for (const int color : {WHITE, BLACK}) info.positional[color] = entry.score[color];
 }
 
 template <int Color>
@@ -139,24 +131,20 @@ void evaluate_obstructed_pawns(EvalInfo& info) {
     info.positional[Color] += OBSTRUCTED_CENTRE_PAWN * popcount64(at_home);
 }
 
-// One half of the score, White's view. The sums of the terms are 16 bits wide.
-int half_score(int material, int white, int black) {
-    return material + (i16(white) - i16(black)) * 154 / 128;
+// White's sum less Black's. A colour's sum is 16 bits wide.
+Score difference(const Table<Score, 2>& sums) {
+    return Score(to_pair(sums[WHITE])) - Score(to_pair(sums[BLACK]));
 }
 
+// White's view.
 int blended_score(const EvalInfo& info) {
-    const Score& white = info.positional[WHITE];
-    const Score& black = info.positional[BLACK];
-    const int op = i16(info.material[WHITE].op) - i16(info.material[BLACK].op);
-    const int en = i16(info.material[WHITE].en) - i16(info.material[BLACK].en);
-    return blend(half_score(op, white.op, black.op), half_score(en, white.en, black.en),
-                 info.stage);
+    return blend(difference(info.material) + difference(info.positional) * 154 / 128, info.stage);
 }
 
 // White's view: a bonus for the side at the root that grows with the material of the side that
 // should avoid the draw.
 int contempt_score(const EvalState& state, const Position& p) {
-    const int contempt = state.tables.contempt;
+    const int contempt = state.tables.terms.contempt;
     if (contempt == 0 || !state.contempt_active) return 0;
     const int holder = contempt > 0 ? state.root_side : state.root_side ^ 1;
     const int material = std::min(2 * pawn_count(p, holder), 12) + std::max(p.npm[holder] - 3, 0);
@@ -177,6 +165,8 @@ void trace_result(const EvalInfo& info, double factor) {
 }  // namespace
 
 int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCall& call) {
+    assert(p.board[king_square(p, WHITE)] == make_piece(WHITE, KING));
+    assert(p.board[king_square(p, BLACK)] == make_piece(BLACK, KING));
     if (call.in_check) return EVAL_IN_CHECK;
 
     int score = 0;

@@ -56,6 +56,7 @@ struct EvalCall {
 constexpr int EVAL_IN_CHECK = -10000;
 
 // Centipawns from the side to move's point of view; the position must be one that can be searched.
-int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCall& call);
+[[nodiscard]] int evaluate(EvalState& state, const Position& p, EvalNotes& notes,
+                           const EvalCall& call);
 
 }  // namespace quon

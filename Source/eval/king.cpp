@@ -118,17 +118,17 @@ template <int Color>
 void add_king_safety(EvalInfo& info, int king, Score& score) {
     constexpr int ENEMY = Color ^ 1;
     const Position& p = info.position;
-    const EvalTables& t = info.tables;
+    const EvalTerms& terms = info.terms;
     const int centre = SHIELD_CENTRE[file_of(king)];
 
     const int shield = shield_strength<Color>(p.bb[Color][PAWN], king, centre);
-    score.op += t.pawn_shield * (shield - FULL_SHIELD) / SHIELD_DIVISOR;
+    score.op += terms.pawn_shield.op * (shield - FULL_SHIELD) / SHIELD_DIVISOR;
 
     int storm = 2 * exposed(relative_square(Color, king));
     const int apart = centre - file_of(king_square(p, ENEMY));
     if (apart > 2 || apart < -2) {
         const int files = stormed_files<Color>(p.bb[ENEMY][PAWN], centre);
-        score.op += t.pawn_storm * files;
+        score.op += terms.pawn_storm.op * files;
         storm += files;
     }
 
@@ -153,7 +153,7 @@ void add_king_safety(EvalInfo& info, int king, Score& score) {
     if (pressure.knight_check && knights == 0) units += FAR_PIECE_CHECK_UNITS;
 
     const int entry = units / UNITS_PER_ENTRY - (p.side == Color ? OWN_MOVE_ENTRIES : 0);
-    if (entry > 0) score.op -= t.KingDanger[std::min(entry, 63)];
+    if (entry > 0) score.op -= info.tables.KingDanger[std::min(entry, 63)];
 }
 
 template <int Color>

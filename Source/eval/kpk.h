@@ -18,8 +18,8 @@ struct KpkPosition {
 };
 
 // +800 or -800 from the side to move's view when the pawn's side wins, 0 for a draw.
-int kpk_probe(const KpkPosition& squares);
+[[nodiscard]] int kpk_probe(const KpkPosition& squares);
 // The same for a position with one pawn and no other piece but the kings.
-int kpk_probe(const Position& p, int side);
+[[nodiscard]] int kpk_probe(const Position& p, int side);
 
 }  // namespace quon

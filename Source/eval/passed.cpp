@@ -108,7 +108,7 @@ void evaluate_candidates_of(EvalInfo& info) {
         if (p.board[front] != 0) continue;
         const int progress =
             32 * (relative_rank(Color, square) - 2) + 24 * king_distance[enemy_king][front];
-        add_score<Color>(info, square, {0, info.tables.pawn_candidate * progress / 256});
+        add_score<Color>(info, square, {0, info.terms.pawn_candidate.en * progress / 256});
     }
 }
 

@@ -71,7 +71,8 @@ bool is_candidate(const PawnSets& sets, int square) {
 
 template <int Color>
 void walk_pawns(const EvalInfo& info, PawnEntry& entry, const PawnSets& sets) {
-    const EvalTables& t = info.tables;
+    const EvalTerms& terms = info.terms;
+    const auto& pst = info.tables.pst[PAWN];
     const Bitboard outposts = OUTPOST_RANKS<Color> & ~entry.span[Color ^ 1] & ~entry.passed;
     Score sum;
     unsigned files = 0;
@@ -84,12 +85,12 @@ void walk_pawns(const EvalInfo& info, PawnEntry& entry, const PawnSets& sets) {
         files |= 1U << file_of(square);
 
         Score score;
-        score += t.pst[PAWN][seen];
-        if (more_than_one(sets.own & file)) score += t.pawn_doubled;
+        score += pst[seen];
+        if (more_than_one(sets.own & file)) score += terms.pawn_doubled;
         if (!has(entry.span[Color], square + forward(Color))) {
-            if (rank < 4) score += t.pawn_backward;
-            if (!(sets.own & adjacent_files(square))) score += t.pawn_isolated;
-            if (open_ahead) score += t.pawn_weak;
+            if (rank < 4) score += terms.pawn_backward;
+            if (!(sets.own & adjacent_files(square))) score += terms.pawn_isolated;
+            if (open_ahead) score += terms.pawn_weak;
         }
         if (has(sets.beside, square)) score += PHALANX_BONUS[rank];
         if (has(sets.own_attacks, square)) score += SUPPORT_BONUS[seen];
@@ -102,8 +103,7 @@ void walk_pawns(const EvalInfo& info, PawnEntry& entry, const PawnSets& sets) {
         if (info.trace)
             trace_piece(*info.trace, Color, TRACE_PAWNS, square, blend(score, info.stage));
     }
-    entry.op[Color] = i16(sum.op);
-    entry.en[Color] = i16(sum.en);
+    entry.score[Color] = to_pair(sum);
     entry.files[Color] = u16(files);
 }
 

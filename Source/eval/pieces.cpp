@@ -87,7 +87,7 @@ void evaluate_knights(EvalInfo& info) {
     const auto add_terms = [&](Score& score, const Piece& knight) {
         if (knight.near_king) score += KNIGHT_NEAR_KING;
         score.en += info.knight_pawn_bonus;
-        const int outpost = info.tables.knight_outpost;
+        const int outpost = info.terms.knight_outpost.op;
         if (has(outposts, knight.square)) {
             score.op += outpost;
             if (has(info.attacks[Color][PAWN], knight.square)) score.op += outpost / 2;
@@ -109,8 +109,7 @@ void evaluate_bishops(EvalInfo& info) {
         if (has(info.outposts[Color], bishop.square)) score.op += BISHOP_OUTPOST_OP;
         const Bitboard squares = has(LIGHT_SQUARES, bishop.square) ? LIGHT_SQUARES : ~LIGHT_SQUARES;
         const int blocked = popcount64(info.blocked_pawns[Color] & squares);
-        score.op += BISHOP_BLOCKED_PAWN.op * blocked;
-        score.en += BISHOP_BLOCKED_PAWN.en * blocked;
+        score += BISHOP_BLOCKED_PAWN * blocked;
         if (is_stuck<Color>(bishop)) score.op += STUCK_PIECE_OP;
     };
     walk_pieces<Color, BISHOP>(
@@ -121,7 +120,7 @@ void evaluate_bishops(EvalInfo& info) {
 template <int Color>
 void evaluate_rooks(EvalInfo& info) {
     constexpr int ENEMY = Color ^ 1;
-    const EvalTables& t = info.tables;
+    const EvalTerms& terms = info.terms;
     const auto& own = info.position.bb[Color];
     const Bitboard seen_through = info.occupancy & ~(own[ROOK] | own[QUEEN]);
     const auto add_terms = [&](Score& score, const Piece& rook) {
@@ -130,17 +129,18 @@ void evaluate_rooks(EvalInfo& info) {
         score += ROOK_FILE_AHEAD * popcount64(rook.attacks & file_ahead);
         if (!(info.pawns->files[Color] >> file & 1)) {
             const bool open = !(info.pawns->files[ENEMY] >> file & 1);
-            score += open ? t.rook_open_file : t.rook_half_open_file;
+            score += open ? terms.rook_open_file : terms.rook_half_open_file;
         } else if (rook.mobility < TRAPPED_ROOK_MOBILITY &&
                    (TRAPPING_FILES[file] & rank_mask(rank_of(rook.square)) &
                     (own[PAWN] | own[KING]))) {
-            score.op += t.rook_trapped;
+            score.op += terms.rook_trapped.op;
         }
-        if (relative_rank(Color, rook.square) == 6 && info.back_rank[Color]) score += t.rook_rank7;
+        if (relative_rank(Color, rook.square) == 6 && info.back_rank[Color])
+            score += terms.rook_rank7;
     };
     walk_pieces<Color, ROOK>(
-        info, t.rook_mobility, [&](int square) { return rook_attacks(square, seen_through); },
-        add_terms);
+        info, info.tables.rook_mobility,
+        [&](int square) { return rook_attacks(square, seen_through); }, add_terms);
 }
 
 template <int Color>
@@ -151,7 +151,7 @@ void evaluate_queens(EvalInfo& info) {
     const auto add_terms = [&](Score& score, const Piece& queen) {
         if (!(queen.attacks & info.king_files)) score += QUEEN_FAR_FROM_KINGS;
         if (relative_rank(Color, queen.square) == 6 && info.back_rank[Color]) {
-            score.en += info.tables.queen_rank7;
+            score.en += info.terms.queen_rank7.en;
         }
     };
     walk_pieces<Color, QUEEN>(

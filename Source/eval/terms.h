@@ -5,6 +5,7 @@
 #include "board/bitboard.h"
 #include "board/position.h"
 #include "board/types.h"
+#include "eval/score_pair.h"
 
 namespace quon {
 
@@ -28,8 +29,7 @@ struct PawnEntry {
     Table<Bitboard, 2> span;  // squares that the colour's pawns attack now or after advancing
     Bitboard passed;          // both colours
     Bitboard candidates;      // both colours
-    Table<i16, 2> op;
-    Table<i16, 2> en;
+    Table<Pair, 2> score;
     Table<u16, 2> files;  // files with a pawn of the colour, bit 0 = file a
 };
 
@@ -69,10 +69,11 @@ void evaluate_pins(EvalInfo& info);
 
 // True when the material decides; `score` is then final, from the side to move's view, and
 // notes.eval_final says that it is a dead draw. Adds to the trace, if there is one.
-bool material_shortcut(const Position& p, EvalNotes& notes, EvalTrace* trace, int& score);
+[[nodiscard]] bool material_shortcut(const Position& p, EvalNotes& notes, EvalTrace* trace,
+                                     int& score);
 
 // The factor in [0.05, 1.0] that the score, from the side to move's view, is worth. Needs the
 // attack maps of `info`.
-double scale_factor(const EvalInfo& info, int score);
+[[nodiscard]] double scale_factor(const EvalInfo& info, int score);
 
 }  // namespace quon

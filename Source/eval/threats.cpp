@@ -25,8 +25,7 @@ void evaluate_threats_to(EvalInfo& info) {
 
     const Bitboard piece_attacked = enemy[0] & ~enemy[PAWN];
     const int weak = popcount64(pieces[PAWN] & piece_attacked & own[0] & ~own[PAWN]);
-    score.op += WEAK_PAWN.op * weak;
-    score.en += WEAK_PAWN.en * weak;
+    score += WEAK_PAWN * weak;
 
     const Bitboard minors = pieces[KNIGHT] | pieces[BISHOP];
     const Bitboard by_minor = enemy[PAWN] | enemy[KNIGHT] | enemy[BISHOP];
@@ -36,8 +35,8 @@ void evaluate_threats_to(EvalInfo& info) {
     if (!hung) return;
     const int count = popcount64(hung);
     const int further = FURTHER_HUNG * (count * (count - 1) / 2);
-    score.op += info.tables.hung.op * count - further;
-    score.en += info.tables.hung.en * count - further;
+    score += info.terms.hung * count;
+    score += -further;
 
     int dearest = QUEEN;
     while (!(hung & pieces[dearest])) --dearest;
@@ -51,10 +50,8 @@ void evaluate_pins_of(EvalInfo& info) {
     const auto& own = info.position.bb[Color];
     const auto& enemy = info.position.bb[Color ^ 1];
     const int king = king_square(info.position, Color);
-    Bitboard blockers = lone_blockers(king,
-                                      (diag_lines[king] & (enemy[BISHOP] | enemy[QUEEN])) |
-                                          (orth_lines[king] & (enemy[ROOK] | enemy[QUEEN])),
-                                      info.occupancy);
+    Bitboard blockers =
+        lone_blockers(king, aligned_sliders(info.position, Color ^ 1, king), info.occupancy);
     if (own[QUEEN] && !more_than_one(own[QUEEN])) {
         const int queen = lsb_index(own[QUEEN]);
         blockers |= lone_blockers(
@@ -64,8 +61,7 @@ void evaluate_pins_of(EvalInfo& info) {
     const Bitboard pinned = blockers & own[0] & ~own[PAWN];
     if (!pinned) return;
     const int count = popcount64(pinned);
-    info.positional[Color].op += info.tables.pinned.op * count;
-    info.positional[Color].en += info.tables.pinned.en * count;
+    info.positional[Color] += info.terms.pinned * count;
     if (info.trace) info.trace->pinned |= pinned;
 }
 

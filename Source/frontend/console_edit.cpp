@@ -25,24 +25,12 @@ constexpr char HELP[] =
     "w  Pa2 Pb2 Kc2       white, pieces\n"
     "b  Pa7 Pb7 Kc7       black, pieces";
 
-int square_named(std::string_view name) {
-    if (name.size() < 2 || name[0] < 'a' || name[0] > 'h' || name[1] < '1' || name[1] > '8')
-        return NO_SQUARE;
-    return make_square(name[0] - 'a', name[1] - '1');
-}
-
-int type_of_letter(char letter) {
-    const char capital = char(std::toupper(static_cast<unsigned char>(letter)));
-    const std::size_t type = std::string_view(PIECE_LETTERS).find(capital, PAWN);
-    return type == std::string_view::npos ? NO_TYPE : int(type);
-}
-
 // Piece letter and square, such as "Kc2"; the first square that is none ends the line.
 void place_pieces(Position& p, int color, std::string_view tokens) {
     while (true) {
         const std::string_view token = take_token(tokens, " ");
         if (token.empty()) return;
-        const int type = type_of_letter(token[0]);
+        const int type = type_of_letter(char(std::toupper(static_cast<unsigned char>(token[0]))));
         if (type == NO_TYPE) continue;
         const int square = square_named(token.substr(1));
         if (square == NO_SQUARE) return;

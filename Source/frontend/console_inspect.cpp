@@ -77,14 +77,10 @@ void show_reductions(Engine& engine, const ConsoleLine&) {
         const char* name;
         int value;
     } values[] = {
-        {"FP_depth", engine.search_params.FP_depth},
-        {"FP_margin", engine.search_params.FP_margin},
-        {"SEP_depth", engine.search_params.SEP_depth},
-        {"SEP_margin", engine.search_params.SEP_margin},
-        {"NMP_depth", engine.search_params.NMP_depth},
-        {"LMP_depth", engine.search_params.LMP_depth},
-        {"LMP_count", engine.search_params.LMP_count},
-        {"LMR_depth", engine.search_params.LMR_depth},
+        {"FP_depth", engine.params.FP_depth},   {"FP_margin", engine.params.FP_margin},
+        {"SEP_depth", engine.params.SEP_depth}, {"SEP_margin", engine.params.SEP_margin},
+        {"NMP_depth", engine.params.NMP_depth}, {"LMP_depth", engine.params.LMP_depth},
+        {"LMP_count", engine.params.LMP_count}, {"LMR_depth", engine.params.LMR_depth},
     };
     std::string text;
     for (const auto& row : values) text += format("%s= %d\n", row.name, row.value);

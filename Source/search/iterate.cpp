@@ -37,8 +37,9 @@ void prepare_evaluation(EvalState& state, const EvalTables& tables, bool contemp
                         int root_side) {
     static_assert(std::has_unique_object_representations_v<EvalTables>);
     const bool same_tables = std::memcmp(&state.tables, &tables, sizeof tables) == 0;
-    const bool same_contempt = tables.contempt == 0 || (state.contempt_active == contempt_active &&
-                                                        state.root_side == root_side);
+    const bool same_contempt =
+        tables.terms.contempt == 0 ||
+        (state.contempt_active == contempt_active && state.root_side == root_side);
     if (!same_tables || !same_contempt) {
         state.pawn_hash = {};
         state.eval_hash = {};

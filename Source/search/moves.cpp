@@ -18,6 +18,7 @@
 // may be the only one.
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/legality.h"
 #include "board/make.h"
@@ -77,22 +78,21 @@ struct Candidate {
 
 MoveLoop start_loop(const Node& node, int depth, int alpha, int beta) {
     ThreadData& t = node.t;
-    const SearchParams& search_params = t.shared->search_params;
+    const EvalParams& params = t.shared->params;
     PlyRecord& record = node.record;
     record.move_count = 0;
     record.stage = PickStage::START;
-    return {.node = node,
-            .t = t,
-            .record = record,
-            .depth = depth,
-            .beta = beta,
-            .lmp_ok = depth <= search_params.LMP_depth && !node.in_check && !record.in_iid &&
-                      node.zero_window,
-            .lmr_ok = depth >= search_params.LMR_depth && !node.in_check &&
-                      node.ply + depth > t.iteration / 2,
-            .lmp_limit = std::max(search_params.LMP_count * depth, LEAST_LMP_COUNT),
-            .ext_acc = t.ext_acc,
-            .alpha = alpha};
+    return {
+        .node = node,
+        .t = t,
+        .record = record,
+        .depth = depth,
+        .beta = beta,
+        .lmp_ok = depth <= params.LMP_depth && !node.in_check && !record.in_iid && node.zero_window,
+        .lmr_ok = depth >= params.LMR_depth && !node.in_check && node.ply + depth > t.iteration / 2,
+        .lmp_limit = std::max(params.LMP_count * depth, LEAST_LMP_COUNT),
+        .ext_acc = t.ext_acc,
+        .alpha = alpha};
 }
 
 // 1. Late-move pruning: only threats and well-ordered moves are worth a search.
@@ -204,6 +204,7 @@ int finish_loop(MoveLoop& loop) {
 }  // namespace
 
 int search_moves(const Node& node, int depth, int alpha, int beta) {
+    assert(alpha < beta);
     ThreadData& t = node.t;
     Position& p = t.position;
     MoveLoop loop = start_loop(node, depth, alpha, beta);

@@ -20,23 +20,21 @@
 //   12  singular extension: the hash move is better than all others by a margin
 //   13  the moves (moves.cpp): late-move pruning, extensions, reductions
 //
-// 7 to 10 are guesses: they need a zero window, because an open one wants a line and an exact
-// score; a side with pieces, because in pawn endings having to move can be a burden (zugzwang); and
-// a table that does not predict the opposite. Razoring and reverse futility save most where most
-// nodes are, on the last three plies; ProbCut and the null move pay for their own search with whole
-// subtrees further up. In check 7, 8 and 10 are out: the evaluation says nothing there.
+// 7 to 12 are in pruning.cpp. 7 to 10 are guesses: they need a zero window, because an open one
+// wants a line and an exact score; a side with pieces, because in pawn endings having to move can
+// be a burden (zugzwang); and a table that does not predict the opposite. Razoring and reverse
+// futility save most where most nodes are, on the last three plies; ProbCut and the null move pay
+// for their own search with whole subtrees further up. In check 7, 8 and 10 are out: the evaluation
+// says nothing there.
 
 #include "search/node.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/draw.h"
-#include "board/legality.h"
-#include "board/make.h"
-#include "board/see.h"
 #include "search/depths.h"
-#include "search/history.h"
-#include "search/picker.h"
+#include "search/pruning.h"
 #include "search/score.h"
 #include "search/search.h"
 #include "search/searcher.h"
@@ -48,37 +46,8 @@ namespace quon {
 namespace {
 
 // Margins are centipawns, depths plies.
-constexpr int TWOFOLD_PLY = 4;      // from here on one earlier occurrence is a draw
-constexpr int TT_PV_PLY = 11;       // open-window nodes up to here take no cut-offs from the table
-constexpr int MINOR_PIECE_NPM = 3;  // one minor piece's material
-
-constexpr int REVERSE_FUTILITY_MARGIN = 25;  // on top of half the threat against the side
-constexpr int SAFE_DEPTH = 3;                // below: also without the full margin if nothing hangs
-constexpr int SAFE_MARGIN = 99;
-
-constexpr int PROBCUT_DEPTH = 4;  // above
-constexpr int PROBCUT_REDUCTION = 3;
-constexpr int PROBCUT_EVAL_MARGIN = 24;
-constexpr int PROBCUT_MARGIN = 125;
-constexpr int PROBCUT_EXCHANGE = 99;  // a capture must win more than this
-
-constexpr int NULL_MOVE_MARGIN = 11;
-constexpr int NULL_MOVE_R = 3;
-constexpr int NULL_MOVE_DEEP_R = 4;  // at depths above NULL_MOVE_DEEP_DEPTH with pieces enough
-constexpr int NULL_MOVE_DEEP_DEPTH = 7;
-constexpr int NULL_MOVE_DEEP_NPM = 5;
-constexpr int NULL_MOVE_TRUSTED_DEPTH = 5;  // up to here the cut-off is not verified
-constexpr int NULL_MOVE_VERIFY_REDUCTION = 5;
-
-constexpr int IID_DEPTH = 4;  // from here on
-constexpr int IID_DEEP_DEPTH = 7;
-constexpr int IID_ZERO_WINDOW_REDUCTION = 5;
-constexpr int IID_PV_REDUCTION = 3;
-constexpr int IID_MARGIN = 199;
-
-constexpr int SINGULAR_DEPTH = 7;  // above
-constexpr int SINGULAR_REDUCTION = 7;
-constexpr int SINGULAR_MARGIN = 50;
+constexpr int TWOFOLD_PLY = 4;  // from here on one earlier occurrence is a draw
+constexpr int TT_PV_PLY = 11;   // open-window nodes up to here take no cut-offs from the table
 
 constexpr u64 NODE_GRACE = 100000;  // beyond the node limit, for a search without a move of depth 2
 constexpr u64 KEEP_ON_NODES = 8192;  // between two looks of a search on the main thread, some 5 ms
@@ -154,159 +123,6 @@ void tt_predict(Node& node) {
     node.tt_fail_high = node.tt.score >= node.beta && node.tt.bound != UPPER_BOUND;
 }
 
-// 7. Razoring: so far below alpha near the horizon that only captures could help; if they do not,
-// their score is the node's.
-bool razoring(const Node& node, int& score) {
-    const SearchParams& search_params = node.t.shared->search_params;
-    const bool hopeless = node.depth <= search_params.FP_depth &&
-                          node.eval <= node.alpha - search_params.FP_margin * node.depth &&
-                          node.zero_window && !node.tt_fail_high &&
-                          node.enemy_npm() > MINOR_PIECE_NPM;
-    if (!hopeless) return false;
-    score = qsearch(node.t, node.ply, node.depth, node.alpha, node.beta, node.zero_window);
-    return score <= node.alpha;
-}
-
-// True if no piece of the side to move is en prise by more than what its evaluation has to spare.
-bool threats_safe(const Position& p, int eval, int beta) {
-    Bitboard pieces = p.bb[p.side][0] & ~p.bb[p.side][KING];
-    while (pieces) {
-        const int loss = see(p, p.side ^ 1, NO_SQUARE, pop_square(pieces));
-        if (loss >= 1 && eval - loss <= beta + SAFE_MARGIN) return false;
-    }
-    return true;
-}
-
-// 8. Reverse futility pruning, also called static null move: so far above beta near the horizon
-// that a quiet reply will not catch up.
-bool static_eval_pruning(const Node& node) {
-    const SearchParams& search_params = node.t.shared->search_params;
-    const int threat = node.record.threat[node.position().side];
-    const bool comfortable = node.depth <= search_params.SEP_depth &&
-                             node.eval >= node.beta + threat / 2 + REVERSE_FUTILITY_MARGIN &&
-                             !node.tt_fail_low && node.zero_window &&
-                             node.own_npm() > MINOR_PIECE_NPM;
-    if (!comfortable) return false;
-    if (node.eval >= node.beta + search_params.SEP_margin * node.depth) return true;
-    return node.depth < SAFE_DEPTH && threats_safe(node.position(), node.eval, node.beta);
-}
-
-// True if some capture refutes the node at the threshold in a search of `depth` plies.
-bool probcut_test(ThreadData& t, int ply, int depth, int threshold) {
-    Position& p = t.position;
-    PlyRecord& record = t.plies[ply];
-    const KingGuard guard = king_guard(p, false);
-    list_captures(t, ply);
-    for (MoveEntry* entry = record.list_start; select_best(entry); ++entry) {
-        record.next_pick = entry;
-        if (!is_legal(p, entry->move, guard)) continue;
-        const int exchange = see(p, p.side, move_from(entry->move), move_to(entry->move));
-        if (exchange <= PROBCUT_EXCHANGE) continue;
-        trace_before_make(t, entry->move);
-        make_move(p, entry->move);
-        const int score = -search_node(t, ply + 1, depth - 1, -threshold, 1 - threshold, true);
-        unmake_move(p);
-        if (score >= threshold) return true;
-    }
-    return false;
-}
-
-// 9. ProbCut. Never in check: such a node's evaluation lies below every beta.
-bool probcut(const Node& node) {
-    return node.depth > PROBCUT_DEPTH && node.eval > node.beta + PROBCUT_EVAL_MARGIN &&
-           !node.tt_fail_low && node.zero_window && node.own_npm() > MINOR_PIECE_NPM &&
-           probcut_test(node.t, node.ply, node.depth - PROBCUT_REDUCTION,
-                        node.beta + PROBCUT_MARGIN);
-}
-
-// Game moves before the root are never null moves.
-bool after_null_move(const ThreadData& t, int ply) {
-    return t.undo[t.game_ply - 1].move == NO_MOVE ||
-           (ply > 2 && t.undo[t.game_ply - 2].move == NO_MOVE);
-}
-
-// 10. Null move: if even passing the turn holds beta in a search reduced by R plies, the node will:
-// at once near the horizon, after a shallower search of the node's own moves elsewhere.
-bool null_move(const Node& node, int& score) {
-    const bool tempting = node.depth >= node.t.shared->search_params.NMP_depth &&
-                          node.eval > node.beta + NULL_MOVE_MARGIN && !node.tt_fail_low &&
-                          !node.in_check && node.zero_window && node.own_npm() > 0 &&
-                          !after_null_move(node.t, node.ply);
-    if (!tempting) return false;
-    const bool deep = node.depth > NULL_MOVE_DEEP_DEPTH && node.own_npm() > NULL_MOVE_DEEP_NPM;
-    const int r = deep ? NULL_MOVE_DEEP_R : NULL_MOVE_R;
-    const int child_depth = std::max(node.depth - r - 1, 0);
-    ThreadData& t = node.t;
-    trace_before_make(t, NO_MOVE);
-    make_null_move(t.position);
-    node.record.next_pick = &NULL_ENTRY;
-    const int reply =
-        -search_node(t, node.ply + 1, child_depth, -node.beta, -node.alpha, node.zero_window);
-    unmake_null_move(t.position);
-    if (reply < node.beta) return false;
-    score =
-        node.depth <= NULL_MOVE_TRUSTED_DEPTH
-            ? node.beta
-            : search_moves(node, node.depth - NULL_MOVE_VERIFY_REDUCTION, node.alpha, node.beta);
-    return true;
-}
-
-int expected_value(const Node& node) {
-    if (node.tt_move_depth() < 1) return node.eval;
-    return node.tt.bound == UPPER_BOUND ? node.alpha : node.tt.score;
-}
-
-// 11. Internal iterative deepening: without a hash move worth the depth, a shallower search of this
-// node finds one. `expected` becomes its score; true when that already settles the node with
-// `score`.
-bool internal_iterative_deepening(const Node& node, int& expected, int& score) {
-    if (node.depth < IID_DEPTH) return false;
-    const int reduced = node.depth < IID_DEEP_DEPTH ? 1 : node.depth - IID_ZERO_WINDOW_REDUCTION;
-    const int target = node.zero_window ? reduced : node.depth - IID_PV_REDUCTION;
-    if (node.tt_move_depth() >= target || node.eval < node.alpha - IID_MARGIN) return false;
-
-    node.record.in_iid = true;
-    expected = search_moves(node, target, node.alpha, node.beta);
-    node.record.in_iid = false;
-    if (expected > node.alpha) {
-        node.record.hash_move = node.t.pv[node.ply][node.ply];
-    } else if (is_loss(expected)) {
-        score = node.alpha;
-        return true;
-    }
-    score = node.beta;
-    return is_win(expected) && expected >= node.beta;
-}
-
-// True if every other move stays at or below the threshold in a search of `depth` plies.
-bool singular_test(const Node& node, int depth, int threshold, Move move) {
-    ThreadData& t = node.t;
-    Position& p = t.position;
-    const KingGuard guard = king_guard(p, node.in_check);
-    if (!is_pseudo_legal(p, move) || !is_legal(p, move, guard)) return false;
-    node.record.stage = PickStage::START;
-    while (const MoveEntry* entry = next_move(t, node.ply, node.in_check)) {
-        if (entry->move == move || !is_legal(p, entry->move, guard)) continue;
-        trace_before_make(t, entry->move);
-        make_move(p, entry->move);
-        const int score =
-            -search_node(t, node.ply + 1, depth - 1, -threshold - 1, -threshold, true);
-        unmake_move(p);
-        if (score > threshold || stopped(t)) return false;
-    }
-    return true;
-}
-
-// 12. Singular extension: marks the node whose hash move stands alone; the move loop extends it.
-void mark_singular(const Node& node, int expected) {
-    const Move move = node.record.hash_move;
-    if (node.depth <= SINGULAR_DEPTH || move == NO_MOVE) return;
-    if (!node.t.shared->search_params.SingularExtension) return;
-    if (expected < node.beta || node.tt_move_depth() <= 0) return;
-    node.record.singular =
-        singular_test(node, node.depth - SINGULAR_REDUCTION, node.beta - SINGULAR_MARGIN, move);
-}
-
 }  // namespace
 
 void schedule_look(ThreadData& t) {
@@ -332,6 +148,8 @@ void extend_line(ThreadData& t, int ply) {
 }
 
 int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, bool zero_window) {
+    assert(alpha < beta);
+    assert(1 < ply && ply <= LAST_SEARCHED_PLY + 1);
     // 1. Count and stop.
     count_node(t, depth);
     if (stopped(t)) return 0;

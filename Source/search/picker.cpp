@@ -2,6 +2,7 @@
 
 #include "search/picker.h"
 
+#include <cassert>
 #include <utility>
 
 #include "board/legality.h"
@@ -112,6 +113,7 @@ bool loses_material(const Position& p, const MoveEntry& entry) {
 }
 
 void finish_list(ThreadData& t, int ply, MoveEntry* end) {
+    assert(end + 2 < t.move_buffer.end());
     terminate_list(end);
     t.plies[ply + 1].list_start = end + 1;
     t.plies[ply + 2].list_start = end + 2;

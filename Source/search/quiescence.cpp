@@ -12,6 +12,7 @@
 // tree is 3 and 4; a position with many mutual captures can still make it explode.
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/legality.h"
 #include "board/make.h"
@@ -51,26 +52,13 @@ MoveEntry* gen_quiet_checks(const Position& p, MoveEntry* out) {
     const int king = king_square(p, us ^ 1);
     const Bitboard occupancy = occupied(p);
     const Bitboard empty = ~occupancy;
-    const Bitboard diagonal = bishop_attacks(king, occupancy) & empty;
-    const Bitboard straight = rook_attacks(king, occupancy) & empty;
-
     out = add_pawn_pushes(p, out, pawn_attacks[us ^ 1][king] & empty);
     for (int type = KNIGHT; type <= QUEEN; ++type) {
         const int piece = make_piece(us, type);
+        const Bitboard checks = attacks_from(type, king, occupancy) & empty;
         for (const u8* square = p.plist[piece].begin(); *square != NO_SQUARE; ++square) {
-            const int from = *square;
-            Bitboard reach = 0;
-            Bitboard checks = diagonal | straight;
-            if (type == KNIGHT) {
-                reach = knight_attacks[from];
-                checks = knight_attacks[king] & empty;
-            }
-            if (type == BISHOP || type == QUEEN) reach |= bishop_attacks(from, occupancy);
-            if (type == ROOK || type == QUEEN) reach |= rook_attacks(from, occupancy);
-            if (type == BISHOP) checks = diagonal;
-            if (type == ROOK) checks = straight;
-            Bitboard targets = reach & checks;
-            while (targets) out = add_quiet(out, from, pop_square(targets), piece);
+            Bitboard targets = attacks_from(type, *square, occupancy) & checks;
+            while (targets) out = add_quiet(out, *square, pop_square(targets), piece);
         }
     }
     return add_pawn_pushes(p, out, relative_rank_mask(us, 6) & empty);
@@ -112,6 +100,7 @@ bool exempt_from_delta(const Position& p, const MoveEntry& entry) {
 int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, bool zero_window) {
     Position& p = t.position;
     PlyRecord& record = t.plies[ply];
+    assert(alpha < beta && record.static_eval != EVAL_IN_CHECK);
     // 1. Stand pat.
     const int eval = record.static_eval;
     if (eval >= beta) return beta;

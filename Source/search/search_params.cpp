@@ -22,8 +22,11 @@ constexpr double GROWTH = 0.3;                // plies per product of both logar
 constexpr double START = 0.4;                 // plies that the first growth does not count
 constexpr double ZERO_WINDOW_MORE = 1.2;      // plies
 
-void build_reductions(SearchParams& out) {
-    const double strength = 0.1 * std::sqrt(double(out.LMR_strength));
+}  // namespace
+
+void apply_search_params(SearchParams& out, const EvalParams& params) {
+    const double strength = 0.1 * std::sqrt(std::max<double>(params.LMR_strength, 0));
+    out = {};
     for (int depth = 3; depth < ReductionTable::size(); ++depth) {
         for (int moves = 2; moves < out.pv_reductions[depth].size(); ++moves) {
             const double grown = GROWTH * std::log(double(depth)) * std::log(double(moves)) - START;
@@ -35,26 +38,6 @@ void build_reductions(SearchParams& out) {
                 u8(std::min(zero_window, MAX_ZERO_WINDOW_REDUCTION));
         }
     }
-}
-
-}  // namespace
-
-void apply_search_params(SearchParams& search_params, const EvalParams& params) {
-    search_params = {
-        .NMP_depth = params.NMP_depth,
-        .SEP_depth = params.SEP_depth,
-        .SEP_margin = params.SEP_margin,
-        .FP_depth = params.FP_depth,
-        .FP_margin = params.FP_margin,
-        .LMP_depth = params.LMP_depth,
-        .LMP_count = params.LMP_count,
-        .LMR_depth = params.LMR_depth,
-        .LMR_strength = std::max<int>(params.LMR_strength, 0),
-        .SingularExtension = params.SingularExtension,
-        .pv_reductions = {},
-        .zero_window_reductions = {},
-    };
-    build_reductions(search_params);
 }
 
 }  // namespace quon

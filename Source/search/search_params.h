@@ -1,5 +1,5 @@
 #pragma once
-// The selectivity parameters as the search uses them, and the reduction tables made from them.
+// The reduction tables made from the parameters; the other ones the search reads as they are.
 
 #include "eval/eval_params.h"
 #include "support/integers.h"
@@ -11,13 +11,11 @@ namespace quon {
 using ReductionTable = Table<Table<u8, 32>, 70>;
 
 struct SearchParams {
-    int NMP_depth, SEP_depth, SEP_margin, FP_depth, FP_margin, LMP_depth, LMP_count, LMR_depth,
-        LMR_strength, SingularExtension;
     ReductionTable pv_reductions;
     ReductionTable zero_window_reductions;
 };
 
-// Copies the parameters and builds the tables.
+// Builds the tables.
 void apply_search_params(SearchParams& search_params, const EvalParams& params);
 
 }  // namespace quon

@@ -20,8 +20,9 @@ namespace quon {
 struct Searcher {
     SearchSettings settings;
     SearchLimits limits;  // of the next search
+    // The search reads its own fields: they change only while none is running. What is derived from
+    // the parameters is rebuilt only then, too.
     EvalParams params;
-    // Derived from params; no search may be running while they are rebuilt.
     EvalTables eval_tables;
     SearchParams search_params;
 

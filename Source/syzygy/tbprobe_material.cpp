@@ -5,12 +5,11 @@
 #include <string_view>
 
 #include "board/bitboard.h"
+#include "board/fen.h"
 
 namespace quon {
 
 namespace {
-
-constexpr std::string_view PIECE_LETTERS = " PNBRQK";  // by type
 
 // The bits of a mixing function.
 constexpr Table<u64, 16> make_piece_keys() {
@@ -39,7 +38,7 @@ TableMaterial material_of_name(std::string_view name) {
             color = BLACK;
             continue;
         }
-        ++material.counts[make_piece(color, int(PIECE_LETTERS.find(letter)))];
+        ++material.counts[make_piece(color, type_of_letter(letter))];
         ++material.pieces;
     }
     material.symmetric =

@@ -49,14 +49,11 @@ TEST(EvalTables, ParametersReachTheTables) {
     params.pst_scale[KNIGHT] = {21, 84};
     params.king_safety.op = 0;
     params.passed_pawn[1] = -10;  // 0.6 * 16 = 9.6
-    params.rook_trapped = {-31, 99};
-    params.queen_rank7 = {99, 11};
     params.knight_mobility = {100, -100};
     init_eval_tables(eval_tables, params);
     const EvalTables& t = eval_tables;
     EXPECT_EQ(format("%d %d", t.pst[KNIGHT][A1].op, t.pst[KNIGHT][A1].en), "-17 -70");  // truncated
     EXPECT_EQ(format("%d %d %d", t.KingDanger[63], t.ppawnx[0], t.ppawnx[1]), "0 -6 10");
-    EXPECT_EQ(format("%d %d", t.rook_trapped, t.queen_rank7), "-31 11");
     EXPECT_EQ(format("%d %d", t.knight_mobility[8].op, t.knight_mobility[8].en), "50 -50");
 
     // Own square tables replace the built-in ones only when complete.

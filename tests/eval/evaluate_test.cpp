@@ -56,8 +56,8 @@ TEST(Evaluate, CachesInAnIterationOnly) {
     // The root reads no scores, but pawns.
     EXPECT_EQ(score_and_counts(1, true), (std::vector<int>{score, 3, 1, 2, 1}));
     // Outside an iteration nothing is read: new tables act at once.
-    state->tables.piece_value[PAWN] = {500, 500};
-    state->tables.pawn_weak = {-50, -50};
+    state->tables.terms.pawn_value = {500, 500};
+    state->tables.terms.pawn_weak = {-50, -50};
     const int changed = evaluate_fresh(position_to_fen(p), state->tables).score;
     EXPECT_NE(changed, score);
     EXPECT_EQ(score_and_counts(2, false), (std::vector<int>{changed, 4, 1, 3, 1}));

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "eval/parameters.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/eval_support.h"
@@ -33,14 +34,20 @@ TEST(Terms, PawnOutpost) {
 }
 
 TEST(Terms, PiecesAndKings) {
+    EvalParams zero;
+    for (const Parameter& row : parameters()) {
+        if (row.pair) zero.*row.pair = {};
+    }
     EvalTables tables{};
-    tables.knight_outpost = 240;
-    tables.rook_rank7 = {240, 480};
-    tables.rook_open_file = {24, 48};
-    tables.rook_trapped = -240;
-    tables.queen_rank7 = 240;
-    tables.pawn_shield = 60;
-    tables.pawn_storm = -240;
+    EvalTerms& terms = tables.terms;
+    terms = zero;
+    terms.knight_outpost.op = 240;
+    terms.rook_rank7 = {240, 480};
+    terms.rook_open_file = {24, 48};
+    terms.rook_trapped.op = -240;
+    terms.queen_rank7.en = 240;
+    terms.pawn_shield.op = 60;
+    terms.pawn_storm.op = -240;
     expect_squares(
         tables,
         {

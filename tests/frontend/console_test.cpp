@@ -86,23 +86,23 @@ TEST_F(Console, Set) {
         int (*used)();  // by the search
         int value;
     } cases[] = {
-        {"set NMP_depth 5", "NMP_depth set to 5", [] { return search_params.NMP_depth; }, 5},
-        {"set SEP_depth 0", "SEP_depth set to 0", [] { return search_params.SEP_depth; }, 0},
-        {"set FP_depth 2x", "FP_depth set to 2", [] { return search_params.FP_depth; }, 2},
-        {"set LMP_depth", "LMP_depth set to 0", [] { return search_params.LMP_depth; }, 0},
-        {"set LMR_depth 4", "LMR_depth set to 4", [] { return search_params.LMR_depth; }, 4},
+        {"set NMP_depth 5", "NMP_depth set to 5", [] { return +params.NMP_depth; }, 5},
+        {"set SEP_depth 0", "SEP_depth set to 0", [] { return +params.SEP_depth; }, 0},
+        {"set FP_depth 2x", "FP_depth set to 2", [] { return +params.FP_depth; }, 2},
+        {"set LMP_depth", "LMP_depth set to 0", [] { return +params.LMP_depth; }, 0},
+        {"set LMR_depth 4", "LMR_depth set to 4", [] { return +params.LMR_depth; }, 4},
         {"set LMR_strength 0", "LMR_strength set to 0",
          [] { return int(search_params.pv_reductions[50][31]); }, 0},
         {"set LMR_strength 99999", "LMR_strength set to 32767",
          [] { return int(search_params.pv_reductions[50][31]); }, 2},
         {"set target_nps 1234.6", "target_nps set to 1235", [] { return +params.limit_strength; },
          1},
-        {"set ss_off", "selectivity set to OFF", [] { return search_params.LMR_depth; }, 99},
+        {"set ss_off", "selectivity set to OFF", [] { return +params.LMR_depth; }, 99},
         {"set target_nps", "target_nps set to 21", [] { return int(settings.target_nps.get()); },
          21},
         {"set", "selectivity set to default", [] { return +params.limit_strength; }, 0},
-        {"set ss_off 3", "selectivity set to OFF", [] { return search_params.NMP_depth; }, 99},
-        {"set lmr_depth 9", "selectivity set to default", [] { return search_params.NMP_depth; },
+        {"set ss_off 3", "selectivity set to OFF", [] { return +params.NMP_depth; }, 99},
+        {"set lmr_depth 9", "selectivity set to default", [] { return +params.NMP_depth; },
          default_params.NMP_depth},
     };
     for (const auto& c : cases) {

@@ -29,7 +29,7 @@ int evaluate_contempt(std::string_view fen, int contempt, int root_side, bool ac
     const auto state = make_eval_state();
     state->contempt_active = active;
     state->root_side = root_side;
-    state->tables.contempt = i16(contempt);
+    state->tables.terms.contempt = i16(contempt);
     return evaluate_traced(*state, make_game(fen)->position).score;
 }
 
