@@ -49,12 +49,18 @@ Bitboard attackers_by_steps(const Position& p, int square, int by_side);
 // What the call writes to standard output.
 std::string captured_output(const std::function<void()>& call);
 
-// Lines of a file below the shared directory, without line ends; empty when it is not there.
+// Reference data are in tests/data, and more of them in the folder beside the checkout where that
+// exists. Names are those of that folder: "/data/..." and "/reference/...".
+//
+// The file in the repository, or else in that folder; "" if it is in neither.
+std::string data_file(const std::string& name);
+// All files of a folder in both.
+std::vector<std::string> data_files(const std::string& folder);
+// The lines of the file in the repository and those that only the folder's has, without line ends.
 std::vector<std::string> shared_lines(const std::string& name);
 
 // Compares each row of "/reference/NAME.csv", "FEN;cell;cell ...", with the cells that `row` makes
-// of the position; it may make fewer, and "*" stands for any. Skips the test when the file is
-// missing.
+// of the position; it may make fewer, and "*" stands for any.
 using CellMaker = std::function<std::vector<std::string>(const Position&)>;
 void expect_reference(const std::string& name, const CellMaker& row);
 

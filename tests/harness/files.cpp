@@ -1,6 +1,7 @@
 #include "harness/files.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -21,6 +22,32 @@ std::string read_file(const std::string& path) {
 
 void make_pipe(const std::string& path) {
     if (mkfifo(path.c_str(), 0600) != 0) std::abort();
+}
+
+Directory::Directory(bool entered) : path_(std::filesystem::temp_directory_path() / "quon-XXXXXX") {
+    if (mkdtemp(path_.data()) == nullptr) std::abort();
+    if (!entered) return;
+    left_ = std::filesystem::current_path();
+    std::filesystem::current_path(path_);
+}
+
+Directory::~Directory() {
+    std::error_code error;
+    if (!left_.empty()) std::filesystem::current_path(left_, error);
+    std::filesystem::remove_all(path_, error);
+}
+
+void Directory::write(const std::string& name, const std::string& bytes) const {
+    write_file(path(name), bytes);
+}
+
+std::string Directory::read(const std::string& name) const { return read_file(path(name)); }
+
+bool Directory::make_full(const std::string& name) const {
+    std::error_code error;
+    if (!std::filesystem::exists("/dev/full", error)) return false;
+    std::filesystem::create_symlink("/dev/full", path(name), error);
+    return !error;
 }
 
 FullDisk::FullDisk(rlim_t bytes) {

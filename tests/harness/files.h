@@ -1,8 +1,9 @@
 #pragma once
-// Files that tests write and read whole.
+// Files that tests write and read whole, and directories for them.
 
 #include <sys/resource.h>
 
+#include <filesystem>
 #include <string>
 
 namespace quon::test {
@@ -10,6 +11,27 @@ namespace quon::test {
 void write_file(const std::string& path, const std::string& bytes);
 std::string read_file(const std::string& path);  // empty when it is not there
 void make_pipe(const std::string& path);         // whoever opens it waits for the other end
+
+// A temporary directory that goes with everything in it. When it is `entered`, it is the working
+// directory for its life.
+class Directory {
+public:
+    explicit Directory(bool entered = false);
+    Directory(const Directory&) = delete;
+    Directory& operator=(const Directory&) = delete;
+    ~Directory();
+
+    const std::string& path() const { return path_; }
+    std::string path(const std::string& name) const { return path_ + "/" + name; }
+    void write(const std::string& name, const std::string& bytes) const;
+    std::string read(const std::string& name) const;  // "" if it is not there
+    // Makes a file for whose content there is no room; false where the system has no such device.
+    bool make_full(const std::string& name) const;
+
+private:
+    std::string path_;
+    std::filesystem::path left_;  // the working directory before; empty if it was not entered
+};
 
 // For its life, and that of a child process started meanwhile, no file can grow beyond so many
 // bytes: a full disk, as far as a program can tell.

@@ -33,7 +33,7 @@ const Lines E4_LINES = {"info string   move  result    wins losses  draws",
 
 TEST_F(BookSession, OwnBook) {
     small_book();
-    Session session({"-nolog"}, directory.path);
+    Session session({"-nolog"}, directory.path());
     EXPECT_TRUE(names_move(session.best_move({"go depth 2"})));  // it is off
     EXPECT_EQ(session.answers({"setoption name OwnBook value true"}),
               Lines{"info string OwnBook set to true"});
@@ -62,7 +62,7 @@ TEST_F(BookSession, Depth) {
     }
     records.push_back(record_of(game_after("g1f3 g8f6")->position, 0, 9, 0));
     write_file("quon.opn", bytes_of(in_order(records)));
-    Session session({"-nolog"}, directory.path);
+    Session session({"-nolog"}, directory.path());
     session.send({"setoption name OwnBook value true"});
     for (const auto& [game, book] : std::initializer_list<std::pair<std::string, bool>>{
              {shuffle, true}, {shuffle + "g1f3", false}}) {
@@ -73,19 +73,17 @@ TEST_F(BookSession, Depth) {
 
 TEST_F(BookSession, BookThatCannotBeRead) {
     write_file("quon.rc", "QuonBook = mine.opn\n");
-    Session session({"-nolog"}, directory.path);
+    Session session({"-nolog"}, directory.path());
     const Lines lines = session.answers({"setoption name OwnBook value true"});
     EXPECT_TRUE(contains(lines, "info string book file mine.opn cannot be read"));
     EXPECT_TRUE(names_move(session.best_move({"go depth 1"})));
 }
 
-// Plays against itself from the largest collection, in the book and out of it.
+// Plays against itself from a collection, in the book and out of it.
 TEST_F(BookSession, RealBook) {
-    const std::string games = QUON_SHARED_DIR "/data/pgn/engine-games.pgn";
-    if (!std::filesystem::exists(games)) GTEST_SKIP() << "no games";
-    std::filesystem::copy_file(games, "book.pgn");
+    std::filesystem::copy_file(data_file("/data/pgn/engine-openings.pgn"), "book.pgn");
     {
-        Session console({"-c", "-nolog"}, directory.path);
+        Session console({"-c", "-nolog"}, directory.path());
         console.send({"mkbook", "quit"});
         const Ending ending = console.wait();
         EXPECT_EQ(ending.lines.back(), "done");
@@ -112,7 +110,7 @@ TEST_F(BookSession, RealBook) {
         }
         return false;
     };
-    Session session({"-nolog"}, directory.path);
+    Session session({"-nolog"}, directory.path());
     session.send({"setoption name OwnBook value true"});
     for (int round = 0; round < scaled(5); ++round) {
         const auto game = make_game(START_FEN);
@@ -140,7 +138,7 @@ TEST_F(BookSession, RealBook) {
 
 TEST_F(BookSession, Console) {
     small_book();
-    Session session({"-c", "-nolog"}, directory.path);
+    Session session({"-c", "-nolog"}, directory.path());
     session.read_to("info string et=");
     session.send({"book", "quit"});
     const Lines lines = session.wait().lines;

@@ -53,13 +53,13 @@ TEST(Protocol, TablebasesOfTheParameterFile) {
     const TableDirectory directory;
     directory.write("KQvK.rtbw", "");
     for (const bool named : {true, false}) {
-        directory.write("quon.rc", named ? "SyzygyPath " + directory.path + "\n" : "");
-        Session session({"-nolog"}, directory.path);
+        directory.write("quon.rc", named ? "SyzygyPath " + directory.path() + "\n" : "");
+        Session session({"-nolog"}, directory.path());
         session.read_to("info string et=");
         EXPECT_EQ(session.answers({}), named ? Lines{"info string found 1 tablebases"} : Lines{});
         EXPECT_TRUE(contains(
             session.answers({"uci"}),
-            "option name SyzygyPath type string default " + (named ? directory.path : "")));
+            "option name SyzygyPath type string default " + (named ? directory.path() : "")));
     }
 }
 

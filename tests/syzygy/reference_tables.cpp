@@ -2,12 +2,14 @@
 
 #include "syzygy/reference_tables.h"
 
-#include "harness/board_support.h"
 #include "search/tablebases.h"
+#include "syzygy/tbprobe_position.h"
 
 namespace quon::test {
 
-std::string table_directory() { return QUON_SHARED_DIR "/data/syzygy"; }
+std::string table_directories() {
+    return QUON_SOURCE_DIR "/tests/data/syzygy;" QUON_SHARED_DIR "/data/syzygy";
+}
 
 std::vector<ReferenceRow> reference_rows() {
     std::vector<ReferenceRow> rows;
@@ -21,8 +23,8 @@ std::vector<ReferenceRow> reference_rows() {
     return rows;
 }
 
-LoadedTables::LoadedTables(const std::string& path) {
-    captured_output([&path] { tb_init(path); });
+LoadedTables::LoadedTables() {
+    captured_output([] { tb_init(table_directories()); });
 }
 
 LoadedTables::~LoadedTables() { tb_init(""); }
@@ -60,5 +62,27 @@ ProbePosition colors_exchanged(const ProbePosition& p) {
 }
 
 ProbePosition mirrored(const ProbePosition& p) { return reflected(p, 7); }
+
+ProbePosition random_position(const std::string& name, Random& random) {
+    while (true) {
+        ProbePosition p{};
+        p.turn = u8(pick(random, 2));
+        p.rule50 = u8(pick(random, 101));
+        Bitboard* side = pick(random, 2) ? &p.white : &p.black;
+        for (const char letter : name) {
+            if (letter == 'v') {
+                side = side == &p.white ? &p.black : &p.white;
+                continue;
+            }
+            Bitboard* const sets[] = {&p.kings,   &p.queens,  &p.rooks,
+                                      &p.bishops, &p.knights, &p.pawns};
+            const Bitboard square = bit(pick(random, 64));
+            *side |= square;
+            *sets[std::string("KQRBNP").find(letter)] |= square;
+        }
+        if (popcount64(p.white | p.black) != std::ssize(name) - 1) continue;  // two on a square
+        if (well_formed(p) && !waiting_in_check(p)) return p;
+    }
+}
 
 }  // namespace quon::test

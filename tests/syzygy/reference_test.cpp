@@ -7,26 +7,21 @@
 namespace quon::test {
 namespace {
 
-void expect_values(const ProbePosition& position, const ReferenceRow& row) {
-    int success = 0;
-    ASSERT_EQ(tb_probe_wdl(position, success), row.wdl);
-    ASSERT_NE(success, 0);
-    if (!row.dtz) return;
-    ASSERT_EQ(tb_probe_dtz(position, success), *row.dtz);
-    ASSERT_NE(success, 0);
-}
-
 TEST(TablebaseReference, NoDifference) {
-    const std::vector<ReferenceRow> rows = reference_rows();
-    if (rows.empty()) GTEST_SKIP() << "reference.csv is not there";
     const LoadedTables tables;
+    const std::vector<ReferenceRow> rows = reference_rows();
+    ASSERT_GE(rows.size(), 400U);
     for (const ReferenceRow& row : rows) {
         SCOPED_TRACE(row.fen);
         const ProbePosition position = probe_of(row.fen);
         for (const ProbePosition& seen :
              {position, colors_exchanged(position), mirrored(position)}) {
-            expect_values(seen, row);
-            if (testing::Test::HasFatalFailure()) return;
+            int success = 0;
+            ASSERT_EQ(tb_probe_wdl(seen, success), row.wdl);
+            ASSERT_NE(success, 0);
+            if (!row.dtz) continue;
+            ASSERT_EQ(tb_probe_dtz(seen, success), *row.dtz);
+            ASSERT_NE(success, 0);
         }
     }
 }

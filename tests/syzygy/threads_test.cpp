@@ -15,7 +15,6 @@ constexpr int PROBING_THREADS = 6;
 
 TEST(TablebaseThreads, ProbeDuringLoading) {
     const std::vector<ReferenceRow> rows = reference_rows();
-    if (rows.empty()) GTEST_SKIP() << "reference.csv is not there";
     std::vector<ProbePosition> positions;
     for (const ReferenceRow& row : rows) positions.push_back(probe_of(row.fen));
 
@@ -28,7 +27,7 @@ TEST(TablebaseThreads, ProbeDuringLoading) {
             while (ready != PROBING_THREADS) std::this_thread::yield();
             // One after another through the endings, two threads each in the same order.
             const std::size_t start = rows.size() / 3 * std::size_t(index % 3);
-            for (std::size_t i = 0; i < rows.size(); i += 31) {
+            for (std::size_t i = 0; i < rows.size(); i += rows.size() / 100) {
                 const std::size_t at = (start + i) % rows.size();
                 int success = 0;
                 const int value = tb_probe_wdl(positions[at], success);

@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-
 #include "harness/board_support.h"
-#include "harness/engine.h"
-#include "harness/files.h"
 #include "harness/tool_support.h"
 #include "support/text.h"
 
@@ -35,18 +31,16 @@ std::string comparable(const std::string& line) {
 
 TEST(EpdRunner, Reference) {
     const ToolDirectory directory;
-    for (const char* depth : {"4", "8"}) {
-        Lines expected =
-            shared_lines(std::string("/reference/tools/epd-bratko-kopec-") + depth + ".txt");
-        if (expected.empty()) GTEST_SKIP() << "the reference is not there";
-        const std::string suite = QUON_SHARED_DIR "/data/epd/bratko-kopec.epd";
+    for (const std::string depth : {"4", "8"}) {
+        const std::string suite = data_file("/data/epd/bratko-kopec.epd");
         const Ending ending =
             directory.run({"-nolog", "-noise", "1000", "-anepd", suite, "-d", depth});
         EXPECT_EQ(ending.status, 0);
         Lines printed;
         for (const std::string& line : ending.lines) printed.push_back(comparable(line));
         int compared = 0;
-        for (std::string line : expected) {
+        for (std::string line :
+             shared_lines("/reference/tools/epd-bratko-kopec-" + depth + ".txt")) {
             if (line.starts_with("Analyzing")) continue;
             if (line.starts_with("move= ")) line = line.substr(0, line.find(", depth="));
             EXPECT_TRUE(contains(printed, line)) << line;
@@ -59,75 +53,58 @@ TEST(EpdRunner, Reference) {
 
 TEST(EpdRunner, Judgement) {
     const struct {
-        std::string line;
         const char* correct;
-        bool unsolved;
+        Lines lines;
+        std::string unsolved = {};
     } cases[] = {
-        {MATE + " bm Ra8#; id \"1\";", "1 / 1", false},
-        {MATE + " bm Ra8+;", "1 / 1", false},
-        {MATE + " bm Kf1;", "0 / 1", false},
-        {MATE + " bm Kf1 Ra8;", "0 / 1", false},  // only the first counts
-        {MATE + " bm Ra8 Kf1;", "1 / 1", false},
-        {MATE + " am Kf1;", "1 / 1", false},
-        {MATE + " am Ra8;", "0 / 1", false},
-        {MATE + " bm Ra8; am Ra8;", "1 / 1", false},
-        {MATE + " bm Qa8; am Ra8;", "0 / 1", false},  // what cannot be read is not there
-        {MATE + " bm Qa8;", "0 / 1", true},
-        {MATE + " id \"only\"; c0 \"text\";", "0 / 1", true},
-        {BLACK_MATE + " bm Ra1;\r", "1 / 1", false},
-        {MATE + " id \"" + std::string(400, 'x') + "\"; bm Ra8;", "0 / 1", true},
-        {"\xEF\xBB\xBF" + MATE + " bm Ra8;", "1 / 1", false},
-        {MATE, "0 / 1", true},
+        {"7 / 7",
+         {MATE + " bm Ra8#; id \"1\";", MATE + " bm Ra8+;", MATE + " bm Ra8 Kf1;",
+          MATE + " am Kf1;", MATE + " bm Ra8; am Ra8;", BLACK_MATE + " bm Ra1;\r",
+          "\xEF\xBB\xBF" + MATE + " bm Ra8;"}},  // the first line of its file
+        // Only the first move counts; what cannot be read is not there.
+        {"0 / 4",
+         {MATE + " bm Kf1;", MATE + " bm Kf1 Ra8;", MATE + " am Ra8;", MATE + " bm Qa8; am Ra8;"}},
+        {"0 / 4",
+         {MATE + " bm Qa8;", MATE + " id \"only\"; c0 \"text\";", MATE,
+          MATE + " id \"" + std::string(400, 'x') + "\"; bm Ra8;"},
+         MATE + "\n" + MATE + "\n" + MATE + "\n" + MATE + "\n"},
         // Not a record, or none that can be searched.
-        {"# " + MATE, "0 / 0", false},
-        {"; " + MATE, "0 / 0", false},
-        {" " + MATE, "0 / 0", false},
-        {"8/8/8 w -", "0 / 0", false},
-        {"k - - -", "0 / 0", false},
-        {"8/8/8/8/8/8/8/7K w - - bm Kg1;", "0 / 0", false},
-        {std::string("\0\0\0\0\0\0\0\0\0\0\0\0", 12), "0 / 0", false},
-        {"", "0 / 0", false},
+        {"0 / 0",
+         {"# " + MATE, "; " + MATE, " " + MATE, "8/8/8 w -", "k - - -",
+          "8/8/8/8/8/8/8/7K w - - bm Kg1;", std::string(12, '\0'), ""}},
     };
     const ToolDirectory directory;
     for (const auto& c : cases) {
-        directory.write("suite", c.line);
+        std::string suite;
+        for (auto line = c.lines.rbegin(); line != c.lines.rend(); ++line) suite += *line + "\n";
+        directory.write("suite", suite);
         const Ending ending = directory.run(quiet("2"));
-        EXPECT_EQ(ending.status, 0) << c.line;
-        EXPECT_EQ(correct(ending), c.correct) << c.line;
-        const std::string fen = c.line.starts_with("r") ? BLACK_MATE : MATE;
-        EXPECT_EQ(directory.read("unsolved.epd"), c.unsolved ? fen + "\n" : "") << c.line;
+        EXPECT_EQ(ending.status, 0) << suite;
+        EXPECT_EQ(correct(ending), c.correct) << suite;
+        EXPECT_EQ(directory.read("unsolved.epd"), c.unsolved) << suite;
     }
 }
 
-// The lines of a run, and their sums.
-TEST(EpdRunner, Lines) {
+TEST(EpdRunner, Statistics) {
     const ToolDirectory directory;
     directory.write("suite", MATE + " bm Ra8;\n\n" + BLACK_MATE + " bm Ra2;\nlast line, no record");
     const Ending told = directory.run({"-nolog", "-anepd", "suite", "-d", "6", "-hash", "1"});
-    ASSERT_GT(told.lines.size(), 20U);
-    EXPECT_EQ(told.lines[0], "Analyzing suite...");
-    EXPECT_EQ(told.lines[1], "pos= 1");
-    EXPECT_EQ(told.lines[2], MATE);
-    EXPECT_EQ(told.lines[3], MATE) << "the diagram";
-    EXPECT_TRUE(contains(told.lines, "pos= 2"));
-    EXPECT_EQ(lines_with(told.lines, "info depth ").empty(), false);
     const Lines moves = lines_with(told.lines, "move= ");
     ASSERT_EQ(moves.size(), 2U);
     u64 nodes = 0;
-    for (std::size_t i = 0; i < moves.size(); ++i) {
-        const std::string best = i == 0 ? "a1a8" : "a8a1";
-        EXPECT_TRUE(matches(moves[i], "move= " + best + R"(, time= \d+\.\d{3}, score= 9998, )" +
-                                          R"(nodes= \d+, \d+K nps)"))
-            << moves[i];
-        nodes += std::stoull(moves[i].substr(moves[i].find("nodes= ") + 7));
+    for (const std::string& line : moves) {
+        EXPECT_TRUE(matches(line, R"(move= a[18]a[18], time= \d+\.\d{3}, score= 9998, )"
+                                  R"(nodes= \d+, \d+K nps)"))
+            << line;
+        nodes += std::stoull(line.substr(line.find("nodes= ") + 7));
     }
     const Ending silent = directory.run(quiet("6"));
-    const char* const patterns[] = {"Analyzing suite\\.\\.\\.",
+    const std::string patterns[] = {"Analyzing suite\\.\\.\\.",
                                     "1 / 2 correct best moves",
-                                    "total nodes= \\d+",
+                                    "total nodes= " + std::to_string(nodes),
                                     "total time= \\d+\\.\\d\\d seconds",
                                     "avg depth= \\d+\\.0",
-                                    "avg nodes= \\d+\\.0",
+                                    format("avg nodes= %d\\.0", int(nodes / 2)),
                                     "node_rate= \\d+",
                                     "avg bf= 2\\.00",
                                     ""};
@@ -135,97 +112,15 @@ TEST(EpdRunner, Lines) {
     for (std::size_t i = 0; i < std::size(patterns); ++i) {
         EXPECT_TRUE(matches(silent.lines[i], patterns[i])) << silent.lines[i];
     }
-    EXPECT_TRUE(contains(silent.lines, format("total nodes= %d", int(nodes))));
-    EXPECT_TRUE(contains(silent.lines, format("avg nodes= %d.0", int(nodes / 2))));
-}
-
-TEST(EpdRunner, DepthZero) {
-    const ToolDirectory directory;
-    directory.write("suite", MATE + "\n" + MATE + " bm Ra8;\n");
-    const Ending ending = directory.run(quiet("0"));
-    EXPECT_EQ(correct(ending), "0 / 2");
-    EXPECT_TRUE(contains(ending.lines, "avg depth= 0.0"));
+    const Ending unsearched = directory.run(quiet("0"));
+    EXPECT_EQ(correct(unsearched), "0 / 2");
+    EXPECT_TRUE(contains(unsearched.lines, "avg depth= 0.0"));
     EXPECT_EQ(directory.read("unsolved.epd"), "") << "not searched, so not unsolved";
 }
 
-TEST(EpdRunner, NoFile) {
-    const ToolDirectory directory;
-    make_pipe(directory.path() + "/pipe");
-    const std::pair<std::string, int> cases[] = {
-        {"missing", 0}, {".", 1}, {"pipe", 1}, {"/dev/zero", 1}};
-    for (const auto& [file, status] : cases) {
-        const Ending ending = directory.run({"-anepd", file});
-        EXPECT_EQ(ending.status, status) << file;
-        EXPECT_EQ(ending.lines, Lines{});
-        EXPECT_EQ(ending.errors, status == 0 ? "" : "quon: " + file + " cannot be read\n");
-    }
-}
-
-TEST(EpdRunner, OutputFull) {
-    const ToolDirectory directory;
-    if (!directory.make_full("unsolved.epd")) GTEST_SKIP() << "no such device";
-    directory.write("suite", MATE + "\n" + MATE + "\n");
-    const Ending ending = directory.run(quiet("2"));
-    EXPECT_EQ(ending.status, 1);
-    EXPECT_NE(ending.errors.find("unsolved.epd"), std::string::npos) << ending.errors;
-    EXPECT_EQ(correct(ending), "0 / 1");
-}
-
-const std::string OPENING = "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -\n";
-
-// A long run ends early and breaks the search under way off.
-TEST(EpdRunner, EarlyEnd) {
-    const ToolDirectory directory;
-    directory.write("suite", OPENING + OPENING + OPENING);
-    const struct {
-        const char* what;
-        void (*end)(Process& process);
-    } cases[] = {
-        {"quit",
-         [](Process& p) {
-             p.send({"position fen 8/8 w - -", "isready", "quit"});
-         }},
-        {"stop",
-         [](Process& p) {
-             p.send({"isready", "stop"});
-         }},
-        {"end of input",
-         [](Process& p) {
-             p.send({"isready"});
-             p.close_input();
-         }},
-        {"Ctrl-C",
-         [](Process& p) {
-             p.send({"isready"});
-             p.read_to("readyok");
-             p.signal(SIGINT);
-         }},
-    };
-    for (const auto& c : cases) {
-        Process process({"-nolog", "-hash", "1", "-anepd", "suite", "-t", "500"}, directory.path());
-        process.read_to("info depth 4 ");
-        c.end(process);
-        const Ending ending = process.wait();
-        EXPECT_EQ(ending.status, 0) << c.what;
-        EXPECT_EQ(correct(ending), "0 / 1") << c.what;
-        EXPECT_EQ(contains(ending.lines, "readyok"), std::string(c.what) != "Ctrl-C") << c.what;
-        EXPECT_EQ(directory.read("unsolved.epd"), OPENING) << c.what;
-    }
-}
-
-TEST(EpdRunner, StandardOutputLost) {
-    const ToolDirectory directory;
-    directory.write("suite", OPENING + OPENING);
-    Process process({"-nolog", "-hash", "1", "-anepd", "suite", "-t", "500"}, directory.path());
-    process.read_to("info depth 4 ");
-    process.close_output();
-    const Ending ending = process.wait();
-    EXPECT_EQ(ending.status, 1);
-    EXPECT_EQ(ending.errors, "quon: standard output cannot be written\n");
-}
-
-// What stands there are positions, not commands.
-TEST(EpdRunner, SuiteOnStandardInput) {
+// Standard input as the suite holds positions, not commands; one that has ended before the tool
+// starts does not end it, whatever it holds.
+TEST(EpdRunner, StandardInput) {
     std::string suite = "quit\n";
     for (int i = 0; i < 600; ++i) suite += MATE + " bm Ra8;\n";
     for (const char* depth : {"1", "6"}) {
@@ -234,14 +129,9 @@ TEST(EpdRunner, SuiteOnStandardInput) {
         EXPECT_EQ(correct(ending), "600 / 600") << depth;
         EXPECT_EQ(ending.errors, "");
     }
-}
-
-// An input that has ended before the tool starts does not end it, whatever it holds.
-TEST(EpdRunner, InputEndedBefore) {
     const ToolDirectory directory;
     directory.write("suite", MATE + " bm Ra8;\n" + MATE + " bm Ra8;\n");
-    for (const std::string& input :
-         {std::string(), std::string("text"), std::string("text\n"), std::string(20000, 'x')}) {
+    for (const std::string& input : {std::string(), std::string("text"), std::string(20000, 'x')}) {
         Process process(quiet("6"), directory.path(), &input);
         EXPECT_EQ(correct(process.wait()), "2 / 2") << input;
     }
