@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+#include "search/threads.h"
+#include "search/time.h"
+
 namespace quon {
 
 void set_uci_mode(Engine& engine, bool uci_mode) {
@@ -16,7 +19,32 @@ void begin_search(Engine& engine) {
     if (!engine.options.uci_mode && limits.time_mode > FIXED_TIME) {
         limits.moves_to_go = i16(limits.time_mode - engine.game.game_ply / 2 % limits.time_mode);
     }
-    time_setup(engine);
+    // The clock of a fixed time shows that time; self-play goes on counting from there.
+    if (limits.time_mode == FIXED_TIME) limits.clock[engine.game.position.side] = limits.fixed_time;
+    start_run(engine);
+}
+
+namespace {
+
+void search_with_all_threads(Engine& engine, const std::function<bool()>& on_tick) {
+    start_search_threads(engine);
+    while (busy_threads(engine) != 0) {
+        time_check(engine);
+        if (!on_tick() && !stopped(engine)) engine.control.stop_flag = STOP;
+        if (stopped(engine)) wait_for_idle_threads(engine);
+    }
+}
+
+}  // namespace
+
+void search_and_wait(Engine& engine, const std::function<bool()>& on_tick, SearchOn where) {
+    if (where == SearchOn::ALL_THREADS) {
+        search_with_all_threads(engine, on_tick);
+    } else {
+        search_in_main_thread(engine, on_tick);
+    }
+    update_elapsed(engine.run);
+    collect_stats(engine);
 }
 
 Calibration calibrate_strength(Engine& engine) {

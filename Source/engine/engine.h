@@ -1,13 +1,14 @@
 #pragma once
 // The engine.
 
+#include <functional>
+
 #include "board/move_text.h"
 #include "book/book.h"
 #include "engine/options.h"
 #include "eval/tunables.h"
 #include "search/searcher.h"
 #include "search/strength.h"
-#include "search/time.h"
 #include "support/random.h"
 
 namespace quon {
@@ -33,9 +34,17 @@ inline std::string move_to_text(const Engine& engine, Move move) {
 // Console mode or not, for all that depends on it.
 void set_uci_mode(Engine& engine, bool uci_mode);
 
-// At every search start: tables, limits, clock, shared state. In console mode the moves to the end
-// of the period are counted from the game's plies.
+// The two doors to a search on the game's position. The first prepares it: tables, limits, clock,
+// shared state. In console mode the moves to the end of the period are counted from the game's
+// plies.
 void begin_search(Engine& engine);
+
+enum class SearchOn : u8 { ALL_THREADS, THIS_THREAD };
+// The second runs it and returns when it is over, with run.elapsed and the totals up to date.
+// on_tick is called over and over; false ends the search. With all threads it follows every look at
+// the clock and is to wait a moment; on this thread nobody looks at the clock.
+void search_and_wait(Engine& engine, const std::function<bool()>& on_tick,
+                     SearchOn where = SearchOn::ALL_THREADS);
 
 // Measures the machine's speed and sets calibration_nps and elo_max by it. The start position is on
 // the board afterwards; thread 0 must be idle.

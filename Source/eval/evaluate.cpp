@@ -65,7 +65,7 @@ Score material_of(const EvalTerms& terms, u32 sig) {
     score += terms.bishop_value * count_in<BISHOP>(sig);
     score += terms.rook_value * count_in<ROOK>(sig);
     score += terms.queen_value * count_in<QUEEN>(sig);
-    if (count_in<BISHOP>(sig) >= 2) score += terms.bishop_pair;
+    if (count_in<BISHOP>(sig) >= 2) score += terms.bishop_pair;  // the bishop pair
     if ((sig & ~u32{15}) == SIG_UNIT[QUEEN]) score.en += LONE_QUEEN_EN;
     return score;
 }
@@ -81,7 +81,7 @@ void set_up_material(EvalInfo& info) {
 
 // The pawn entry of the position, from the cache while an iteration is under way.
 void find_pawns(EvalState& state, EvalInfo& info, bool iterating) {
-    PawnEntry& entry = state.pawn_hash[int(info.position.pawn_key & (PAWN_HASH_SIZE - 1))];
+    PawnEntry& entry = state.pawn_hash[pawn_hash_index(info.position.pawn_key)];
     state.pawn_probes.add(1);
     if (iterating && entry.key == info.position.pawn_key) {
         state.pawn_hits.add(1);
@@ -174,7 +174,7 @@ int evaluate(EvalState& state, const Position& p, EvalNotes& notes, const EvalCa
     state.evaluations.add(1);
 
     const u64 key = full_key(p);
-    EvalHashEntry& cached = state.eval_hash[int(key & (EVAL_HASH_SIZE - 2)) + p.side];
+    EvalHashEntry& cached = state.eval_hash[eval_hash_index(key, p.side)];
     if (cached.key == key && call.ply >= 2 && call.iterating) {
         state.eval_hits.add(1);
         notes.threat = cached.threat;

@@ -5,9 +5,11 @@
 // the game stage (24 without pieces, 0 with all of them) and scaled down in endings that are hard
 // to win. A pawn is worth 90 in the opening and 110 in the ending. Tested in tests/eval/.
 
+#include "board/keys.h"
 #include "board/position.h"
 #include "eval/eval_tables.h"
 #include "eval/terms.h"
+#include "platform/memory.h"
 #include "support/relaxed.h"
 
 namespace quon {
@@ -28,6 +30,10 @@ static_assert(sizeof(EvalHashEntry) == 16);
 
 constexpr int PAWN_HASH_SIZE = 8192;
 constexpr int EVAL_HASH_SIZE = 16384;
+
+constexpr int pawn_hash_index(u64 pawn_key) { return int(pawn_key & (PAWN_HASH_SIZE - 1)); }
+// Of the full key; the two sides to move never share an entry.
+constexpr int eval_hash_index(u64 key, int side) { return int(key & (EVAL_HASH_SIZE - 2)) + side; }
 
 // A thread's own part of the evaluation: large, to be allocated once and zeroed. The caches are
 // never cleared; outside an iteration they are written but not read.
@@ -51,6 +57,12 @@ struct EvalCall {
     bool iterating;    // an iteration of the thread's deepening is under way
     EvalTrace* trace;  // takes the score apart (eval_trace.h); mostly nullptr
 };
+
+// Has the memory fetch the position's entries of both caches.
+inline void prefetch_evaluation(const EvalState& state, const Position& p) {
+    prefetch(&state.eval_hash[eval_hash_index(full_key(p), p.side)]);
+    prefetch(&state.pawn_hash[pawn_hash_index(p.pawn_key)]);
+}
 
 // Returned instead of a score when the side to move is in check.
 constexpr int EVAL_IN_CHECK = -10000;

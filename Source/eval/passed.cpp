@@ -10,7 +10,8 @@ namespace quon {
 
 namespace {
 
-// By relative rank.
+// By relative rank: 6 is a passed pawn on the seventh, one step before it promotes. What a passed
+// pawn is worth on each rank, the sixth included, is EvalTables::ppawn.
 constexpr Table<int, 8> PUSH_THREAT = {{0, 32, 32, 64, 128, 256, 512, 0}};
 constexpr Table<int, 8> FREE_PASSER = {{0, 5, 5, 12, 20, 30, 40, 0}};
 

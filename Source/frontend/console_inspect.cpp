@@ -20,7 +20,6 @@
 #include "search/search.h"
 #include "search/search_params.h"
 #include "search/threads.h"
-#include "search/time.h"
 #include "support/text.h"
 #include "tools/tool_input.h"
 

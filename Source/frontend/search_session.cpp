@@ -15,7 +15,6 @@
 #include "search/run.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
-#include "search/time.h"
 #include "support/text.h"
 
 namespace quon {

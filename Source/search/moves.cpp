@@ -22,6 +22,7 @@
 
 #include "board/legality.h"
 #include "board/make.h"
+#include "search/descend.h"
 #include "search/history.h"
 #include "search/move_flags.h"
 #include "search/node.h"
@@ -103,7 +104,8 @@ bool late_move_pruned(const MoveLoop& loop, Candidate& move) {
     return move.loses();
 }
 
-// 2. Extensions.
+// 2. Extensions, in sixteenths of a ply: singular extension, check extension (discovered or sound),
+// pawns to the seventh rank, captures.
 int extension_share(const MoveLoop& loop, Candidate& move) {
     const Node& node = loop.node;
     if (loop.record.singular && move.entry.move == loop.record.hash_move) return PLY;
@@ -220,8 +222,7 @@ int search_moves(const Node& node, int depth, int alpha, int beta) {
         const int extended = extension(loop, move);
         const int reduction = late_move_reduction(loop, move, extended);
 
-        trace_before_make(t, entry->move);
-        make_move(p, entry->move);
+        descend(t, entry->move, true);
         const int score = search_move(loop, extended, reduction);
         unmake_move(p);
         if (stopped(t)) {

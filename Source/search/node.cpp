@@ -178,7 +178,6 @@ int search_node(ThreadData& t, int ply, int depth, int alpha, int beta, bool zer
     if (tb_probe_node(t, ply, depth, alpha, beta, score)) return score;
 
     // 5. Static evaluation and the horizon.
-    if (depth > 0) hash_prefetch(t.shared->hash, p);
     node.eval = evaluate_node(t, ply, node.in_check);
     node.record.static_eval = node.eval;
     if (node.record.eval_final && !node.in_check) return node.eval;

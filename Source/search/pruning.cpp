@@ -7,6 +7,7 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/see.h"
+#include "search/descend.h"
 #include "search/history.h"
 #include "search/picker.h"
 #include "search/score.h"
@@ -101,8 +102,7 @@ bool probcut_test(ThreadData& t, int ply, int depth, int threshold) {
         if (!is_legal(p, entry->move, guard)) continue;
         const int exchange = see(p, p.side, move_from(entry->move), move_to(entry->move));
         if (exchange <= PROBCUT_EXCHANGE) continue;
-        trace_before_make(t, entry->move);
-        make_move(p, entry->move);
+        descend(t, entry->move, true);
         const int score = -search_node(t, ply + 1, depth - 1, -threshold, 1 - threshold, true);
         unmake_move(p);
         if (score >= threshold) return true;
@@ -142,8 +142,7 @@ bool null_move(const Node& node, int& score) {
     const int r = deep ? NULL_MOVE_DEEP_R : NULL_MOVE_R;
     const int child_depth = std::max(node.depth - r - 1, 0);
     ThreadData& t = node.t;
-    trace_before_make(t, NO_MOVE);
-    make_null_move(t.position);
+    descend(t, NO_MOVE, child_depth > 0);
     node.record.next_pick = &NULL_ENTRY;
     const int reply =
         -search_node(t, node.ply + 1, child_depth, -node.beta, -node.alpha, node.zero_window);
@@ -192,8 +191,7 @@ bool singular_test(const Node& node, int depth, int threshold, Move move) {
     node.record.stage = PickStage::START;
     while (const MoveEntry* entry = next_move(t, node.ply, node.in_check)) {
         if (entry->move == move || !is_legal(p, entry->move, guard)) continue;
-        trace_before_make(t, entry->move);
-        make_move(p, entry->move);
+        descend(t, entry->move, true);
         const int score =
             -search_node(t, node.ply + 1, depth - 1, -threshold - 1, -threshold, true);
         unmake_move(p);

@@ -17,6 +17,7 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/see.h"
+#include "search/descend.h"
 #include "search/picker.h"
 #include "search/search.h"
 #include "search/searcher.h"
@@ -121,8 +122,7 @@ int qsearch(ThreadData& t, int ply, int depth, int alpha, int beta, bool zero_wi
         if (!is_legal(p, entry->move, guard)) continue;
 
         // 5. The child.
-        trace_before_make(t, entry->move);
-        make_move(p, entry->move);
+        descend(t, entry->move, check != 0);
         const int score = -search_node(t, ply + 1, depth - 1, -beta, -best, zero_window);
         unmake_move(p);
         if (score <= best) continue;

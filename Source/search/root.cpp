@@ -18,6 +18,7 @@
 #include <cstdlib>
 
 #include "board/make.h"
+#include "search/descend.h"
 #include "search/move_flags.h"
 #include "search/picker.h"
 #include "search/result.h"
@@ -218,8 +219,7 @@ void search_one_root_move(RootSearch& s, RootMove& move) {
     move.reduction = root_reduction(s, move);
     t.plies[1].next_pick = move.entry;
 
-    trace_before_make(t, move.entry->move);
-    make_move(t.position, move.entry->move);
+    descend(t, move.entry->move, true);
     if (s.best == NO_SCORE || (s.depth == 1 && s.t.shared->settings.target_nps > SLOW_NPS)) {
         search_open(s, move);
     } else {

@@ -20,7 +20,7 @@ constexpr int TB_LOSS = 0;
 constexpr int TB_WIN = 4;
 
 struct SearchRun {
-    // Set by time_setup before the threads start, constant during a search.
+    // Set by start_run before the threads start, constant during a search.
     double start_time = 0;                 // seconds on the monotonic clock
     double target_time = ENDLESS_SECONDS;  // seconds allotted to this move
     int root_side = WHITE;
@@ -50,5 +50,14 @@ struct SearchRun {
     Relaxed<int> root_tb_result = NO_TB_RESULT;  // of the tablebases, for the side to move
     std::atomic<bool> root_decided = false;      // set behind root_tb_result: workers may read it
 };
+
+struct Searcher;
+
+// At every search start: the clock, what derives from the parameters, a fresh run, its target from
+// `limits`. The listener hears of it.
+void start_run(Searcher& s);
+
+// Reads the clock into run.elapsed; any thread.
+void update_elapsed(SearchRun& run);
 
 }  // namespace quon

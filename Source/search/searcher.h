@@ -44,10 +44,4 @@ struct Searcher {
 inline bool stopped(const Searcher& s) { return s.control.stop_flag != RUN; }
 inline bool stopped(const ThreadData& t) { return stopped(*t.shared); }
 
-inline void trace_before_make(const ThreadData& t, Move move) {
-    if (t.shared->settings.trace != 0) [[unlikely]] {
-        trace_move(t, move);
-    }
-}
-
 }  // namespace quon

@@ -14,7 +14,6 @@
 #include "search/search.h"
 #include "search/searcher.h"
 #include "search/threads.h"
-#include "search/time.h"
 #include "support/text.h"
 
 namespace quon {

@@ -1,48 +1,36 @@
-// Time management.
+// Time management: how long a move may take, and when a search is stopped. Seconds throughout.
+//
+// 1. The target is planned once, when the search starts. Under a fixed time it is that time. Else a
+//    share of the clock: a game without periods is taken to last some 24 to 38 more moves, a period
+//    its moves and one more. If the engine ponders a third more is spent, as half of the replies
+//    come for free; not so right before a period ends. The increment adds up to half of itself,
+//    little while the clock is short. Whatever the share, a third of the clock and four delays of
+//    transmission stay.
+// 2. Every few milliseconds the search is compared with its plan. It is stopped when the elapsed
+//    time reaches target + doubt * (rest of the clock), less one delay; earlier, at 85 %, if
+//    nothing speaks against a move that has been best for long. Doubt is a percentage: the score
+//    falls against the last iteration (4, 8, 20), a thread sees the best move fail low (20) or
+//    another one above it (2, 12), the best move has just changed (1). The greatest counts.
+// 3. A move that is the only one is made at once, one that is clearly best after half the target;
+//    and with less than five delays left on the clock any move is made as soon as there is one.
+// 4. Not before a result of depth 2, and hardly before 20 ms: what comes earlier is no search. But
+//    where captures explode the first iteration could take hours; it ends at twice the target, or
+//    two delays before the clock does.
 
 #include "search/time.h"
 
 #include <algorithm>
 #include <cstdlib>
 
-#include "board/keys.h"
-#include "platform/clock.h"
-#include "search/score.h"
 #include "search/searcher.h"
-#include "support/text.h"
 
 namespace quon {
 
 namespace {
 
-constexpr double LEAST_TARGET = 0.002;  // seconds
-constexpr double CHECK_AFTER = 0.02;    // seconds
-constexpr double LEAST_GRACE = 0.05;    // seconds past the time, for a search without a result
-
-void reset_run(Searcher& s) {
-    SearchRun& run = s.run;
-    if (!s.params.limit_strength) s.settings.target_nps = NO_NPS_LIMIT;
-    run.root_side = s.game.position.side;
-    run.root_key = full_key(s.game.position);
-    run.multipv = s.settings.multipv;
-    run.depth_limit = s.limits.depth_limit;
-    run.finished = false;
-    run.shared_score = i16(NO_SCORE);
-    run.shared_depth = i8{0};
-    run.shared_line = {};
-    for (auto& score : run.score_by_depth) score = i16(NO_SCORE);
-    for (auto& move : run.move_by_depth) move = NO_MOVE;
-    for (auto& nodes : run.nodes_by_depth) nodes = 0;
-    run.change_depth = i8{0};
-    run.easy_state = u8{0};
-    run.current_depth = i8{0};
-    run.main_done_depth = i8{0};
-    run.root_tb_result = NO_TB_RESULT;
-    run.root_decided = false;
-    hash_start_search(s.hash, s.game.game_ply + 1, s.settings.hash_mode != 0);
-    s.control.stop_flag = RUN;
-    s.control.search_mode = s.control.go_request;
-}
+constexpr double LEAST_TARGET = 0.002;
+constexpr double CHECK_AFTER = 0.02;
+constexpr double LEAST_GRACE = 0.05;  // past the time, for a search without a result
 
 // How the clock is shared out: the part of it for one move, and whether pondering may stretch that.
 struct Share {
@@ -58,39 +46,52 @@ Share clock_share(const SearchLimits& limits, int game_ply) {
     return {limits.moves_to_go + 1, limits.moves_to_go > 2};
 }
 
-double target_from_clock(const Searcher& s) {
-    const SearchLimits& limits = s.limits;
-    const Share share = clock_share(limits, s.game.game_ply);
-    const double clock = limits.clock[s.run.root_side];
-    const double overhead = limits.move_overhead;
+}  // namespace
+
+double target_time(const SearchLimits& limits, double clock, int game_ply, bool ponder) {
+    if (limits.time_mode == FIXED_TIME) return limits.fixed_time;
+    const Share share = clock_share(limits, game_ply);
     double target = clock / share.divisor;
-    if (s.settings.ponder_option && share.stretch) target *= 1.3;
-    if (limits.increment > 0 && clock > 4 * overhead) {
+    if (ponder && share.stretch) target *= 1.3;
+    if (limits.increment > 0 && clock > 4 * limits.move_overhead) {
         target += limits.increment * clock / (2 * limits.increment + clock);
     }
-    // Whatever the share, a third of the clock and four delays stay.
-    target = std::min(clock * 0.65 - 4 * overhead, target);
+    target = std::min(clock * 0.65 - 4 * limits.move_overhead, target);
     return std::max(LEAST_TARGET, target);
+}
+
+namespace {
+
+bool move_is_easy(const SearchProgress& search) {
+    return search.easy_state == 1 ||
+           (search.easy_state == 2 && search.elapsed >= search.target * 0.5);
+}
+
+bool far_past_time(const SearchLimits& limits, const SearchProgress& search) {
+    const double grace = std::max(limits.move_overhead, LEAST_GRACE);
+    double limit = 2 * search.target;
+    if (limits.time_mode != FIXED_TIME) limit = std::clamp(search.clock - 2 * grace, 0.0, limit);
+    return search.elapsed >= limit + grace;
 }
 
 }  // namespace
 
-void time_setup(Searcher& s) {
-    SearchRun& run = s.run;
-    run.start_time = monotonic_seconds();
-    run.elapsed = 0.0;
-    if (s.limits.depth_limit > 2) {
-        init_eval_tables(s.eval_tables, s.params);
-        apply_search_params(s.search_params, s.params);
+bool time_is_up(const SearchLimits& limits, const SearchProgress& search) {
+    if (search.result_depth < 2 || search.depth < 2) return far_past_time(limits, search);
+    const bool on_clock = limits.time_mode != FIXED_TIME;
+    const double remaining = std::max(search.clock - search.elapsed, 0.0);
+    // Then every millisecond counts: with short increments even CHECK_AFTER a move would be too
+    // much.
+    const bool clock_nearly_gone = on_clock && remaining < 5 * limits.move_overhead;
+    if (search.elapsed < CHECK_AFTER && !clock_nearly_gone) return false;
+
+    double limit = search.target + search.doubt * 0.01 * remaining;
+    if (on_clock) {
+        const bool settled = search.depth > 7 && search.depth - 3 > search.change_depth;
+        if (search.doubt == 0 && settled) limit *= 0.85;
+        limit -= limits.move_overhead;
     }
-    reset_run(s);
-    if (s.limits.time_mode == FIXED_TIME) {
-        run.target_time = s.limits.fixed_time;
-        s.limits.clock[run.root_side] = s.limits.fixed_time;
-    } else {
-        run.target_time = target_from_clock(s);
-    }
-    if (s.listener) s.listener->on_start(s);
+    return search.elapsed >= limit || move_is_easy(search) || clock_nearly_gone;
 }
 
 namespace {
@@ -126,7 +127,8 @@ int disagreement(const Searcher& s, int depth) {
     return doubt;
 }
 
-int instability(const Searcher& s, int depth) {
+// 0, or how sure it is that more time will change the move.
+int doubt_of(const Searcher& s, int depth) {
     const SearchRun& run = s.run;
     const int previous = run.score_by_depth[depth - 1];
     const int shared = run.shared_score;
@@ -143,54 +145,27 @@ int instability(const Searcher& s, int depth) {
     return doubt;
 }
 
-// Before a result of depth 2 a search goes past its time, but not far: where captures explode, the
-// first iteration could take hours.
-bool far_past_time(const Searcher& s) {
-    const SearchLimits& limits = s.limits;
-    const double grace = std::max(limits.move_overhead, LEAST_GRACE);
-    double limit = 2 * s.run.target_time;
-    if (limits.time_mode != FIXED_TIME) {
-        limit = std::clamp(limits.clock[s.run.root_side] - 2 * grace, 0.0, limit);
-    }
-    return s.run.elapsed >= limit + grace;
-}
-
-void time_is_up(SearchControl& control) {
-    control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT;
-}
-
-bool move_is_easy(const SearchRun& run) {
-    return run.easy_state == 1 || (run.easy_state == 2 && run.elapsed >= run.target_time * 0.5);
+SearchProgress progress_of(const Searcher& s) {
+    const SearchRun& run = s.run;
+    const int depth = run.current_depth;
+    return {.elapsed = run.elapsed,
+            .target = run.target_time,
+            .clock = s.limits.clock[run.root_side],
+            .depth = depth,
+            .result_depth = run.shared_depth,
+            .change_depth = run.change_depth,
+            .easy_state = run.easy_state,
+            .doubt = depth < 2 ? 0 : doubt_of(s, depth)};
 }
 
 }  // namespace
 
-void update_elapsed(SearchRun& run) { run.elapsed = monotonic_seconds() - run.start_time; }
-
 void time_check(Searcher& s) {
-    SearchRun& run = s.run;
-    const SearchLimits& limits = s.limits;
-    update_elapsed(run);
-    const int depth = run.current_depth;
-    if (stopped(s) || s.control.search_mode == GO_PONDER) return;
-    if (run.shared_depth < 2 || depth < 2) {
-        if (far_past_time(s)) time_is_up(s.control);
-        return;
-    }
-    const double remaining = std::max(limits.clock[run.root_side] - run.elapsed, 0.0);
-    // Then every millisecond counts: with short increments even CHECK_AFTER a move would be too
-    // much.
-    const bool clock_nearly_gone =
-        limits.time_mode != FIXED_TIME && remaining < 5 * limits.move_overhead;
-    if (run.elapsed < CHECK_AFTER && !clock_nearly_gone) return;
-
-    const int doubt = instability(s, depth);
-    double limit = run.target_time + doubt * 0.01 * remaining;
-    if (limits.time_mode != FIXED_TIME) {
-        if (doubt == 0 && depth > 7 && depth - 3 > run.change_depth) limit *= 0.85;
-        limit -= limits.move_overhead;
-    }
-    if (run.elapsed >= limit || move_is_easy(run) || clock_nearly_gone) time_is_up(s.control);
+    update_elapsed(s.run);
+    SearchControl& control = s.control;
+    if (stopped(s) || control.search_mode == GO_PONDER) return;
+    if (time_is_up(s.limits, progress_of(s)))
+        control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT;
 }
 
 }  // namespace quon

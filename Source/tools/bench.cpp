@@ -7,13 +7,10 @@
 #include "engine/input.h"
 #include "engine/output.h"
 #include "engine/search_report.h"
-#include "platform/clock.h"
 #include "platform/events.h"
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/run.h"
-#include "search/threads.h"
-#include "search/time.h"
 #include "support/text.h"
 
 namespace quon {
@@ -49,15 +46,6 @@ constexpr double SECONDS_PER_POSITION = 99;
 
 constexpr int SHORT_RUN = 10;
 
-void search_with_all_threads(Engine& engine, void (*on_input)(Engine&)) {
-    start_search_threads(engine);
-    while (busy_threads(engine) != 0) {
-        time_check(engine);
-        on_input(engine);
-        wait_for_event(1, !input_ended());
-    }
-}
-
 }  // namespace
 
 void run_bench(Engine& engine, int variant, bool single_thread, void (*on_input)(Engine&)) {
@@ -68,6 +56,12 @@ void run_bench(Engine& engine, int variant, bool single_thread, void (*on_input)
         engine.limits.depth_limit = BENCH_DEPTH;
     engine_print(
         format("%s running benchmark using %d threads", ENGINE_NAME, engine.settings.threads));
+    const std::function<bool()> on_tick = [&] {
+        if (single_thread) return true;
+        on_input(engine);
+        wait_for_event(1, !input_ended());
+        return true;
+    };
     double total_time = 0.01;
     double total_nodes = 0;
     const int count = variant == 1 ? SHORT_RUN : BENCH_POSITIONS;
@@ -75,13 +69,9 @@ void run_bench(Engine& engine, int variant, bool single_thread, void (*on_input)
         (void)position_from_fen(engine.game.position, bench_positions[i]);
         hash_clear(engine.hash);
         begin_search(engine);
-        if (single_thread) {
-            search_in_main_thread(engine);
-        } else {
-            search_with_all_threads(engine, on_input);
-        }
-        const double elapsed = monotonic_seconds() - engine.run.start_time;
-        collect_stats(engine);
+        search_and_wait(engine, on_tick,
+                        single_thread ? SearchOn::THIS_THREAD : SearchOn::ALL_THREADS);
+        const double elapsed = engine.run.elapsed;
         total_nodes += double(engine.totals.nodes);
         total_time += elapsed;
         engine_print(format("pos %2d: %6.2f seconds", i, elapsed));

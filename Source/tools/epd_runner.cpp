@@ -16,7 +16,6 @@
 #include "search/hash.h"
 #include "search/search_params.h"
 #include "search/threads.h"
-#include "search/time.h"
 #include "support/line_reader.h"
 #include "support/output_file.h"
 #include "support/status_line.h"
@@ -76,23 +75,19 @@ void show_status(Suite& suite) {
                   double(suite.reader.bytes_read), double(suite.reader.file_size));
 }
 
-// Both searches return true when the run is to end.
-bool search_deep(Engine& engine, Suite& suite) {
-    start_search_threads(engine);
-    bool ending = end_wished(engine);
-    while (busy_threads(engine) != 0) {
-        time_check(engine);
-        ending = end_wished(engine, CHECK_MS);
+void search_deep(Engine& engine, Suite& suite) {
+    search_and_wait(engine, [&] {
+        const bool going = keep_on(engine, CHECK_MS);
         show_status(suite);
-    }
-    return ending;
+        return going;
+    });
 }
 
-bool search_shallow(Engine& engine, Suite& suite) {
-    search_in_main_thread(engine, [&] { return keep_on(engine); });
+void search_shallow(Engine& engine, Suite& suite) {
+    search_and_wait(
+        engine, [&] { return keep_on(engine); }, SearchOn::THIS_THREAD);
     engine.run.shared_score = thread_data(engine, 0).root_score;
     show_status(suite);
-    return end_wished(engine);
 }
 
 bool names_move(Engine& engine, const std::string& text, Move& move) {
@@ -131,10 +126,12 @@ bool run_record(Engine& engine, Suite& suite, const EpdRecord& record) {
     }
     if (engine.limits.depth_limit > 1) hash_clear(engine.hash);
     begin_search(engine);
-    const bool ending = engine.limits.depth_limit > SHALLOW_DEPTH ? search_deep(engine, suite)
-                                                                  : search_shallow(engine, suite);
-    update_elapsed(engine.run);
-    collect_stats(engine);
+    if (engine.limits.depth_limit > SHALLOW_DEPTH) {
+        search_deep(engine, suite);
+    } else {
+        search_shallow(engine, suite);
+    }
+    const bool ending = end_wished(engine);
     suite.nodes += engine.totals.nodes;
     suite.seconds += engine.run.elapsed;
     suite.depth_sum += engine.run.shared_depth;

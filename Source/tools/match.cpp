@@ -21,7 +21,6 @@
 #include "search/score.h"
 #include "search/search_params.h"
 #include "search/threads.h"
-#include "search/time.h"
 #include "support/output_file.h"
 #include "support/status_line.h"
 #include "support/text.h"
@@ -76,15 +75,9 @@ std::unique_ptr<Engine> make_challenger(const Engine& engine, const EvalParams& 
 }
 
 // False when the match is to end.
-bool search_with_all_threads(Engine& engine, Engine& player) {
+bool search_whole(Engine& engine, Engine& player) {
     bool going = true;
-    start_search_threads(player);
-    while (busy_threads(player) != 0) {
-        time_check(player);
-        going = going && keep_on(engine, 1);
-        if (!going && !stopped(player)) player.control.stop_flag = STOP;
-        if (stopped(player)) wait_for_idle_threads(player);
-    }
+    search_and_wait(player, [&] { return going = keep_on(engine, 1); });
     return going;
 }
 
@@ -97,7 +90,7 @@ std::optional<SearchedMove> find_move(Engine& engine, Engine& player) {
     if (is_draw(player.game.position, OCCURRENCES) != 0)
         return SearchedMove{NO_MOVE, DRAW_SCORE, 0};
     if (book != NO_MOVE) return SearchedMove{book, DRAW_SCORE, 0};
-    if (!search_with_all_threads(engine, player)) return std::nullopt;
+    if (!search_whole(engine, player)) return std::nullopt;
     const SearchRun& run = player.run;
     return SearchedMove{run.shared_line[1], run.shared_score, run.shared_depth};
 }

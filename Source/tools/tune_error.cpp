@@ -34,7 +34,6 @@
 #include "eval/eval_tables.h"
 #include "search/search_params.h"
 #include "search/threads.h"
-#include "search/time.h"
 #include "support/line_reader.h"
 #include "support/status_line.h"
 #include "support/text.h"
@@ -87,10 +86,9 @@ std::optional<Scores> measure_position(Engine& engine) {
     const ThreadData& thread = thread_data(engine, 0);
     bool whole = true;
     begin_search(engine);
-    search_in_main_thread(engine, [&] {
-        whole = thread.nodes < MAX_NODES && !end_wished(engine);
-        return whole;
-    });
+    search_and_wait(
+        engine, [&] { return whole = thread.nodes < MAX_NODES && !end_wished(engine); },
+        SearchOn::THIS_THREAD);
     if (!whole) return std::nullopt;
     return Scores{thread.root_eval, thread.root_score};
 }

@@ -81,14 +81,14 @@ std::string state_of(const Game& game) {
 void look_at(Game& game, EvalState& state) {
     Position& p = game.position;
     for (int square = 0; square < 64; ++square) {
-        for (const int side : {WHITE, BLACK}) see(p, side, NO_SQUARE, square);
+        for (const int side : {WHITE, BLACK}) (void)see(p, side, NO_SQUARE, square);
     }
     if (position_problem(p)) return;
     evaluate_traced(state, p);
     MoveEntry list[MAX_LIST];
     for (const MoveEntry *entry = list, *end = gen_all(p, list); entry != end; ++entry) {
         const std::string before = state_of(game);
-        gives_check(p, *entry);
+        (void)gives_check(p, *entry);
         ASSERT_TRUE(is_pseudo_legal(p, entry->move)) << before << " " << entry->move;
         if (!is_legal(p, entry->move)) continue;
         make_move(p, entry->move);

@@ -10,7 +10,6 @@
 #include "search/control.h"
 #include "search/hash.h"
 #include "search/search.h"
-#include "search/time.h"
 #include "support/text.h"
 
 namespace quon::test {

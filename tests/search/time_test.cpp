@@ -210,6 +210,56 @@ TEST_F(TimeCheck, FlagAndElapsedTime) {
     EXPECT_EQ(control.stop_flag, ABORT);
 }
 
+// Seconds at which a search with a result is stopped.
+double stop_at(const SearchLimits& given, SearchProgress search) {
+    double low = 0;
+    double high = 2 * search.clock + 1;
+    while (high - low > 1e-6) {
+        search.elapsed = (low + high) / 2;
+        (time_is_up(given, search) ? high : low) = search.elapsed;
+    }
+    return high;
+}
+
+// The target and the stop stay inside the clock wherever that is possible, more time never means
+// less, more doubt never an earlier stop.
+void check_clocks(const SearchLimits& given, int ply, bool ponder) {
+    double target_before = 0;
+    double sure_before = 0;
+    for (const double clock : {0.001, 0.01, 0.05, 0.2, 0.5, 1.0, 3.0, 10.0, 60.0, 300.0, 3600.0}) {
+        const double target = target_time(given, clock, ply, ponder);
+        ASSERT_GE(target, target_before);
+        ASSERT_LE(target, std::max(0.002, 0.65 * clock - 4 * given.move_overhead));
+        double stop[4];
+        for (int i = 0; i < 4; ++i) {
+            constexpr int DOUBTS[] = {0, 1, 4, 20};
+            stop[i] = stop_at(given, {0, target, clock, 9, 9, 8, 0, DOUBTS[i]});
+            ASSERT_GE(stop[i], i > 0 ? stop[i - 1] : sure_before) << clock;
+        }
+        ASSERT_LE(stop[3], std::max(0.021, clock - 5 * given.move_overhead)) << clock;
+        target_before = target;
+        sure_before = stop[0] - 1e-5;
+    }
+}
+
+TEST(TimeProperties, OverEverythingThatAClockCanShow) {
+    SearchLimits given;
+    for (const double increment : {0.0, 0.002, 0.1, 1.0, 20.0}) {
+        for (const double overhead : {0.0, 0.01, 0.05, 0.5, 5.0}) {
+            given.increment = increment;
+            given.move_overhead = overhead;
+            for (const int moves : {-1, 0, 1, 2, 3, 10, 40, 99}) {
+                given.time_mode = moves < 0 ? CLOCK_TIME : u8(LEVEL);
+                given.moves_to_go = i16(std::max(moves, 0));
+                for (const int ply : {0, 29, 30, 120}) {
+                    check_clocks(given, ply, ply % 2 == 0);
+                    if (HasFatalFailure()) FAIL() << increment << ' ' << overhead << ' ' << moves;
+                }
+            }
+        }
+    }
+}
+
 // No search is stopped in its first 20 ms, unless the clock is nearly gone.
 TEST_F(TimeCheck, FirstMilliseconds) {
     set({.easy = 1});

@@ -1,0 +1,58 @@
+// The start of a search.
+
+#include "search/run.h"
+
+#include "board/keys.h"
+#include "platform/clock.h"
+#include "search/score.h"
+#include "search/searcher.h"
+#include "search/time.h"
+
+namespace quon {
+
+namespace {
+
+void reset_run(Searcher& s) {
+    SearchRun& run = s.run;
+    if (!s.params.limit_strength) s.settings.target_nps = NO_NPS_LIMIT;
+    run.root_side = s.game.position.side;
+    run.root_key = full_key(s.game.position);
+    run.multipv = s.settings.multipv;
+    run.depth_limit = s.limits.depth_limit;
+    run.finished = false;
+    run.shared_score = i16(NO_SCORE);
+    run.shared_depth = i8{0};
+    run.shared_line = {};
+    for (auto& score : run.score_by_depth) score = i16(NO_SCORE);
+    for (auto& move : run.move_by_depth) move = NO_MOVE;
+    for (auto& nodes : run.nodes_by_depth) nodes = 0;
+    run.change_depth = i8{0};
+    run.easy_state = u8{0};
+    run.current_depth = i8{0};
+    run.main_done_depth = i8{0};
+    run.root_tb_result = NO_TB_RESULT;
+    run.root_decided = false;
+    hash_start_search(s.hash, s.game.game_ply + 1, s.settings.hash_mode != 0);
+    s.control.stop_flag = RUN;
+    s.control.search_mode = s.control.go_request;
+}
+
+}  // namespace
+
+void start_run(Searcher& s) {
+    SearchRun& run = s.run;
+    run.start_time = monotonic_seconds();
+    run.elapsed = 0.0;
+    if (s.limits.depth_limit > 2) {
+        init_eval_tables(s.eval_tables, s.params);
+        apply_search_params(s.search_params, s.params);
+    }
+    reset_run(s);
+    run.target_time = target_time(s.limits, s.limits.clock[run.root_side], s.game.game_ply,
+                                  s.settings.ponder_option != 0);
+    if (s.listener) s.listener->on_start(s);
+}
+
+void update_elapsed(SearchRun& run) { run.elapsed = monotonic_seconds() - run.start_time; }
+
+}  // namespace quon
