@@ -1,6 +1,6 @@
 // The table print.
 
-#include "eval/eval_print.h"
+#include "eval/eval_tables.h"
 
 #include "support/text.h"
 

@@ -4,6 +4,8 @@
 // There is one master; every search thread works on a copy of its own, so that a parameter change
 // never reaches a running search. Tested against worked figures in tests/eval/eval_tables_test.cpp.
 
+#include <string>
+
 #include "board/types.h"
 #include "eval/eval_params.h"
 
@@ -24,5 +26,8 @@ struct EvalTables {
 
 // Copies the terms and builds the tables from the parameters.
 void init_eval_tables(EvalTables& tables, const EvalParams& params);
+
+// The tables as text, for the console.
+std::string eval_tables_text(const EvalTables& tables);
 
 }  // namespace quon

@@ -8,7 +8,7 @@
 #include "engine/engine.h"
 #include "engine/output.h"
 #include "engine/report.h"
-#include "eval/eval_print.h"
+#include "eval/eval_tables.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "support/text.h"

@@ -20,7 +20,7 @@
 #include "platform/clock.h"
 #include "search/history.h"
 #include "search/picker.h"
-#include "search/result.h"
+#include "search/run.h"
 #include "search/score.h"
 #include "search/search.h"
 #include "search/searcher.h"

@@ -21,7 +21,7 @@
 #include "search/descend.h"
 #include "search/move_flags.h"
 #include "search/picker.h"
-#include "search/result.h"
+#include "search/run.h"
 #include "search/score.h"
 #include "search/search.h"
 #include "search/searcher.h"

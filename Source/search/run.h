@@ -52,6 +52,8 @@ struct SearchRun {
 };
 
 struct Searcher;
+struct SearchLine;
+struct ThreadData;
 
 // At every search start: the clock, what derives from the parameters, a fresh run, its target from
 // `limits`. The listener hears of it.
@@ -59,5 +61,12 @@ void start_run(Searcher& s);
 
 // Reads the clock into run.elapsed; any thread.
 void update_elapsed(SearchRun& run);
+
+// Tells whoever listens.
+void tell_line(const ThreadData& t, const SearchLine& line);
+
+// Puts the thread's best line on the result board if it is better than what stands there, and tells
+// it.
+void publish_result(ThreadData& t);
 
 }  // namespace quon

@@ -11,7 +11,7 @@
 
 #include "board/legality.h"
 #include "search/depths.h"
-#include "search/result.h"
+#include "search/run.h"
 #include "search/score.h"
 #include "search/searcher.h"
 

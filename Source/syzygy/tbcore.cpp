@@ -76,7 +76,7 @@ bool read_layouts(TableFile& table, TableCursor& cursor) {
     const u8 no_code = 0;
     u8 leader = no_code;
     for (int file = 0; file < table.files; ++file) {
-        const std::byte* const bytes = cursor.take(u64(places + material.pieces));
+        const std::byte* const bytes = cursor.take(u64(places) + u64(material.pieces));
         if (!bytes) return false;
         for (int side = 0; side < table.sides; ++side) {
             const auto half = [&](int i) { return u8(byte_at(bytes + i) >> (4 * side) & 15); };

@@ -173,7 +173,7 @@ void sort_few(int* values, int count) {
 
 u64 lead_pawns_index(const int* squares, int count) {
     u64 index = LEAD_PAWNS.start[count][squares[0]];
-    int orders[MAX_LEADING];
+    int orders[MAX_LEADING] = {};
     for (int i = 1; i < count; ++i) orders[i] = pawn_order(squares[i]);
     sort_few(orders + 1, count - 1);
     for (int i = 1; i < count; ++i) index += choose(orders[i], i);

@@ -4,6 +4,7 @@
 #include "syzygy/tbprobe.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 
 #include "syzygy/tbprobe_position.h"
@@ -92,6 +93,7 @@ bool askable(const ProbePosition& position) {
 // Plies to zeroing after a move that wins, draws or loses by zeroing.
 int zeroing_distance(int wdl) {
     constexpr int DISTANCES[] = {-1, -101, 0, 101, 1};
+    assert(-2 <= wdl && wdl <= 2);
     return DISTANCES[wdl + 2];
 }
 

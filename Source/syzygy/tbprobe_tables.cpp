@@ -90,7 +90,8 @@ void split_path(const std::string& path) {
 // The first directory's file of that name; empty if there is none.
 std::string find_file(const std::string& name, const char* suffix) {
     for (const std::string& directory : directories) {
-        const std::string path = directory + "/" + name + suffix;
+        std::string path = directory;
+        path.append("/").append(name).append(suffix);
         if (path.size() > MAX_TABLE_PATH) return {};
         if (readable_file(path)) return path;
     }

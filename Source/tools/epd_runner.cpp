@@ -149,7 +149,8 @@ void print_statistics(const Suite& suite) {
     engine_print(format("total nodes= %0.0f", nodes));
     engine_print(format("total time= %0.2f seconds", suite.seconds));
     engine_print(format("avg depth= %0.1f", double(suite.depth_sum) / divisor));
-    engine_print(format("avg nodes= %0.1f", double(suite.nodes / u64(divisor))));
+    const u64 average_nodes = suite.nodes / u64(divisor);  // whole nodes
+    engine_print(format("avg nodes= %0.1f", double(average_nodes)));
     engine_print(format("node_rate= %0.0f", nodes / (suite.seconds + 0.01)));
     engine_print(format("avg bf= %0.2f", suite.branching_sum / divisor));
     engine_print("");

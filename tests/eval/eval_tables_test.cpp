@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "eval/eval_params.h"
-#include "eval/eval_print.h"
 #include "eval/tunables.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
