@@ -84,6 +84,8 @@ std::string format(const char* pattern, ...) {
     const int size = std::vsnprintf(nullptr, 0, pattern, arguments);
     va_end(arguments);
     std::string text(size > 0 ? std::size_t(size) : 0, '\0');
+    // va_copy has set it, which the analyser does not see.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     std::vsnprintf(text.data(), text.size() + 1, pattern, again);
     va_end(again);
     return text;
