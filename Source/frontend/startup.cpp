@@ -91,8 +91,7 @@ bool start(Engine& engine, const CommandLine& line, RunMode& mode) {
         return refuse("the search threads cannot be created");
     set_timer_period(engine, mode);
     // 8. What the search and the evaluation derive from the parameters.
-    apply_search_params(engine.search_params, engine.params);
-    init_eval_tables(engine.eval_tables, engine.params);
+    derive_tables(engine);
     return true;
 }
 

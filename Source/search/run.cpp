@@ -44,8 +44,7 @@ void start_run(Searcher& s) {
     run.start_time = monotonic_seconds();
     run.elapsed = 0.0;
     if (s.limits.depth_limit > 2) {
-        init_eval_tables(s.eval_tables, s.params);
-        apply_search_params(s.search_params, s.params);
+        derive_tables(s);
     }
     reset_run(s);
     run.target_time = target_time(s.limits, s.limits.clock[run.root_side], s.game.game_ply,

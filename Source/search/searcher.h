@@ -41,6 +41,12 @@ struct Searcher {
     ~Searcher() { destroy_threads(*this); }
 };
 
+// Makes all that derives from the parameters anew.
+inline void derive_tables(Searcher& s) {
+    init_eval_tables(s.eval_tables, s.params);
+    apply_search_params(s.search_params, s.params);
+}
+
 inline bool stopped(const Searcher& s) { return s.control.stop_flag != RUN; }
 inline bool stopped(const ThreadData& t) { return stopped(*t.shared); }
 

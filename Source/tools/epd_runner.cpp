@@ -9,12 +9,10 @@
 #include "engine/output.h"
 #include "engine/report.h"
 #include "engine/search_report.h"
-#include "eval/eval_tables.h"
 #include "platform/interrupt.h"
 #include "platform/standard_output.h"
 #include "search/control.h"
 #include "search/hash.h"
-#include "search/search_params.h"
 #include "search/threads.h"
 #include "support/line_reader.h"
 #include "support/output_file.h"
@@ -167,8 +165,7 @@ bool run_test_suite(Engine& engine, const std::string& path) {
     suite.status_wanted = !tells_searches(engine) || !output_is_terminal();
     start_tool_input(engine, path);
     engine_print(format("Analyzing %s...", path.c_str()));
-    init_eval_tables(engine.eval_tables, engine.params);
-    apply_search_params(engine.search_params, engine.params);
+    derive_tables(engine);
     if (engine.limits.depth_limit <= 1) engine.settings.hash_mode = 0;
     bool ending = false;
     EpdRecord record;

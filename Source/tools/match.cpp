@@ -15,11 +15,9 @@
 #include "engine/param_settings.h"
 #include "engine/report.h"
 #include "engine/search_report.h"
-#include "eval/eval_tables.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "search/score.h"
-#include "search/search_params.h"
 #include "search/threads.h"
 #include "support/output_file.h"
 #include "support/status_line.h"
@@ -58,18 +56,13 @@ void set_limits(Engine& engine) {
     engine.limits.max_nodes = (draw(engine.random, 11) + 95) * 750;
 }
 
-void derive(Engine& player) {
-    init_eval_tables(player.eval_tables, player.params);
-    apply_search_params(player.search_params, player.params);
-}
-
 // The challenger, ready to search; nothing if there is no memory for it.
 std::unique_ptr<Engine> make_challenger(const Engine& engine, const EvalParams& params) {
     auto challenger = std::make_unique<Engine>();
     challenger->settings = engine.settings;
     challenger->limits = engine.limits;
     challenger->params = params;
-    derive(*challenger);
+    derive_tables(*challenger);
     if (!create_threads(*challenger, engine.settings.threads)) return nullptr;
     return challenger;
 }
@@ -152,7 +145,7 @@ bool run_match(Engine& engine) {
     }
     set_limits(engine);
     engine.params = engine.default_params;
-    derive(engine);
+    derive_tables(engine);
     const auto challenger = make_challenger(engine, challenging);
     if (!challenger) {
         error_line("quon: not enough memory for the second player");

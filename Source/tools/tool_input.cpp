@@ -20,6 +20,7 @@ namespace {
 constexpr int COMMANDS_PER_CALL = 64;
 // Enough to hear all that a closed pipe still holds.
 constexpr int CALLS_AT_START = 1024;
+
 struct Heard {
     std::string_view word;
     StopFlag wish;

@@ -31,8 +31,6 @@
 #include "board/fen.h"
 #include "engine/engine.h"
 #include "engine/report.h"
-#include "eval/eval_tables.h"
-#include "search/search_params.h"
 #include "search/threads.h"
 #include "support/line_reader.h"
 #include "support/status_line.h"
@@ -124,8 +122,7 @@ void pass_over(TuneRun& run, const EpdRecord& record, const std::string& path, i
 }
 
 ErrorSum measure(Engine& engine, const std::string& path, TuneRun& run, File* copy) {
-    init_eval_tables(engine.eval_tables, engine.params);
-    apply_search_params(engine.search_params, engine.params);
+    derive_tables(engine);
     ErrorSum errors;
     int line = 0;
     LineReader reader;

@@ -18,8 +18,7 @@ std::unique_ptr<Engine> make_engine(int threads, int pawn_value) {
     auto made = std::make_unique<Engine>();
     made->params.pawn_value = {i16(pawn_value), i16(pawn_value)};
     made->limits.fixed_time = ENDLESS_SECONDS;
-    init_eval_tables(made->eval_tables, made->params);
-    apply_search_params(made->search_params, made->params);
+    derive_tables(*made);
     set_start_position(made->game.position);
     if (!hash_alloc(made->hash, 1) || !create_threads(*made, threads)) ADD_FAILURE();
     return made;

@@ -16,8 +16,7 @@ SearchReporter reporter(engine);
 
 void derive_parameters() {
     engine.listener = &reporter;
-    init_eval_tables(eval_tables, params);
-    apply_search_params(search_params, params);
+    derive_tables(engine);
 }
 
 }  // namespace quon::test

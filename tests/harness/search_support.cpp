@@ -47,8 +47,7 @@ SearchRig::~SearchRig() {
     settings = saved_settings;
     limits = saved_limits;
     params = saved_params;
-    init_eval_tables(eval_tables, params);
-    apply_search_params(search_params, params);
+    derive_tables(engine);
     control.go_request = NO_SEARCH;
     control.search_mode = NO_SEARCH;
     control.stop_flag = RUN;

@@ -10,12 +10,10 @@
 #include "board/legality.h"
 #include "board/make.h"
 #include "book/book_record.h"
-#include "eval/eval_tables.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/search_support.h"
 #include "harness/tool_support.h"
-#include "search/search_params.h"
 #include "support/text.h"
 #include "tools/match_report.h"
 
@@ -124,8 +122,7 @@ protected:
     // Searches the board as the match does, with the mover's parameters.
     static RecordedGame::Search search(const EvalParams& player, int depth, Move& move) {
         params = player;
-        init_eval_tables(eval_tables, params);
-        apply_search_params(search_params, params);
+        derive_tables(engine);
         settings.hash_mode = 0;
         const SearchResult result = SearchRig::search_game(depth);
         move = result.line.empty() ? NO_MOVE : result.line[0];
