@@ -114,8 +114,8 @@ constinit const Table<Table<Bitboard, 64>, 7> open_attacks = make_open_attacks()
 constinit const Table<Table<Bitboard, 64>, 64> between = make_between();
 constinit const Table<Table<u8, 64>, 64> king_distance = make_distances();
 
-Table<Magic, 64> rook_magics;
-Table<Magic, 64> bishop_magics;
+Table<Slider, 64> rook_sliders;
+Table<Slider, 64> bishop_sliders;
 
 namespace {
 
@@ -159,8 +159,8 @@ constexpr Table<u64, 64> BISHOP_FACTORS = {{
 }};
 
 // One slice per square, of as many entries as its relevant occupancies have subsets.
-Bitboard rook_slices[102400];
-Bitboard bishop_slices[5248];
+Slider::Entry rook_slices[102400];
+Slider::Entry bishop_slices[5248];
 
 // Squares whose occupancy can change the attacks: the rays without their last squares.
 Bitboard relevant_squares(int square, const Step (&steps)[4]) {
@@ -169,26 +169,26 @@ Bitboard relevant_squares(int square, const Step (&steps)[4]) {
     return rays(square, steps, 0) & ~(rank_ends | file_ends);
 }
 
-void fill_slices(Table<Magic, 64>& magics, const Table<u64, 64>& factors, const Step (&steps)[4],
-                 Bitboard* slice) {
+void fill_slices(Table<Slider, 64>& sliders, const Table<u64, 64>& factors, const Step (&steps)[4],
+                 Slider::Entry* slice) {
     for (int square = 0; square < 64; ++square) {
         const Bitboard mask = relevant_squares(square, steps);
-        const int bits = popcount64(mask);
-        magics[square] = {mask, factors[square], slice, 64 - bits};
+        const Slider slider = Slider::make(mask, rays(square, steps, 0), factors[square], slice);
+        sliders[square] = slider;
         Bitboard subset = 0;
         do {
-            slice[subset * factors[square] >> (64 - bits)] = rays(square, steps, subset);
+            slice[slider.index(subset)] = slider.pack(rays(square, steps, subset));
             subset = (subset - mask) & mask;
         } while (subset);
-        slice += std::size_t{1} << bits;
+        slice += std::size_t{1} << popcount64(mask);
     }
 }
 
 }  // namespace
 
 void init_attack_tables() {
-    fill_slices(rook_magics, ROOK_FACTORS, STRAIGHT, rook_slices);
-    fill_slices(bishop_magics, BISHOP_FACTORS, DIAGONAL, bishop_slices);
+    fill_slices(rook_sliders, ROOK_FACTORS, STRAIGHT, rook_slices);
+    fill_slices(bishop_sliders, BISHOP_FACTORS, DIAGONAL, bishop_slices);
 }
 
 }  // namespace quon

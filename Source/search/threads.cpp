@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/events.h"
+#include "platform/memory.h"
 #include "search/search.h"
 #include "search/searcher.h"
 #include "support/text.h"
@@ -42,8 +43,9 @@ void place_on_node(const Searcher& s, int index) {
 
 // The record is allocated by its own thread, on its own node.
 ThreadData* create_record(Searcher& s, int index) {
-    ThreadData* t = new (std::nothrow) ThreadData();
-    if (!t) return nullptr;
+    void* block = allocate_pages(sizeof(ThreadData));
+    if (!block) return nullptr;
+    ThreadData* t = new (block) ThreadData();
     t->shared = &s;
     t->index = index;
     t->seed = u32(index) * 123;
@@ -88,6 +90,11 @@ bool create_thread(Searcher& s, int index) {
 }
 
 }  // namespace
+
+void ReleaseRecord::operator()(ThreadData* t) const {
+    t->~ThreadData();
+    release_pages(t, sizeof(ThreadData));
+}
 
 ThreadData& thread_data(const Searcher& s, int index) { return *s.pool.threads[index].data; }
 int thread_total(const Searcher& s) { return s.pool.size; }

@@ -12,9 +12,14 @@
 
 namespace quon {
 
+// Records lie on large pages: a node reads all over its thread's.
+struct ReleaseRecord {
+    void operator()(ThreadData* t) const;
+};
+
 struct SearchThread {
     std::thread worker;
-    std::unique_ptr<ThreadData> data;
+    std::unique_ptr<ThreadData, ReleaseRecord> data;
     std::atomic<int> started = 0;  // 1 the record is there, -1 there is no memory for it
 };
 
