@@ -48,7 +48,8 @@ void search_and_wait(Engine& engine, const std::function<bool()>& on_tick, Searc
 }
 
 Calibration calibrate_strength(Engine& engine) {
-    const Calibration measured = calibrate(engine);
+    const double given = engine.options.calibration_nps;
+    const Calibration measured = given > 0.0 ? Calibration{0.0, 0, given} : calibrate(engine);
     engine.options.calibration_nps = measured.nps;
     // A machine too slow for the formula still gets a finite scale.
     engine.options.elo_max = nps_to_elo(std::max(measured.nps, MIN_NPS));

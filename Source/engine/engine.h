@@ -46,8 +46,8 @@ enum class SearchOn : u8 { ALL_THREADS, THIS_THREAD };
 void search_and_wait(Engine& engine, const std::function<bool()>& on_tick,
                      SearchOn where = SearchOn::ALL_THREADS);
 
-// Measures the machine's speed and sets calibration_nps and elo_max by it. The start position is on
-// the board afterwards; thread 0 must be idle.
+// Sets calibration_nps, if it is not given already, and elo_max by the machine's speed. Measuring
+// leaves the start position on the board; thread 0 must be idle.
 Calibration calibrate_strength(Engine& engine);
 // The UCI_Elo option: 1500 at least; 0.99 * elo_max or more lifts the node-rate cap. Returns the
 // Elo that holds from now on.

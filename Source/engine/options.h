@@ -26,7 +26,7 @@ struct EngineOptions {
     i16 book_variety = 30;               // 1 or more
     std::string syzygy_path;             // at most MAX_SYZYGY_PATH characters
     Relaxed<double> output_delay = 0.0;  // seconds of search before progress lines
-    double calibration_nps = 0.0;        // measured at start-up
+    double calibration_nps = 0.0;        // 0 until start-up measures it, unless it is given
     double elo_max = 0.0;                // Elo of the unthrottled engine, from the calibration
     i16 debug = 0;                       // not 0: the console shows evaluations in place of boards
     bool self_play = false;              // every move found is played, and the next search follows

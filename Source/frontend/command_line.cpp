@@ -67,6 +67,10 @@ void set_node_rate(Engine& engine, const Argument& argument, RunMode&) {
     print_unlogged(format("Elo= %d\n", engine.params.elo));
 }
 
+void set_calibration(Engine& engine, const Argument& argument, RunMode&) {
+    engine.options.calibration_nps = std::min(argument.real, NO_NPS_LIMIT);
+}
+
 void set_hash(Engine& engine, const Argument& argument, RunMode&) {
     engine.settings.hash_mb = i16(std::clamp<i64>(argument.integer, 0, MAX_HASH_MB));
 }
@@ -119,6 +123,8 @@ constexpr Switch SWITCHES[] = {
     {"-n", Takes::INTEGER, "NODES", set_nodes, "search this many positions"},
     {"-nps", Takes::REAL, "N", set_node_rate,
      "limit the strength to N positions a second in each thread; above 21", MIN_NPS},
+    {"-calibration", Takes::REAL, "N", set_calibration,
+     "the machine's speed, N positions a second, in place of measuring it; above 21", MIN_NPS},
     {"-seed", Takes::INTEGER, "N",
      [](Engine& engine, const Argument& a, RunMode&) { seed(engine.random, u64(a.integer)); },
      "start the random choices of book, match and tuner from N instead of the clock"},

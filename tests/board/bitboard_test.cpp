@@ -1,4 +1,4 @@
-// Bit operations and attack tables against slower methods.
+// Attack tables against slower methods.
 
 #include "board/bitboard.h"
 
@@ -8,38 +8,6 @@
 
 namespace quon::test {
 namespace {
-
-// Fold-and-multiply bit scan.
-u32 scan_index(Bitboard b) {
-    const Bitboard low = b ^ (b - 1);
-    return (u32(low) ^ u32(low >> 32)) * 0x783A9B23U >> 26;
-}
-
-int popcount32(u32 v) {
-    v -= v >> 1 & 0x55555555U;
-    v = (v & 0x33333333U) + (v >> 2 & 0x33333333U);
-    v = (v + (v >> 4)) & 0x0F0F0F0FU;
-    return int(v * 0x01010101U >> 24);
-}
-
-TEST(Bitboard, ScanAndCount) {
-    std::vector<int> table(64, -1);
-    for (int i = 0; i < 64; ++i) {
-        ASSERT_EQ(table[scan_index(bit(i))], -1);
-        table[scan_index(bit(i))] = i;
-        EXPECT_EQ(lsb_index(bit(i)), i);
-    }
-    Random random(1);
-    for (int i = scaled(100000); i > 0; --i) {
-        const Bitboard b = (random() & random()) << pick(random, 64);
-        const int count = popcount32(u32(b)) + popcount32(u32(b >> 32));
-        ASSERT_EQ(popcount64(b), count);
-        ASSERT_EQ(more_than_one(b), count > 1);
-        if (b) {
-            ASSERT_EQ(lsb_index(b), table[scan_index(b)]);
-        }
-    }
-}
 
 TEST(Bitboard, SlidersStopAtTheFirstBlocker) {
     Random random(2);

@@ -1,4 +1,4 @@
-// Positions as text: reading, writing, odd and broken input, EPD lines, the diagram.
+// Positions as text: reading, writing, odd and broken input, EPD lines.
 
 #include "board/fen.h"
 
@@ -6,7 +6,6 @@
 
 #include "board/make.h"
 #include "board/verify.h"
-#include "engine/report.h"
 #include "harness/board_support.h"
 
 namespace quon::test {
@@ -17,17 +16,14 @@ TEST(Fen, ReadingAndWriting) {
         {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", START_FEN, false},
         {"r3k2r/8/8/8/8/8/8/R3K2R b qK -", "r3k2r/8/8/8/8/8/8/R3K2R b Kq -", false},
         {"4k3/8/8/8/8/8/8/4K3 w KQkq -", "4k3/8/8/8/8/8/8/4K3 w - -", true},
-        {"r3k2r/8/8/8/8/8/8/R3K2R w KQkqx- -", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -", false},
         {"r3k3/8/8/8/8/8/8/4K2R w KQkq -", "r3k3/8/8/8/8/8/8/4K2R w Kq -", true},
         {"R3k2R/8/8/8/8/8/8/r3K2r b KQkq -", "R3k2R/8/8/8/8/8/8/r3K2r b - -", true},
         {"4k3/8/8/8/4Pp2/8/8/4K3 b -   e3 0 1", "4k3/8/8/8/4Pp2/8/8/4K3 b - e3", false},
         {"4k3/8/8/8/4Pp2/8/8/4K3 b - e9", "4k3/8/8/8/4Pp2/8/8/4K3 b - e1", false},
-        {"4k3/8/8/8/4Pp2/8/8/4K3 b - 3e", "4k3/8/8/8/4Pp2/8/8/4K3 b - e1", false},
         {"4k3/8/8/8/4Pp2/8/8/4K3 b - 33", "4k3/8/8/8/4Pp2/8/8/4K3 b - -", false},
         // Ranks that are too wide end on the h-file; unknown letters take a square.
         {"4k3/9/44/8/8/8/8/4K3 w - -", "4k3/8/8/8/8/8/8/4K3 w - -", false},
         {"4k3/pxZp/8/8/8/8/8/4K3 w - -", "4k3/p2p4/8/8/8/8/8/4K3 w - -", false},
-        {"4k3/0p?p/8/8/8/8/8/4K3 w - -", "4k3/pp6/8/8/8/8/8/4K3 w - -", false},
         // Missing fields keep the rights claimed by default, which then fail the check.
         {"4k3//p", "4k3/8/p7/8/8/8/8/8 w - -", true},
         {"", "8/8/8/8/8/8/8/8 w - -", true},
@@ -62,15 +58,12 @@ TEST(Fen, PositionsThatCannotBeSearched) {
         {"qqqqkqqq/qqq5/8/8/8/8/8/4K3 w - -", false},                      // ten
         {"rnbqkbnrr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -", false},  // one square too far
         {"4k3/8/8/8/8/8/8/4K3/P7 w - -", false},                           // one rank too far
-        {"4k3/8/8/8/8/8/8/8 w - -", false},
         {"4k3/8/8/8/8/8/8/K3K3 w - -", false},
         {"4k2P/8/8/8/8/8/8/4K3 w - -", false},
         {"4k3/8/8/8/8/8/8/4RK2 w - -", false},  // the king can be taken
         {"4k3/8/8/8/8/8/8/4RK2 b - -", true},
-        {"4k3/8/8/8/4Pp2/8/8/4K3 b - e3", true},
         {"4k3/8/8/8/4P3/8/8/4K3 b - e3", true},  // nobody can take it
         {"4k3/8/8/8/4Pp2/8/8/4K3 w - e3", false},
-        {"4k3/8/8/8/5p2/8/8/4K3 b - e3", false},
         {"4k3/8/8/8/4Pp2/8/4N3/4K3 b - e3", false},
         {"4k3/8/8/8/4Pp2/8/8/4K3 b - h8", false},
     };
@@ -79,51 +72,32 @@ TEST(Fen, PositionsThatCannotBeSearched) {
     }
 }
 
-// Whatever is read must be safe to hold, and safe to play from unless it is refused.
-void expect_safe(Game& game, const std::string& text, Random& random) {
-    Position& p = game.position;
-    (void)position_from_fen(p, text);
-    ASSERT_EQ(verify(p), "") << text;
-    const std::string fen = position_to_fen(p);
-    if (position_problem(p)) return;
-    const int plies = play_random(game, random, 40);
-    ASSERT_EQ(verify(p), "") << text;
-    for (int i = 0; i < plies; ++i) unmake_move(p);
-    ASSERT_EQ(position_to_fen(p), fen);
-}
-
+// Whatever is read is safe to hold; what texts do to a board is tried in unsound_test.cpp.
 TEST(Fen, RandomAndBrokenText) {
     Random random(53);
     const std::string alphabet("pnbrqkPNBRQK12345678/// wb-KQkqabcdefgh019xX?\xff", 47);
     const auto game = make_game(START_FEN);
-    const auto check = [&](const std::string& text) { expect_safe(*game, text, random); };
-    captured_output([&] {
-        for (const char* name : {"/data/epd/malformed.epd", "/data/epd/odd-syntax.epd"}) {
-            for (const std::string& line : shared_lines(name)) {
-                check(line);
-                EpdRecord record;
-                (void)parse_epd_line(line, record);
-                check(record.fen);
-            }
+    const auto check = [&](const std::string& text) {
+        (void)position_from_fen(game->position, text);
+        ASSERT_EQ(verify(game->position), "") << text;
+    };
+    visit_random_positions(scaled(5000), 54, [&](Game& visited) {
+        std::string text = position_to_fen(visited.position);
+        check(text);
+        ASSERT_EQ(position_to_fen(game->position), text);
+        ASSERT_EQ(game->position.key, visited.position.key);
+        ASSERT_EQ(game->position.pawn_key, visited.position.pawn_key);
+        ASSERT_EQ(position_problem(visited.position), nullptr) << text;
+        for (int changes = 1 + pick(random, 4); changes > 0; --changes) {
+            const auto at = std::size_t(pick(random, int(text.size())));
+            const char letter = alphabet[std::size_t(pick(random, int(alphabet.size())))];
+            text.replace(at, std::size_t(pick(random, 2)), 1, letter);
         }
-        visit_random_positions(scaled(5000), 54, [&](Game& visited) {
-            std::string text = position_to_fen(visited.position);
-            (void)position_from_fen(game->position, text);
-            ASSERT_EQ(position_to_fen(game->position), text);
-            ASSERT_EQ(game->position.key, visited.position.key);
-            ASSERT_EQ(game->position.pawn_key, visited.position.pawn_key);
-            ASSERT_EQ(position_problem(visited.position), nullptr) << text;
-            for (int changes = 1 + pick(random, 4); changes > 0; --changes) {
-                const auto at = std::size_t(pick(random, int(text.size())));
-                const char letter = alphabet[std::size_t(pick(random, int(alphabet.size())))];
-                text.replace(at, std::size_t(pick(random, 2)), 1, letter);
-            }
-            check(text);
-            check(text.substr(0, std::size_t(pick(random, 60))));
-        });
-        check(std::string(100000, '/') + "p");
-        check(std::string(100000, 'q'));
+        check(text);
+        check(text.substr(0, std::size_t(pick(random, 60))));
     });
+    check(std::string(100000, '/').append("p"));
+    check(std::string(100000, 'q'));
 }
 
 TEST(Epd, Operations) {
@@ -131,13 +105,11 @@ TEST(Epd, Operations) {
     const std::tuple<std::string, bool, EpdRecord> cases[] = {
         {"  8/8/4k3/8/8/8/4K3/8   w -  - \r\n", true, {four, "", "", "", "", ""}},
         {"8/8/4k3/8/8/8/4K3/8 w - \r\n", false, {}},
-        {"", false, {}},
         {four + " bm Qxf7+; id \"WAC 001\";", true, {four, "Qxf7+", "", "\"WAC", "", ""}},
         {four + " bm Nf3 Nc3; am Ke3;", true, {four, "Nf3", "Ke3", "", "", ""}},
         {four + " ce 35;c0 \"a=1\";id x", true, {four, "", "", "x", "35", "\"a=1\""}},
         {four + " 0 1 ;;  bm e4\r\n", true, {four, "e4", "", "", "", ""}},
         {four + " bma e4; abm e5; BM e6;", true, {four, "", "", "", "", ""}},
-        {four + " bm e4; bm d4;", true, {four, "d4", "", "", "", ""}},
         // A line is read up to its 511th character, in the middle of a word if need be.
         {four + std::string(485, ' ') + "bm e4;", true, {four, "", "", "", "", ""}},
         {four + " id " + std::string(600, 'i'),
@@ -152,21 +124,6 @@ TEST(Epd, Operations) {
         };
         EXPECT_EQ(fields(record), fields(expected)) << line;
     }
-}
-
-TEST(Fen, Diagram) {
-    const auto game = make_game("rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3");
-    EXPECT_EQ(captured_output([&] { print_board(game->position); }),
-              "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3\n"
-              " r n b q k b n r\n"
-              " o o o o o o o o\n"
-              " - + - + - + - +\n"
-              " + - + - + - + -\n"
-              " - + - + P + - +\n"
-              " + - + - + - + -\n"
-              " P P P P - P P P\n"
-              " R N B Q K B N R\n"
-              "black\n\n");
 }
 
 }  // namespace

@@ -31,21 +31,18 @@ Cells moves_cell(const Position& p, std::string (*text)(const Position&, const M
 
 TEST(BoardReference, Moves) {
     options.uci_mode = true;
-    expect_reference("moves", [](const Position& position) {
-        return moves_cell(position, [](const Position& p, const MoveEntry& entry) {
-            // The file leaves discovered checks unmarked.
-            return move_to_text(entry.move) + (is_legal(p, entry.move) ? "" : "!") +
-                   (gives_check(p, entry) == 1 ? "+" : "");
+    // The file leaves discovered checks unmarked.
+    expect_reference("moves", [](const Position& p) {
+        return moves_cell(p, [](const Position& q, const MoveEntry& entry) {
+            return move_to_text(entry.move) + (is_legal(q, entry.move) ? "" : "!") +
+                   (gives_check(q, entry) == 1 ? "+" : "");
         });
     });
-}
-
-TEST(BoardReference, MoveForms) {
-    expect_reference("san", [](const Position& position) {
-        return moves_cell(position, [](const Position& p, const MoveEntry& entry) {
-            const MoveForms forms = move_forms(p, entry);
-            const bool legal = is_legal(p, entry.move);
-            return legal ? forms.coord + "|" + forms.san + "|" + forms.file + "|" + forms.rank : "";
+    expect_reference("san", [](const Position& p) {
+        return moves_cell(p, [](const Position& q, const MoveEntry& entry) {
+            const MoveForms f = move_forms(q, entry);
+            const bool legal = is_legal(q, entry.move);
+            return legal ? f.coord + "|" + f.san + "|" + f.file + "|" + f.rank : "";
         });
     });
 }

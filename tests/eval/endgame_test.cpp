@@ -12,13 +12,10 @@ namespace {
 TEST(Endgame, MaterialThatDecides) {
     const std::tuple<const char*, int, int> cases[] = {
         {"8/8/4k3/8/8/3K4/8/8 w - -", 0, 1},
-        {"8/8/4k3/8/8/3K4/8/2B5 b - -", 0, 1},
         {"8/8/4k3/6b1/8/3K4/8/2B5 w - -", 0, 1},
         {"8/8/1KP5/8/8/8/8/k7 b - -", -800, 0},
-        {"8/8/8/8/8/k7/P7/7K w - -", 0, 0},
         // 4 * (2 * 20 + 2 + 200 - 2 * 3): the corner of the bishop's colour
         {"8/8/8/8/3K4/8/8/k1B1N3 b - -", -944, 0},
-        {"8/8/8/8/4K3/8/8/3N1B1k w - -", 944, 0},
         {"K2bn3/8/8/3k4/8/8/8/8 b - -", 4 * (2 * 6 + 2 + 200 - 2 * 3), 0},  // the wrong corner
         // 100 * material + edge - 10 * distance + 200
         {"7R/8/8/8/8/8/8/k1K5 b - -", -(500 + 60 - 20 + 200), 0},
@@ -35,32 +32,24 @@ TEST(Endgame, MaterialThatDecides) {
 TEST(Endgame, ScaleFactor) {
     const std::pair<const char*, double> cases[] = {
         // Much material; a clear lead.
-        {"2b1k3/8/8/8/8/8/8/3QK1NN w - -", 1.0},
         {"8/8/8/3k4/8/p7/8/N3K2N w - -", 0.05},
         {"8/8/2nk4/2b5/8/p7/8/3QK3 w - -", 0.675},
         {"8/8/2nk4/2b5/8/8/8/3QK3 w - -", 0.75},
-        {"8/8/2nk4/2b5/8/8/P7/3QK3 w - -", 1.0},
-        {"8/8/2rk4/8/8/8/8/3QK3 w - -", 1.0},
         // No pawn to win with.
         {"8/8/3k4/8/2n5/8/8/2B1KB2 w - -", 0.9},
         {"8/8/3k4/p7/8/8/8/2B1K3 w - -", 0.05},
         {"8/8/3k4/8/2br4/8/8/R3K2R w - -", 0.25},
         // A pawn each.
-        {"4k3/8/4K3/4P3/8/7p/8/8 b - -", 1.0},
         {"1k6/8/PK6/8/8/8/7p/8 w - -", 1.0},
         // Rook pawns and the corner.
         {"8/1k6/8/P7/8/8/3K4/2B5 w - -", 0.06},
-        {"8/1k6/8/P7/8/8/3K4/5B2 w - -", 1.0},
         {"8/2k5/8/P7/8/8/3K4/2B5 w - -", 1.0},
-        {"1k6/8/8/P7/1P6/8/3K4/2B5 w - -", 1.0},
         {"1k6/8/8/P7/8/8/3K4/2N5 w - -", 1.0},
         {"5b2/3k4/8/8/p7/8/8/K7 b - -", 1.0},  // f8 is dark, and so is a1
         {"4b3/3k4/8/8/p7/8/8/K7 b - -", 0.06},
         // Bishops of opposite and of the same colour.
         {"8/8/3bk3/8/8/3BP3/4K3/8 w - -", 0.5 * 0.3},
         {"8/pp6/3bk3/8/8/3BPPP1/4K3/8 w - -", 0.45},
-        {"8/ppp5/3bk3/8/8/P2BPPP1/4K3/8 w - -", 0.5},
-        {"8/p7/3bk3/8/8/3BPPP1/4K3/8 w - -", 0.8},
     };
     for (const auto& [fen, factor] : cases) {
         EXPECT_NEAR(evaluate_fresh(fen).trace.factor, factor, 1e-12) << fen;

@@ -12,15 +12,6 @@
 namespace quon::test {
 namespace {
 
-TEST(Evaluate, WorkedScores) {
-    EXPECT_EQ(evaluate_fresh(START_FEN).score, 16);  // 14 * 154 / 128
-    EXPECT_EQ(evaluate_fresh("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq -").score, 16);
-    // Pawns 8 - 16 and -20, passed pawns 192 and 12, kings -35 each, the tempo 7: 156 against -43,
-    // which counts 154/128.
-    EXPECT_EQ(evaluate_fresh("6k1/7p/P7/8/8/8/8/6K1 w - -").score, 239);
-    EXPECT_EQ(evaluate_fresh("4k3/8/8/8/8/8/4r3/4K3 w - -").score, -10000);  // in check
-}
-
 TEST(Evaluate, Contempt) {
     // White has a rook and three pawns, 2 + 6, Black two knights, 3.
     constexpr char UNEVEN[] = "1n2k1n1/8/8/8/8/8/PPP5/R3K3 w - -";
@@ -100,13 +91,6 @@ TEST(Evaluate, ColorFlipSymmetry) {
         compare(make_game(fen)->position);
     }
     EXPECT_LE(broken * 200, positions);
-}
-
-TEST(Evaluate, TraceOfAMatingEnding) {
-    // The score of bishop and knight is noted as returned, for the side to move.
-    const EvalTrace mates = evaluate_fresh("8/8/8/8/3K4/8/8/k1B1N3 b - -").trace;
-    EXPECT_EQ(mates.square[square_of("d4")], -944);
-    EXPECT_EQ(mates.total[TRACE_KINGS][WHITE], -944);
 }
 
 }  // namespace

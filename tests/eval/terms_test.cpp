@@ -56,20 +56,13 @@ TEST(Terms, PiecesAndKings) {
             {"8/5p2/8/4N3/3P4/8/7P/k6K w - -", "e5", 120, 0},    // f7-f6 is possible, c6 can be had
             {"7k/7p/8/8/8/3n4/8/K7 w - -", "d3", 240 + 6, 6},    // Black's outpost, near the king
             {"N6k/p1P5/8/8/8/8/QQQ5/KQQ5 w - -", "a8", -20, 0},  // no square left
-            {"7k/p7/8/8/8/8/1B6/6K1 w - -", "b2", 16, 16},       // c3 to f6
-            {"B6k/1P6/8/8/8/7p/QQQ5/KQQ5 w - -", "a8", -20, 0},
             // Three per square of the file in the enemy half; a king on the back rank.
             {"6k1/3R4/8/8/p7/8/8/4K3 w - -", "d7", 240 + 24 + 9, 480 + 48 + 9},
-            {"6k1/p7/8/8/8/8/7P/6KR w - -", "h1", -240, 0},      // shut in by the king
-            {"6k1/7p/8/P7/8/8/8/R1K5 w - -", "a1", 3 - 240, 3},  // four squares
-            {"6k1/7p/P7/8/8/8/8/R1K5 w - -", "a1", 6, 6},        // five
-            {"6k1/3Q4/8/8/p7/8/8/4K3 w - -", "d7", 0, 240},
+            {"6k1/p7/8/8/8/8/7P/6KR w - -", "h1", -240, 0},   // shut in by the king
             {"6NQ/6PP/p7/8/8/1k6/8/K7 w - -", "h8", -8, -8},  // far from files a, b and c
             // The castled king's shield of 1 + 3 + 3 + 3, of which 9 are worth nothing.
             {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P3/2N2N1B/PPPP1PPP/R1BQ1RK1 w - -", "g1", 6, 0},
-            {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P3/2N2N1B/PPPP1PPP/R1BQ1RK1 w - -", "g8", 6, 0},
             {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P3/2N2NPB/PPPP1P1P/R1BQ1RK1 w - -", "g1", 0, 0},
-            {"r1bq1rk1/pppp1ppp/2n2n1b/4p3/4P1P1/2N2N1B/PPPP1P1P/R1BQ1RK1 w - -", "g1", -6, 0},
             // Black's f- and g-pawns have come across.
             {"rnkqbbnr/ppppp2p/8/8/5pp1/8/PPPPPPPP/RNBQRBKN w - -", "g1", 6 - 480, 0},
             {"rnbqrbkn/ppppp2p/8/8/5pp1/8/PPPPPPPP/RNBQRBKN w - -", "g1", 6, 0},
@@ -103,8 +96,6 @@ TEST(Terms, PassedPawnsAndCandidates) {
         {"6k1/7p/P7/8/8/8/8/6K1 w - -", 114 + 30 + 12 + 36, 12, 32, 512},
         // In front stands the king, and the pawn hangs: 78 - 19, (24 * 1 - 16 * 7) * 6 / 16.
         {"8/k6p/P7/8/8/8/8/6K1 w - -", 59 - 33, 6 + (24 * 4 - 16 * 7) * 2 / 16, 100, 0},
-        // Behind an own pawn a third; the first one as above.
-        {"6k1/7p/P7/P7/8/8/8/6K1 w - -", 192 + 12, 12, 32, 512},
         // On the seventh the race is won or lost by the move.
         {"1K6/P6p/2k5/8/8/8/8/8 w - -", 260 + 14 + 65, 11 + 8, 64, 1024},
         {"1K6/P6p/2k5/8/8/8/8/8 b - -", 260 + 14, 11 + 8 + 2, 64, 1024},

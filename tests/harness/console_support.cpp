@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
+#include <tuple>
 
 #include "board/fen.h"
 #include "board/verify.h"
@@ -62,17 +62,16 @@ std::string game_difference(const Game& a, const Game& b) {
     const Position& p = a.position;
     const Position& q = b.position;
     if (position_to_fen(p) != position_to_fen(q)) return "fen";
-    if (p.key != q.key || p.pawn_key != q.pawn_key || p.fifty != q.fifty) return "keys or fifty";
-    if (p.flaw != q.flaw) return "flaw";
+    if (p.key != q.key || p.pawn_key != q.pawn_key || p.fifty != q.fifty || p.flaw != q.flaw)
+        return "keys, fifty or flaw";
     if (a.game_ply != b.game_ply || a.ply != b.ply || a.last_move != b.last_move) return "record";
+    const auto fields = [](const UndoRecord& r) {
+        return std::tuple(r.key, r.pawn_key, r.move, r.captured, r.ep, r.fifty, r.castle);
+    };
     for (int i = 0; i < a.game_ply; ++i) {
-        const UndoRecord& r = a.undo[i];
-        const UndoRecord& s = b.undo[i];
-        if (r.key != s.key || r.pawn_key != s.pawn_key || r.move != s.move) return "undo";
-        if (r.captured != s.captured || r.ep != s.ep || r.fifty != s.fifty || r.castle != s.castle)
-            return "undo";
+        if (fields(a.undo[i]) != fields(b.undo[i])) return "undo";
     }
-    return verify(p).empty() ? std::string(verify(q)) : std::string(verify(p));
+    return std::string(verify(p)) + std::string(verify(q));
 }
 
 }  // namespace quon::test

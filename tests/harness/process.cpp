@@ -34,7 +34,7 @@ Process::Process(Lines arguments, const std::string& elsewhere, const std::strin
                  OutputPipe output)
     : directory_(std::filesystem::temp_directory_path() / "quon-test-XXXXXX") {
     std::signal(SIGPIPE, SIG_IGN);
-    arguments.insert(arguments.begin(), QUON_BINARY);
+    arguments.insert(arguments.begin(), {QUON_BINARY, "-calibration", "1000000"});
     std::vector<char*> words;
     for (std::string& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
@@ -62,9 +62,7 @@ Process::Process(Lines arguments, const std::string& elsewhere, const std::strin
         if (chdir(start.c_str()) == 0) execv(words[0], words.data());
         _exit(127);
     }
-    close(pipes[0][0]);
-    close(pipes[1][1]);
-    close(pipes[2][1]);
+    for (const int end : {pipes[0][0], pipes[1][1], pipes[2][1]}) close(end);
     output_ = pipes[1][0];
     errors_ = pipes[2][0];
 }
@@ -75,9 +73,7 @@ Process::~Process() {
         waitpid(child_, nullptr, 0);
         take_errors();
     }
-    close_end(input_);
-    close_end(output_);
-    close_end(errors_);
+    for (int* const end : {&input_, &output_, &errors_}) close_end(*end);
     std::error_code error;
     std::filesystem::remove_all(directory_, error);
 }

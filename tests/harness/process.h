@@ -1,6 +1,7 @@
 #pragma once
 // The program as a child process with pipes for its input and output, in a temporary directory of
-// its own. It may live for ten minutes: a child that hangs fails its test.
+// its own; a million positions a second are given for its speed. It may live for ten minutes: a
+// child that hangs fails its test.
 
 #include <sys/types.h>
 
@@ -10,6 +11,19 @@
 namespace quon::test {
 
 using Lines = std::vector<std::string>;
+
+// How much slower than usual the program may be.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr double SLOWNESS = 20;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr double SLOWNESS = 20;
+#else
+constexpr double SLOWNESS = 1;
+#endif
+#else
+constexpr double SLOWNESS = 1;
+#endif
 
 // How a process looked when it was left alone: everything it had not been read, and its exit status
 // (-1 after a signal).

@@ -2,13 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "board/fen.h"
-#include "board/make.h"
-#include "board/move_text.h"
 #include "harness/book_support.h"
-#include "harness/engine.h"
 #include "protocol/session.h"
 
 namespace quon::test {
@@ -77,63 +71,6 @@ TEST_F(BookSession, BookThatCannotBeRead) {
     const Lines lines = session.answers({"setoption name OwnBook value true"});
     EXPECT_TRUE(contains(lines, "info string book file mine.opn cannot be read"));
     EXPECT_TRUE(names_move(session.best_move({"go depth 1"})));
-}
-
-// Plays against itself from a collection, in the book and out of it.
-TEST_F(BookSession, RealBook) {
-    std::filesystem::copy_file(data_file("/data/pgn/engine-openings.pgn"), "book.pgn");
-    {
-        Session console({"-c", "-nolog"}, directory.path());
-        console.send({"mkbook", "quit"});
-        const Ending ending = console.wait();
-        EXPECT_EQ(ending.lines.back(), "done");
-        EXPECT_EQ(ending.errors, "");
-    }
-    write_file("quon.rc", "QuonBook = book.opn\n");
-    const Records records = records_of(read_file("book.opn"));
-    const auto find = [&](const Position& p) {
-        return std::find_if(records.begin(), records.end(),
-                            [&](const BookRecord& r) { return r.key == record_key(p); });
-    };
-    // Counted in half points and hundredths, so that nothing is rounded.
-    const auto book_should_know = [&](Game& game, int ply) {
-        const Position& p = game.position;
-        if (ply > 24 || (ply > 0 && find(p) == records.end())) return false;
-        const int percent = p.side == WHITE ? 45 : 41;
-        for (const Move move : legal_moves(p)) {
-            make_move(game.position, move);
-            const auto r = find(p);
-            unmake_move(game.position);
-            if (r != records.end() && r->wins + r->draws >= 9 &&
-                100 * (2 * r->wins + r->draws) > 2 * percent * game_count(*r))
-                return true;
-        }
-        return false;
-    };
-    Session session({"-nolog"}, directory.path());
-    session.send({"setoption name OwnBook value true"});
-    for (int round = 0; round < scaled(5); ++round) {
-        const auto game = make_game(START_FEN);
-        std::string moves;
-        for (int ply = 0; ply < 30; ++ply) {
-            const bool from_book = book_should_know(*game, ply);
-            session.send(
-                {"position startpos" + (moves.empty() ? "" : " moves" + moves), "go depth 1"});
-            const Lines lines = session.read_to("bestmove");
-            const Lines book = lines_with(lines, "info string book move is ");
-            const std::string best = split(lines.back(), ' ')[1];
-            const std::vector<Move> legal = legal_moves(game->position);
-            const Move move = parse_coordinates(game->position, best);
-            ASSERT_NE(std::find(legal.begin(), legal.end(), move), legal.end()) << best;
-            make_move(game->position, move);
-            EXPECT_EQ(book.size(), from_book ? 1U : 0U) << moves;
-            if (!book.empty()) {
-                EXPECT_TRUE(book[0].ends_with(best)) << book[0];
-                EXPECT_NE(find(game->position), records.end()) << moves << " " << best;
-            }
-            moves += " " + best;
-        }
-    }
 }
 
 TEST_F(BookSession, Console) {

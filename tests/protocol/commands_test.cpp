@@ -2,27 +2,20 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <fstream>
 
+#include "harness/board_support.h"
+#include "harness/files.h"
 #include "protocol/session.h"
 #include "syzygy/table_writer.h"
 
 namespace quon::test {
 namespace {
 
-std::string last_word(const std::string& line) { return line.substr(line.rfind(' ') + 1); }
-
 TEST(Protocol, Identity) {
     Session session(Lines{});
-    const std::string speed = session.read_line();
-    EXPECT_TRUE(matches(speed, R"(info string et= \d\.\d{3}, nodes= \d+, nps= \d+)")) << speed;
-    // The most the engine can do, by the formula from its speed.
+    EXPECT_EQ(session.read_line(), "info string et= 0.000, nodes= 0, nps= 1000000");
     const Lines lines = session.answers({"uci"});
-    const Lines elo_line = lines_with(lines, "option name UCI_Elo");
-    ASSERT_EQ(elo_line.size(), 1U);
-    const std::string elo = last_word(elo_line[0]);
-    EXPECT_NEAR(std::stod(elo), 111 * std::log(std::stod(last_word(speed)) - 20) + 1337, 1.0);
     const Lines expected = {
         "CMD: uci",
         "id name Quon 3.60",
@@ -32,7 +25,8 @@ TEST(Protocol, Identity) {
         "option name Ponder type check default true",
         "option name Contempt type spin default 0 min -150 max 150",
         "option name UCI_LimitStrength type check default false",
-        "option name UCI_Elo type spin default " + elo + " min 1500 max " + elo,
+        // The most that the engine can do: 111 * log(1000000 - 20) + 1337, rounded.
+        "option name UCI_Elo type spin default 2871 min 1500 max 2871",
         "option name MultiPV type spin default 1 min 1 max 255",
         "option name Clear Hash type button",
         "option name MoveOverhead type spin default 50 min 0 max 5000",
@@ -65,34 +59,49 @@ TEST(Protocol, TablebasesOfTheParameterFile) {
 
 TEST(Protocol, OptionRepliesAndNewValues) {
     Session session;
-    const std::string speed = last_word(session.read_line());
+    const std::string long_path(129, 'p');
+    const std::string elo = "UCI_Elo set to %\ncalibration nps = 1000000\ntarget nps = ";
+    const std::string no_tables = "\nfound 0 tablebases";
     const struct {
-        std::string name, value, reply, listed;  // listed: the value that "uci" tells at the end
+        std::string name, value, reply;  // "" if there is none; % stands for the value
+        std::string listed = "";         // the value that "uci" tells at the end
     } cases[] = {
-        {"Hash", "8", "Hash size set to 8M bytes", ""},
-        {"Hash", "-7", "Hash size set to 0M bytes", ""},
-        {"Hash", "3", "Hash size set to 3M bytes", "3"},
-        {"Threads", "81", "Threads set to 80", ""},
-        {"Threads", "no", "Threads set to 1", ""},
-        {"Threads", "2", "Threads set to 2", "2"},
-        {"Ponder", "false", "Ponder set to false", "false"},
-        {"Contempt", "21", "Contempt set to 21", "21"},
-        {"UCI_LimitStrength", "true", "UCI_LimitStrength set to true", "true"},
-        {"MultiPV", "4", "MultiPV set to 4", "4"},
-        {"Clear Hash", "", "Hash table cleared", ""},
-        {"clear hash", "true", "", ""},
-        {"MoveOverhead", "120", "MoveOverhead set to 120 ms", "120"},
-        {"OwnBook", "true", "OwnBook set to true", "true"},
-        {"SyzygyProbeDepth5", "9", "SyzygyProbeDepth5 set to 9", "9"},
-        {"SyzygyProbeDepth6", "8", "SyzygyProbeDepth6 set to 8", "8"},
-        {"No such option", "1", "", ""},
+        {"Hash", "-7", "Hash size set to 0M bytes"},
+        {"Hash", "3", "Hash size set to %M bytes", "3"},
+        {"Threads", "81", "Threads set to 80"},
+        {"Threads", "no", "Threads set to 1"},
+        {"Threads", "2", "Threads set to %", "2"},
+        {"Ponder", "True", "Ponder set to false", "false"},
+        {"Contempt", "-151", "Contempt set to -150"},
+        {"Contempt", "999999999999999999999", "Contempt set to 150"},
+        {"Contempt", "21", "Contempt set to %", "21"},
+        {"UCI_LimitStrength", "true", "UCI_LimitStrength set to %", "true"},
+        {"UCI_Elo", "1500", elo + "24"},
+        {"UCI_Elo", "2870", elo + "1000000000"},
+        {"MultiPV", "256", "MultiPV set to 255"},
+        {"MultiPV", "4", "MultiPV set to %", "4"},
+        {"Clear Hash", "", "Hash table cleared"},
+        {"clear hash", "true", ""},
+        {"MoveOverhead", "5001", "MoveOverhead set to 5000 ms"},
+        {"MoveOverhead", "120", "MoveOverhead set to % ms", "120"},
+        {"OwnBook", "true", "OwnBook set to %", "true"},
+        {"SyzygyPath", "", "SyzygyPath set to '.'" + no_tables},
+        {"SyzygyPath", long_path + "q", "SyzygyPath set to '" + long_path + "'" + no_tables},
+        {"SyzygyPath", "<empty>", "SyzygyPath set to '%'", "<empty>"},
+        {"SyzygyProbeDepth5", "0", "SyzygyProbeDepth5 set to 1", "1"},
+        {"SyzygyProbeDepth6", "101", "SyzygyProbeDepth6 set to 100", "100"},
+        {std::string(4000, 'n'), "1", ""},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(session.answers({"setoption name " + c.name + " value " + c.value}),
-                  c.reply.empty() ? Lines{} : Lines{"info string " + c.reply});
+        Lines expected = split(c.reply, '\n');
+        if (c.reply.empty()) expected.clear();
+        for (std::string& line : expected) {
+            const std::size_t place = line.find('%');
+            if (place != std::string::npos) line.replace(place, 1, c.value);
+            line.insert(0, "info string ");
+        }
+        EXPECT_EQ(session.answers({"setoption name " + c.name + " value " + c.value}), expected);
     }
-    EXPECT_EQ(session.answers({"setoption name SyzygyPath value /no/such"})[0],
-              "info string SyzygyPath set to '/no/such'");
     const Lines listed = session.answers({"uci"});
     for (const auto& c : cases) {
         if (c.listed.empty()) continue;
@@ -100,19 +109,6 @@ TEST(Protocol, OptionRepliesAndNewValues) {
         ASSERT_EQ(line.size(), 1U);
         EXPECT_NE((line[0] + " ").find(" default " + c.listed + " "), std::string::npos) << line[0];
     }
-    EXPECT_TRUE(contains(listed, "option name SyzygyPath type string default /no/such"));
-    EXPECT_TRUE(contains(listed, "option name Log type check default false"));
-
-    Lines replies = session.answers({"setoption name UCI_Elo value 1000"});
-    ASSERT_EQ(replies.size(), 3U);
-    EXPECT_EQ(replies[0], "info string UCI_Elo set to 1500");
-    EXPECT_TRUE(replies[1].starts_with("info string calibration nps = " + speed.substr(0, 2)));
-    EXPECT_EQ(replies[2], "info string target nps = 24");
-    replies = session.answers({"setoption name UCI_Elo value 999999"});
-    ASSERT_EQ(replies.size(), 3U);
-    const std::string most = lines_with(session.answers({"uci"}), "option name UCI_Elo").at(0);
-    EXPECT_NEAR(std::stod(last_word(replies[0])), std::stod(last_word(most)), 1.0);
-    EXPECT_EQ(replies[2], "info string target nps = 1000000000");
 }
 
 TEST(Protocol, LineEnds) {
@@ -129,8 +125,7 @@ TEST(Protocol, LineEnds) {
     session.send_bytes("\n");
     EXPECT_EQ(session.read_line(), "readyok");
     // Words that mean nothing.
-    EXPECT_EQ(session.answers({"", "   ", "hello", "UCI", "GO depth 1", "perft 3", "xyzzy uci",
-                               "\x01\x02\xff\xfe", "\tisready", "debug on", "register later"}),
+    EXPECT_EQ(session.answers({"", "   ", "UCI", "xyzzy uci", "\x01\xff", "\tisready", "debug on"}),
               Lines{});
 }
 
@@ -149,15 +144,7 @@ TEST(Protocol, LongLines) {
     for (int i = 0; i < 1250; ++i) game += " g1f3 g8f6 f3g1 f6g8";
     EXPECT_EQ(session.answers({game + " e2e4 e7e5", "position"}),
               Lines{remark + "25033 characters"});
-    EXPECT_EQ(session.answers({game + " e2e4 e2e5"})[1], "info string illegal move e2e5");
     EXPECT_TRUE(names_move(session.best_move({"position startpos moves e2e4", "go depth 2"})));
-}
-
-Lines file_lines(const std::string& path) {
-    Lines lines;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) lines.push_back(line);
-    return lines;
 }
 
 TEST(Protocol, LogHoldsWhatIsPrinted) {
@@ -168,7 +155,7 @@ TEST(Protocol, LogHoldsWhatIsPrinted) {
     EXPECT_EQ(session.answers({"unlogged"}), Lines{});
     session.answers({"setoption name Log value true"});
     const std::string log = session.directory() + "/quon.log";
-    const Lines logged = file_lines(log);
+    const Lines logged = split(read_file(log), '\n');
     EXPECT_EQ(lines_with(logged, "info string fen "),
               Lines{"info string fen rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"});
     EXPECT_EQ(lines_with(logged, "info string ply= 1, trg_time= ").size(), 1U);
@@ -186,7 +173,7 @@ TEST(Protocol, LogHoldsWhatIsPrinted) {
     quiet.send({"isready", "quit"});
     EXPECT_EQ(quiet.wait().status, 0);
     ASSERT_TRUE(std::ifstream(log).good());
-    EXPECT_EQ(file_lines(log), Lines{});
+    EXPECT_EQ(read_file(log), "");
 }
 
 }  // namespace

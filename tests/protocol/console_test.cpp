@@ -67,11 +67,7 @@ TEST(ConsoleSession, SearchesReportAndPlayNothing) {
     EXPECT_TRUE(names_move_played(session.read_summary())) << "analysis without a limit, ended";
     session.send({".", "bd"});
     EXPECT_EQ(session.read_line(), START) << "nothing was played, nothing is left to end";
-    // The end of the input ends an analysis only if nothing else would.
-    session.send({"go 11"});
-    session.close_input();
-    EXPECT_TRUE(session.read_to("00] 11. ").back().starts_with("00] 11. "));
-    EXPECT_EQ(session.wait().status, 0);
+    EXPECT_EQ(session.finish(), 0);
 }
 
 TEST(ConsoleSession, CommandsDuringASearch) {
@@ -81,23 +77,13 @@ TEST(ConsoleSession, CommandsDuringASearch) {
         const char* next;  // the beginning of what follows
     } cases[] = {
         {"bd", false, "rnbqkbnr/"},
-        {"depth 20", false, ""},
-        {"save", false, ""},
         {"sp", false, "piece values="},
         {"pv", false, "PV: "},
-        {"swap", false, ""},
-        {"e2e5", false, ""},
         {"new", true, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w"},
         {"fen 4k3/8/8/8/8/8/4P3/4K3 w - -", true, "4k3/8/"},
         {"e4", true, "2. move e4"},
-        {"undo", true, "rnbqkbnr/pppppppp/8/8/3P4/"},
-        {"]", true, "2. move c2c4"},
-        {"jump 0", true, START},
-        {"load missing", true, "loading missing, tag "},
-        {"get 1", true, "get"},
         {"ev", true, "eval= "},
         {"perft 1", true, "visited "},
-        {"set LMR_depth 3", true, "LMR_depth set to 3"},
         {"go 1", true, "move= "},
     };
     ConsoleSession session({"-nolog", "-threads", "2"});
@@ -124,22 +110,6 @@ TEST(ConsoleSession, CommandsDuringASearch) {
     EXPECT_EQ(session.finish(), 0);
 }
 
-TEST(ConsoleSession, PositionsThatCannotBeSearched) {
-    ConsoleSession session({"-nolog"});
-    session.send({"edit", "#", "w Ke1", "b Ke2 Kh8", ".", "ev", "perft 3", "e2", "pv", "mv"});
-    EXPECT_EQ(session.read_board()[6], "7k/8/8/8/8/8/4k3/4K3 b - -");
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(session.read_line(), "illegal position: Black needs one king");
-    }
-    EXPECT_TRUE(session.read_summary().starts_with("move= null, "));
-    // The end of the input ends an edit too.
-    session.send({"edit", "#", "w Ka1", "b Kc3"});
-    session.close_input();
-    const Ending ending = session.wait();
-    EXPECT_EQ(ending.status, 0);
-    EXPECT_TRUE(contains(ending.lines, "8/8/8/8/8/2k5/8/K7 b - -"));
-}
-
 TEST(ConsoleSession, PlaysItself) {
     ConsoleSession session({"-nolog"});
     session.send(
@@ -152,79 +122,52 @@ TEST(ConsoleSession, PlaysItself) {
         session.read_board();
         ASSERT_LT(++moves, 60);
     }
-    session.send({"undo", "]"});
-    session.read_board();
-    EXPECT_EQ(session.read_line(), "2. move g1h1") << "the mate";
-    session.read_board();
     session.send({"ev"});
-    EXPECT_TRUE(session.read_to("eval= ").back().starts_with("eval= -10000, qscore= -9999,"));
+    EXPECT_TRUE(session.read_to("eval= ").back().starts_with("eval= -10000, qscore= -9999,"))
+        << "mate";
 
-    // A person who takes the board ends it; a later "self" goes on from there.
+    // A person who takes the board ends it.
     session.send({"new", "level 1 60", "self"});
     session.read_summary();
     session.send({"new", "depth 1", "bd"});
     session.read_to(START);
-    session.send({"level 3 3", "self"});
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(names_move_played(session.read_summary()));
-    // What changes nothing of the game comes between two moves.
-    session.send({"new", "depth 66", "level 1 60", "self", "perft 1"});
-    session.read_to("set level to 1 ");
-    EXPECT_TRUE(names_move_played(session.read_summary()));
-    session.read_to("visited 20 nodes");
+    session.send({"depth 66", "self"});
     session.send({".", "quit"});
     EXPECT_TRUE(names_move_played(session.read_summary())) << "it plays on";
     EXPECT_EQ(session.wait().status, 0);
 }
 
-TEST(ConsoleSession, TheLogAndWhatNeverReachesIt) {
-    ConsoleSession session;
-    session.send({"e4", "sp", "lmr", "swap", "pv", "help", "level 1 1", "frobnicate", "uci"});
+TEST(ConsoleSession, TraceAndLog) {
+    ConsoleSession session({"-threads", "2"});
+    session.send({"trace 2", "go 3"});
+    session.read_summary();
+    const auto trace = [&] { return read_file(session.directory() + "/trace.txt"); };
+    const std::string text = trace();
+    EXPECT_TRUE(text.starts_with("\n\nSEARCH DEPTH= 1\n( 1)")) << text.substr(0, 100);
+    int root_moves = 0;
+    for (const std::string& line : split(text.substr(0, text.find("DEPTH= 2")), '\n')) {
+        root_moves += line.starts_with("( 1)");
+    }
+    EXPECT_EQ(root_moves, 20);
+    // Every search has its headings, the evaluation has none.
+    session.send({"e4", "d5", "go 2"});
+    session.read_summary();
+    const std::string two = trace();
+    EXPECT_NE(two.find("\n\nSEARCH DEPTH= 1\n", text.size()), std::string::npos);
+    session.send({"ev"});
+    session.read_to("eval= ");
+    EXPECT_TRUE(trace().starts_with(two + "\n(")) << "the captures";
+    // What is printed is logged, but for what was typed and for tables.
+    session.send({"sp", "lmr", "pv", "level 1 1", "uci"});
     session.read_to("uciok");
     EXPECT_EQ(session.finish(), 0);
     const std::string log = "\n" + read_file(session.directory() + "/quon.log");
     for (const char* line : {"\n1. move e4\n", "\nset level to 1 moves", "\nuciok\n"}) {
         EXPECT_NE(log.find(line), std::string::npos) << line;
     }
-    for (const char* text : {"\ne4\n", "piece values", "LMR table", "PV:", "sq= "}) {
-        EXPECT_EQ(log.find(text), std::string::npos) << text;
+    for (const char* text_of : {"\ne4\n", "piece values", "LMR table", "PV:"}) {
+        EXPECT_EQ(log.find(text_of), std::string::npos) << text_of;
     }
-}
-
-TEST(ConsoleSession, TraceOfTheSearch) {
-    ConsoleSession session({"-nolog", "-threads", "2"});
-    session.send({"trace 2", "go 3"});
-    session.read_summary();
-    const std::string text = read_file(session.directory() + "/trace.txt");
-    EXPECT_TRUE(text.starts_with("\n\nSEARCH DEPTH= 1\n( 1)")) << text.substr(0, 100);
-    int iterations = 0;
-    int root_moves = 0;
-    for (const std::string& line : split(text, '\n')) {
-        if (line.starts_with("SEARCH")) {
-            EXPECT_EQ(line, "SEARCH DEPTH= " + std::to_string(++iterations));
-        } else if (!line.empty()) {
-            const std::string entry = R"(\([ -]\d\)([a-h][1-8]){2} )";
-            EXPECT_TRUE(matches(line, entry + "(" + entry + ")?|         " + entry)) << line;
-            root_moves += iterations == 1 && line[0] == '(';
-        }
-    }
-    EXPECT_EQ(iterations, 3);
-    EXPECT_EQ(root_moves, 20);
-    // Every search has its headings, the evaluation has none.
-    session.send({"e4", "d5", "go 2"});
-    session.read_summary();
-    const std::string two = read_file(session.directory() + "/trace.txt");
-    const std::size_t again = two.rfind("\n\nSEARCH DEPTH= 1\n");
-    EXPECT_GE(again, text.size());
-    EXPECT_GT(two.rfind("\n\nSEARCH DEPTH= 2\n"), again);
-    session.send({"ev"});
-    session.read_to("eval= ");
-    const std::string three = read_file(session.directory() + "/trace.txt");
-    EXPECT_TRUE(three.starts_with(two + "\n(")) << "the captures";
-    EXPECT_EQ(three.rfind("SEARCH"), two.rfind("SEARCH"));
-    session.send({"trace 0", "go 5"});
-    session.read_summary();
-    EXPECT_EQ(read_file(session.directory() + "/trace.txt"), three);
-    EXPECT_EQ(session.finish(), 0);
 }
 
 // Each file is told of once, and nothing else changes; also when "quit" breaks the search off.

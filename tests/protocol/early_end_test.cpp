@@ -6,7 +6,6 @@
 #include <csignal>
 #include <filesystem>
 
-#include "harness/board_support.h"
 #include "harness/tool_support.h"
 #include "platform/clock.h"
 #include "protocol/session.h"
@@ -31,7 +30,7 @@ void ask_to_end(Process& process, Way way) {
 
 void expect_soon(double start, const std::string& what) {
     const double seconds = monotonic_seconds() - start;
-    EXPECT_LT(seconds, 1000.0 / scaled(1000)) << what;
+    EXPECT_LT(seconds, 1.0 * SLOWNESS) << what;
 }
 
 // Positions whose captures have no end, and files that take long without holding anything.
@@ -59,10 +58,8 @@ TEST_F(LongWork, Tools) {
         std::vector<Way> ways;
     } cases[] = {
         {{"-mktune", "wild.epd"}, {QUIT, STOP, END_OF_INPUT, CTRL_C, TERMINATE, HANG_UP}},
-        {{"-tune", "wild.epd"}, {QUIT, TERMINATE}},
         {{"-anepd", "wild.epd", "-d", "1"}, {STOP, CTRL_C, TERMINATE}},
         {{"-anepd", "wild.epd", "-d", "5"}, {QUIT, END_OF_INPUT, HANG_UP}},
-        {{"-anepd", "wild.epd", "-d", "6"}, {QUIT, TERMINATE}},
         {{"-anepd", "empty"}, {QUIT, TERMINATE}},
         {{"-tune", "empty"}, {STOP, HANG_UP}},
         {{"-scan_pgn1", "empty"}, {END_OF_INPUT, TERMINATE}},

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "eval/eval_params.h"
 #include "harness/engine.h"
 #include "search/search_params.h"
@@ -11,54 +9,37 @@
 namespace quon::test {
 namespace {
 
-struct Reductions : testing::Test {
-    const EvalParams saved = params;
-    ~Reductions() override { set_strength(saved.LMR_strength); }
-    static void set_strength(i16 strength) {
-        params.LMR_strength = strength;
-        apply_search_params(search_params, params);
-    }
-};
-
-TEST_F(Reductions, Rows) {
-    constexpr int MOVES[] = {2, 3, 4, 6, 8, 12, 16, 24, 31};
-    const struct {
-        int depth;
-        const char *zero_window, *pv;
-    } rows[] = {{3, "111111111", "000000000"},
-                {4, "111222222", "000001111"},
-                {8, "112222333", "000111122"},
-                {16, "122233334", "011112222"},
-                {36, "222333444", "011222222"}};
-    set_strength(100);
-    for (const auto& row : rows) {
-        std::string zero_window;
-        std::string pv;
-        for (const int n : MOVES) {
-            zero_window += char('0' + search_params.zero_window_reductions[row.depth][n]);
-            pv += char('0' + search_params.pv_reductions[row.depth][n]);
-        }
-        EXPECT_EQ(zero_window, row.zero_window) << row.depth;
-        EXPECT_EQ(pv, row.pv) << row.depth;
-    }
-    for (const ReductionTable* table :
-         {&search_params.zero_window_reductions, &search_params.pv_reductions}) {
-        for (int n = 0; n < 32; ++n) EXPECT_EQ((*table)[0][n] + (*table)[1][n] + (*table)[2][n], 0);
-        for (const auto& row : *table) EXPECT_EQ(row[0] + row[1], 0);
-    }
+// Reductions of the moves 2, 3, 4, 6, 8, 12, 16, 24 and 31.
+std::string row_of(const ReductionTable& table, int depth) {
+    std::string text;
+    for (const int n : {2, 3, 4, 6, 8, 12, 16, 24, 31}) text += char('0' + table[depth][n]);
+    return text;
 }
 
-TEST_F(Reductions, Strength) {
+TEST(Reductions, Rows) {
     const struct {
-        i16 strength;
-        int early, zero_window, pv;
-    } cases[] = {{0, 0, 0, 0}, {-1, 0, 0, 0}, {-32768, 0, 0, 0}, {25, 1, 2, 2}, {32767, 4, 4, 2}};
-    for (const auto& c : cases) {  // at 25, half of 1.2 and more, rounded away from zero
-        set_strength(c.strength);
-        EXPECT_EQ(search_params.zero_window_reductions[3][2], c.early) << c.strength;
-        EXPECT_EQ(search_params.zero_window_reductions[36][31], c.zero_window) << c.strength;
-        EXPECT_EQ(search_params.pv_reductions[36][31], c.pv) << c.strength;
+        int strength, depth;
+        const char *zero_window, *pv;
+    } rows[] = {{100, 2, "000000000", "000000000"},    {100, 3, "111111111", "000000000"},
+                {100, 4, "111222222", "000001111"},    {100, 8, "112222333", "000111122"},
+                {100, 16, "122233334", "011112222"},   {100, 36, "222333444", "011222222"},
+                {-32768, 36, "000000000", "000000000"}};
+    EvalParams changed = params;
+    for (const auto& row : rows) {
+        changed.LMR_strength = i16(row.strength);
+        apply_search_params(search_params, changed);
+        EXPECT_EQ(row_of(search_params.zero_window_reductions, row.depth), row.zero_window);
+        EXPECT_EQ(row_of(search_params.pv_reductions, row.depth), row.pv);
+        EXPECT_EQ(search_params.pv_reductions[row.depth][1], 0);
     }
+    // Half of 1.2 and more, rounded away from zero; no more than the table's end holds.
+    for (const auto& [strength, early, late] : {std::tuple{25, 1, 2}, {32767, 4, 4}}) {
+        changed.LMR_strength = i16(strength);
+        apply_search_params(search_params, changed);
+        EXPECT_EQ(search_params.zero_window_reductions[3][2], early) << strength;
+        EXPECT_EQ(search_params.zero_window_reductions[36][31], late) << strength;
+    }
+    apply_search_params(search_params, params);
 }
 
 }  // namespace

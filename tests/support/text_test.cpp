@@ -44,14 +44,5 @@ TEST(Words, FromFirstLetter) {
     for (const auto& [text, expected] : cases) EXPECT_EQ(from_first_letter(text), expected) << text;
 }
 
-TEST(Words, Blanks) {
-    EXPECT_EQ(without_leading_blanks("  a b "), "a b ");
-    EXPECT_EQ(without_trailing_blanks("  a b "), "  a b");
-    EXPECT_EQ(without_leading_blanks("   "), "");
-    EXPECT_EQ(without_trailing_blanks("   "), "");
-    EXPECT_EQ(text_from("abc", 2), "c");
-    EXPECT_EQ(text_from("abc", 4), "");
-}
-
 }  // namespace
 }  // namespace quon::test
