@@ -5,7 +5,7 @@
 // sets. Its index is the occupancy of the squares that matter: gathered by one instruction where
 // the processor has it (PEXT; the set is then kept gathered as well, in a quarter of the memory),
 // else by a multiplication with a constant that brings them to the top bits ("magic bitboards").
-// Tested against ray walks in tests/board/bitboard_test.cpp.
+// Tested against ray walks in tests/board/movegen_test.cpp.
 
 #include <bit>
 

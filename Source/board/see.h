@@ -6,7 +6,7 @@
 // with nothing left to recapture, stops. Sliders behind a piece that has captured join in. A king
 // that takes a defended piece counts as lost for 9999; promotions and the pawn taken en passant are
 // not valued. One call costs a few table lookups per capture; no board is changed.
-// Tested against a plain recursive search in tests/board/see_test.cpp.
+// Compared with figures of another program in tests/board/reference_test.cpp.
 
 #include "board/position.h"
 

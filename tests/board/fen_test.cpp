@@ -1,11 +1,5 @@
 // Positions as text: reading, writing, odd and broken input, EPD lines.
 
-#include "board/fen.h"
-
-#include <gtest/gtest.h>
-
-#include "board/make.h"
-#include "board/verify.h"
 #include "harness/board_support.h"
 
 namespace quon::test {
@@ -120,7 +114,7 @@ TEST(Epd, Operations) {
         EpdRecord record{"x", "x", "x", "x", "x", "x"};
         EXPECT_EQ(parse_epd_line(line, record), is_record) << line;
         const auto fields = [](const EpdRecord& r) {
-            return std::vector<std::string>{r.fen, r.bm, r.am, r.id, r.ce, r.c0};
+            return Lines{r.fen, r.bm, r.am, r.id, r.ce, r.c0};
         };
         EXPECT_EQ(fields(record), fields(expected)) << line;
     }

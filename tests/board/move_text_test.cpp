@@ -1,24 +1,11 @@
 // Moves as text: the written forms, reading SAN, reading coordinates.
 
-#include "board/move_text.h"
-
-#include <gtest/gtest.h>
-
-#include "board/fen.h"
-#include "board/movegen.h"
 #include "engine/report.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 
 namespace quon::test {
 namespace {
-
-TEST(MoveText, Styles) {
-    options.uci_mode = false;
-    EXPECT_EQ(move_to_text(make_code(12, 5, PROMOTE_BISHOP)), "e2f1=B");
-    options.uci_mode = true;
-    EXPECT_EQ(move_to_text(make_code(12, 5, PROMOTE_BISHOP)), "e2f1b");
-}
 
 // Rows of a position and "text:move" for each text, the move empty when the text is refused.
 using TextRows = std::vector<std::pair<const char*, const char*>>;
@@ -28,7 +15,7 @@ void expect_reading(const TextRows& rows, Move (*read)(const Position&, std::str
     for (const auto& [fen, texts] : rows) {
         const auto game = make_game(fen);
         for (const std::string& pair : split(texts, ' ')) {
-            const std::vector<std::string> sides = split(pair, ':');
+            const Lines sides = split(pair, ':');
             const std::string expected = sides[1].empty() ? "null" : sides[1];
             EXPECT_EQ(move_to_text(read(game->position, sides[0])), expected) << fen << " " << pair;
         }

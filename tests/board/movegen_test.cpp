@@ -1,16 +1,38 @@
-// Generators against each other, legality and checks against making the move.
+// Sliders and keys, generators against each other and against published counts, legality and checks
+// against making the move.
 
-#include "board/movegen.h"
-
-#include <gtest/gtest.h>
-
-#include "board/fen.h"
-#include "board/legality.h"
-#include "board/make.h"
+#include "board/bitboard.h"
+#include "board/keys.h"
+#include "board/perft.h"
 #include "harness/board_support.h"
 
 namespace quon::test {
 namespace {
+
+TEST(Bitboard, SlidersStopAtTheFirstBlocker) {
+    Random random(2);
+    for (int square = 0; square < 64; ++square) {
+        ASSERT_EQ(orth_lines[square], reach_by_steps(ROOK, square, 0));
+        ASSERT_EQ(diag_lines[square], reach_by_steps(BISHOP, square, 0));
+        for (int i = scaled(1000); i > 0; --i) {
+            Bitboard men = random();
+            for (int thin = pick(random, 4); thin > 0; --thin) men &= random();
+            ASSERT_EQ(rook_attacks(square, men), reach_by_steps(ROOK, square, men)) << square;
+            ASSERT_EQ(bishop_attacks(square, men), reach_by_steps(BISHOP, square, men)) << square;
+        }
+    }
+}
+
+// The first word by hand; a signature of the rest, which slow drawing by the definition confirmed.
+TEST(Keys, AreTheStream) {
+    u64 signature = 0;
+    for (const auto& row : piece_sq_keys) {
+        for (const u64 key : row) signature = signature * 31 + key;
+    }
+    for (const u64 key : state_keys) signature = signature * 31 + key;
+    EXPECT_EQ(piece_sq_keys[0][0] >> 32, 36969U * 65536U + 18000U);
+    EXPECT_EQ(signature, 12009177996388126485U);
+}
 
 // The set of moves is counted by perft, its order shows in node counts; here the parts are those of
 // the whole, and only generated codes are pseudo-legal.
@@ -101,6 +123,33 @@ TEST(GivesCheck, SpecialMoves) {
         const auto game = make_game(fen);
         const MoveEntry entry{move, 0, game->position.board[move_from(move)], 0};
         EXPECT_EQ(gives_check(game->position, entry), answer) << fen << " " << move;
+    }
+}
+
+// Published move path counts.
+
+// Checks those counts of a line "FEN ;D1 n ;D2 n ..." that are at most `bound`; at least one.
+void check_counts(const std::string& line, u64 bound) {
+    const Lines parts = split(line, ';');
+    const auto game = make_game(parts[0]);
+    int checked = 0;
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        int depth = 0;
+        unsigned long long count = 0;
+        ASSERT_EQ(std::sscanf(parts[i].c_str(), "D%d %llu", &depth, &count), 2) << line;
+        if (count > bound) continue;
+        EXPECT_EQ(perft(game->position, depth), count) << parts[0] << "depth " << depth;
+        ++checked;
+    }
+    EXPECT_GT(checked, 0) << line;
+    EXPECT_EQ(perft(game->position, 0), 0U);
+}
+
+TEST(Perft, SharedSuites) {
+    for (const char* name : {"/data/perft.epd", "/data/perft-special.epd"}) {
+        const Lines lines = shared_lines(name);
+        ASSERT_GT(lines.size(), 100U) << name;
+        for (const std::string& line : lines) check_counts(line, u64(scaled(1000000)));
     }
 }
 

@@ -1,24 +1,15 @@
 // Moves, keys, move texts and exchange values against figures of another program.
 
-#include <gtest/gtest.h>
-
-#include "board/fen.h"
 #include "board/keys.h"
-#include "board/legality.h"
-#include "board/move_text.h"
-#include "board/movegen.h"
 #include "board/see.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {
 
-using Cells = std::vector<std::string>;
-
 // The texts of all moves in one cell.
-Cells moves_cell(const Position& p, std::string (*text)(const Position&, const MoveEntry&)) {
+Lines moves_cell(const Position& p, std::string (*text)(const Position&, const MoveEntry&)) {
     MoveEntry list[MAX_LIST];
     std::string row;
     for (const MoveEntry *entry = list, *end = gen_all(p, list); entry != end; ++entry) {
@@ -49,7 +40,7 @@ TEST(BoardReference, Moves) {
 
 TEST(BoardReference, Keys) {
     expect_reference("keys", [](const Position& p) {
-        Cells cells;
+        Lines cells;
         for (const unsigned long long key : {p.key, p.pawn_key, full_key(p)}) {
             cells.push_back(format("%016llx", key));
         }
@@ -66,7 +57,7 @@ TEST(BoardReference, Exchanges) {
             if (value == 0) continue;
             row += format(row.empty() ? "%s=%d" : " %s=%d", square_name[square], value);
         }
-        return Cells{row};
+        return Lines{row};
     });
 }
 

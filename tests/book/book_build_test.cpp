@@ -3,18 +3,9 @@
 
 #include "book/book_build.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
-#include "board/fen.h"
-#include "board/make.h"
-#include "board/move_text.h"
+#include "book/book_merge.h"
 #include "engine/output.h"
-#include "engine/report.h"
 #include "harness/book_support.h"
-#include "harness/engine.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {
@@ -123,50 +114,30 @@ TEST_F(BookBuild, WhatStandsBeforeTheFirstResult) {
     EXPECT_EQ(records_of(read_file("book.opn")), records);
 }
 
-// A move as a game might spell it.
-std::string spelled(const Position& p, Move move, Random& random) {
-    const int piece = p.board[move_from(move)];
-    const MoveForms forms = move_forms(p, {move, 0, u8(piece), 0});
-    const std::string choices[] = {forms.san, forms.san, forms.file, forms.rank};
-    const std::string text = choices[pick(random, 4)];
-    Move read = NO_MOVE;
-    return !text.empty() && read_move(p, text, read) && read == move ? text : forms.coord;
-}
-
-std::string chatter(Random& random) {
-    const std::string words[] = {
-        "",         "", "", "", "{ e4 e5 (d4) }", "(1. d4 d5)", "$12", "\n", "{[%clk 0:01]}\n",
-        "({;} Nf3)"};
-    return words[pick(random, int(std::size(words)))] + (pick(random, 3) ? " " : "\n");
-}
-
+// The ways of writing a move are tried above.
 TEST_F(BookBuild, RandomGamesAgainstMap) {
     const int games = 5200;  // more than one merge
     Random random(11);
     GameCount count;
     std::string pgn;
-    captured_output([&] {
-        for (int n = 0; n < games; ++n) {
-            const std::string results[] = {"1-0", "0-1", "1/2-1/2", "*"};
-            const std::string result = results[pick(random, 4)];
-            const auto game = make_game(START_FEN);
-            const Position& p = game->position;
-            pgn += "[Event \"?\"]\n[Result \"" + result + "\"]\n\n";
-            const int plies = n % 50 == 0 ? 60 : 4 + pick(random, 3);
-            for (int ply = 0; ply < plies; ++ply) {
-                const std::vector<Move> moves = legal_moves(p);
-                if (moves.empty()) break;
-                const std::size_t choices =
-                    ply < 5 ? std::min<std::size_t>(3, moves.size()) : moves.size();
-                const Move move = moves[random() % choices];
-                if (ply % 2 == 0) pgn += format("%d.%s", ply / 2 + 1, pick(random, 2) ? " " : "");
-                pgn += spelled(p, move, random) + " " + chatter(random);
-                make_move(game->position, move);
-                if (ply < 50) add(count, outcome(p, result));
-            }
-            pgn += result + "\n\n";
+    for (int n = 0; n < games; ++n) {
+        const std::string result = pick_from(random, Lines{"1-0", "0-1", "1/2-1/2", "*"});
+        const auto game = make_game(START_FEN);
+        const Position& p = game->position;
+        pgn += "[Event \"?\"]\n[Result \"" + result + "\"]\n\n";
+        const int plies = n % 50 == 0 ? 60 : 4 + pick(random, 3);
+        for (int ply = 0; ply < plies; ++ply) {
+            std::vector<Move> moves = legal_moves(p);
+            if (moves.empty()) break;
+            if (ply < 5) moves.resize(std::min<std::size_t>(3, moves.size()));
+            const Move move = pick_from(random, moves);
+            pgn += move_forms(p, {move, 0, p.board[move_from(move)], 0}).coord;
+            pgn += pick_from(random, Lines{" ", "\n", " {e4 (d4)} ", "(1. d4 d5) ", " $12\n"});
+            make_move(game->position, move);
+            if (ply < 50) add(count, outcome(p, result));
         }
-    });
+        pgn += result + "\n\n";
+    }
     const std::string dots(25, '.');  // every 200 games, the 5,000th included
     EXPECT_EQ(build(pgn), dots + "\nmerging...\n..\nmerging...\npruning...\ndone\n");
     EXPECT_EQ(records_of(read_file("book.opn")), records_of(count, 9));
@@ -179,23 +150,13 @@ TEST_F(BookBuild, RealGames) {
         const std::string games = data_file("/data/pgn/" + name + ".pgn");
         if (games.empty() && name != "engine-openings") continue;
         EXPECT_TRUE(build(read_file(games)).ends_with("\npruning...\ndone\n"));
-        std::vector<std::string> own;
+        Lines own;
         for (const BookRecord& r : records_of(read_file("book.opn"))) {
             own.push_back(
                 format("%04x %08x %d %d %d", r.key.key16, r.key.key32, r.losses, r.wins, r.draws));
         }
         EXPECT_EQ(own, shared_lines("/reference/tools/book-" + name + ".txt")) << name;
     }
-}
-
-TEST_F(BookBuild, OddFilesDoNoHarm) {
-    std::string pgn;
-    for (const std::string& file : data_files("/data/pgn/odd")) {
-        for (int i = 0; i < 9; ++i) pgn += read_file(file) + "\n";
-    }
-    build(pgn);
-    EXPECT_GT(records_of(read_file("book.opn")).size(), 10U);
-    EXPECT_EQ(open_book("book.opn"), "");
 }
 
 TEST_F(BookBuild, NoGames) {
@@ -235,6 +196,73 @@ TEST_F(BookBuild, FailuresLeaveTheOldBook) {
     for (const char* file : {"book.pgn", "book.opn"}) std::filesystem::remove(file);
     std::filesystem::create_directory("book.opn");
     EXPECT_TRUE(build(pgn).ends_with("pruning...\ncannot write book.opn: Is a directory\n"));
+}
+
+// ---- Merging runs.
+
+const BookWork WORK{print_unlogged, engine_print, {}};
+
+struct BookMerge : testing::Test {
+    BookDirectory directory;
+    Random random{7};
+
+    // Few keys, so that they meet; counters up to far beyond the limit of a sum.
+    Records random_records(int count) {
+        Records records;
+        for (int i = 0; i < count; ++i) {
+            const BookKey key = {u16(random() % 64 * 1000), u32(random() % 8 * 600000000)};
+            const int limit = pick(random, 2) ? 60001 : 20;
+            records.push_back({key, u16(pick(random, limit)), u16(pick(random, limit)),
+                               u16(pick(random, limit))});
+        }
+        return records;
+    }
+    Records random_run(int count) { return in_order(random_records(count)); }
+};
+
+GameCount count_of(const Records& a, const Records& b) {
+    GameCount count;
+    for (const BookRecord& r : a) add(count, r);
+    for (const BookRecord& r : b) add(count, r);
+    return count;
+}
+
+TEST_F(BookMerge, AgainstSortedMap) {
+    for (int round = 0; round < scaled(40); ++round) {
+        const Records a = random_run(round * 10);
+        const Records b = random_run(pick(random, 300));
+        const Records merged = records_of(count_of(a, b), 0);
+        write_file("a.opn", bytes_of(a));
+        write_file("b.opn", bytes_of(b));
+        ASSERT_TRUE(merge_runs("a.opn", "b.opn", "c.opn", WORK));
+        ASSERT_EQ(records_of(read_file("c.opn")), merged);
+        ASSERT_TRUE(merge_runs("a.opn", b, "c.opn", WORK));
+        ASSERT_EQ(records_of(read_file("c.opn")), merged);
+        ASSERT_TRUE(merge_runs("none.opn", b, "c.opn", WORK));
+        ASSERT_EQ(read_file("c.opn"), bytes_of(b));
+        ASSERT_TRUE(merge_runs("a.opn", "none.opn", "c.opn", WORK));
+        ASSERT_EQ(read_file("c.opn"), bytes_of(a));
+
+        Records single = random_records(round * 20);
+        for (BookRecord& r : single) {
+            r = {r.key, u16(r.losses % 2), u16(r.wins % 2), u16(r.draws % 2)};
+        }
+        const Records sum = records_of(count_of(single, {}), 0);
+        sort_into_run(single);
+        ASSERT_EQ(single, sum);
+    }
+}
+
+TEST_F(BookMerge, CopyFrequent) {
+    const Records records = {{{9, 1}, 9, 0, 0},
+                             {{8, 1}, 3, 3, 2},
+                             {{7, 1}, 3, 3, 3},
+                             {{6, 1}, 0, 0, 8},
+                             {{5, 1}, 60000, 60000, 60000},
+                             {{4, 1}, 0, 0, 0}};
+    write_file("a.opn", bytes_of(records));
+    EXPECT_EQ(copy_frequent("a.opn", 9, "c.opn", WORK), 3);
+    EXPECT_EQ(records_of(read_file("c.opn")), (Records{records[0], records[2], records[4]}));
 }
 
 }  // namespace

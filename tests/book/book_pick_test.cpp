@@ -2,16 +2,9 @@
 
 #include "book/book_pick.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 
-#include "board/fen.h"
-#include "board/move_text.h"
-#include "board/verify.h"
-#include "engine/report.h"
 #include "harness/book_support.h"
-#include "harness/engine.h"
 
 namespace quon::test {
 namespace {

@@ -1,14 +1,6 @@
-// Look-ups in books, also in such as no book should be.
-
-#include "book/book.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
+// Keys, and look-ups in books, also in such as no book should be.
 
 #include "harness/book_support.h"
-#include "harness/engine.h"
 
 namespace quon::test {
 namespace {
@@ -28,7 +20,7 @@ Records random_records(int count, Random& random) {
         const u16 key16 = u16(bits % 4 ? bits >> 8 & 0x8FC3 : bits >> 8);
         records.push_back({{key16, u32(bits >> 32)}, u16(random()), u16(random()), u16(random())});
     }
-    return without_doubles(in_order(records));
+    return in_order(records);
 }
 
 // Looks the records up in random order, and neighbours of theirs that are not in the book.
@@ -113,6 +105,13 @@ TEST_F(Book, UnsortedOrReplacedWhileInUse) {
     }
     std::filesystem::remove("a.opn");
     expect_no_inventions(all, before);
+}
+
+TEST(BookKey, Reference) {
+    expect_reference("keys", [](const Position& p) {
+        const BookKey key = book_key(p);
+        return Lines{"*", "*", "*", format("%04x", key.key16), format("%08x", key.key32)};
+    });
 }
 
 }  // namespace

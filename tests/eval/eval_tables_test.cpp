@@ -2,15 +2,12 @@
 
 #include "eval/eval_tables.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "eval/eval_params.h"
 #include "eval/tunables.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {

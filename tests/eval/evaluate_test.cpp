@@ -1,12 +1,5 @@
-// The evaluation as a whole: its frame, its caches, its symmetry.
+// The evaluation as a whole: its frame, its caches, its figures.
 
-#include "eval/evaluate.h"
-
-#include <gtest/gtest.h>
-
-#include "board/fen.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/eval_support.h"
 
 namespace quon::test {
@@ -74,23 +67,28 @@ TEST(Evaluate, CachedEqualsComputed) {
     EXPECT_GT(cached->pawn_hits, 0U);
 }
 
-// The exchange evaluator takes with the lowest square of equal attackers, and what stands behind it
-// can decide: a mirror image then differs now and then.
-TEST(Evaluate, ColorFlipSymmetry) {
+// Every term of many positions against figures of another program.
+TEST(EvalReference, NoDifference) {
     const auto state = make_eval_state();
-    int positions = 0;
-    int broken = 0;
-    const auto compare = [&](const Position& p) {
-        const auto image = make_game(flip_colors(p));
-        ++positions;
-        broken +=
-            evaluate_traced(*state, p).score != evaluate_traced(*state, image->position).score;
-    };
-    visit_random_positions(scaled(4000), 8, [&](Game& game) { compare(game.position); });
-    for (const std::string& fen : shared_lines("/data/positions.fen")) {
-        compare(make_game(fen)->position);
-    }
-    EXPECT_LE(broken * 200, positions);
+    expect_reference("evaluation", [&](const Position& p) {
+        const auto [score, notes, trace] = evaluate_traced(*state, p);
+        Lines cells = {std::to_string(score),
+                       "*",  // the quiescence search's score
+                       std::to_string(trace.stage),
+                       format("%0.2f", trace.factor),
+                       square_list(trace.hung),
+                       square_list(trace.pinned)};
+        for (const auto& sides : trace.total) {
+            cells.push_back(format("%d,%d", sides[WHITE], sides[BLACK]));
+        }
+        std::string squares;
+        for (int square = 0; square < 64; ++square) {
+            if (square > 0) squares += ',';
+            if (p.board[square] != 0) squares += std::to_string(trace.square[square]);
+        }
+        cells.push_back(squares);
+        return cells;
+    });
 }
 
 }  // namespace

@@ -2,53 +2,42 @@
 
 #include "engine/param_settings.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "harness/files.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {
 
-// Reads files of its own; the options are put back afterwards.
-class ParamFile : public testing::Test {
-protected:
-    void TearDown() override {
-        std::filesystem::remove(path);
+// The options are put back afterwards.
+struct ParamFile : testing::Test {
+    ~ParamFile() override {
         options = saved;
         settings = saved_settings;
     }
 
     // Loads a file with this text into a new record; what is printed goes to `printed`.
     bool load(const std::string& text) {
-        std::ofstream(path, std::ios::binary) << text;
+        write_file("my.rc", text);
         record = {};
         bool result = false;
-        printed = captured_output([&] { result = load_params(engine, path, record); });
+        printed = captured_output([&] { result = load_params(engine, "my.rc", record); });
         return result;
     }
 
-    const std::string path =
-        testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() + ".rc";
-    const std::string loaded = "loaded parameters from " + path + "\n";
+    const Directory directory{true};
+    const std::string loaded = "loaded parameters from my.rc\n";
     const std::string no_tables = loaded + "file quon.rc contains invalid PST\n";
     std::string printed;
     EvalParams record;
-
-private:
     const EngineOptions saved = options;
     const SearchSettings saved_settings = settings;
 };
 
 TEST_F(ParamFile, MissingFileChangesNothing) {
     record.pst[PAWN][A1] = {1, 2};
-    make_pipe(path);
-    for (const std::string& file : {path + "none", path, std::string("/dev/zero")}) {
+    make_pipe("pipe");
+    for (const char* file : {"none", "pipe", "/dev/zero"}) {
         EXPECT_EQ(captured_output([&] { EXPECT_FALSE(load_params(engine, file, record)); }), "");
         EXPECT_EQ(record.pst[PAWN][A1].en, 2) << file;
     }

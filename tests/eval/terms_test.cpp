@@ -1,11 +1,7 @@
 // Pawns, pieces, kings, passed pawns and threats in positions made for them, with figures worked
 // out by hand.
 
-#include <gtest/gtest.h>
-
 #include "eval/parameters.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/eval_support.h"
 
 namespace quon::test {

@@ -1,16 +1,11 @@
 // What the command line and the UCI commands leave in the engine. Plain values, refusals and
 // replies are tried on the program itself, in tests/protocol.
 
-#include <gtest/gtest.h>
-
-#include "board/fen.h"
-#include "board/make.h"
 #include "frontend/command_line.h"
 #include "frontend/uci.h"
 #include "harness/board_support.h"
 #include "harness/engine.h"
 #include "search/strength.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {

@@ -1,18 +1,7 @@
 // Console commands that set up positions, walk through the game, and keep it in files.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "board/fen.h"
-#include "board/make.h"
-#include "board/move_text.h"
-#include "board/verify.h"
 #include "engine/report.h"
-#include "harness/board_support.h"
 #include "harness/console_support.h"
-#include "harness/engine.h"
-#include "search/run.h"
 
 namespace quon::test {
 namespace {
@@ -104,21 +93,6 @@ TEST_F(ConsoleGame, WalksToAndFro) {
             ASSERT_EQ(game_difference(game, *after[std::size_t(move.ply)]), "") << move.line;
         }
     }
-}
-
-TEST_F(ConsoleGame, LongGames) {
-    for (int i = 0; i < MAX_GAME_PLIES + 1; ++i) {
-        constexpr const char* SHUFFLE[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
-        Move move = NO_MOVE;
-        ASSERT_TRUE(read_move(game.position, SHUFFLE[i % 4], move));
-        make_game_move(game, move);
-    }
-    console("undo");
-    console("]");
-    console("jump 99999");  // what is left of the record can be replayed without an end
-    EXPECT_LE(game.game_ply, MAX_GAME_PLIES);
-    EXPECT_EQ(verify(game.position), "");
-    EXPECT_GT(game.game_ply, MAX_GAME_PLIES / 2);
 }
 
 TEST_F(ConsoleGame, SavedGamesComeBack) {
@@ -241,7 +215,7 @@ TEST_F(ConsoleGame, Edit) {
     };
     for (const auto& c : cases) {
         console("new");
-        const std::string output = edit(c.lines);
+        const std::string output = rig.edit(c.lines);
         EXPECT_EQ(output, std::string(EDIT_HELP) + c.message + board_text()) << c.lines;
         EXPECT_EQ(game_fen(), c.fen) << c.lines;
         EXPECT_EQ(game.game_ply, 0);
@@ -251,7 +225,7 @@ TEST_F(ConsoleGame, Edit) {
     // The en-passant square and the fifty-move counter stay.
     console("fen rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq e3");
     game.position.fifty = 33;
-    edit("w Na3");
+    rig.edit("w Na3");
     EXPECT_EQ(game.position.fifty, 33);
     EXPECT_TRUE(game_fen().ends_with(" w KQkq e3"));
 }
@@ -259,20 +233,16 @@ TEST_F(ConsoleGame, Edit) {
 TEST_F(ConsoleGame, EditOfABoardWithTenQueens) {
     console("fen 6nk/P5pp/8/8/1QQQ4/1QQQ4/1QQQ4/K7 w - -");
     console("a8=Q");
-    constexpr char REFUSED[] = "more than nine pieces of a kind";
-    const struct {
-        const char *line, *fen;
-        bool refused, searched;
-    } cases[] = {
-        {"w Qa8 Qg1 Pa2", "Q5nk/6pp/8/8/1QQQ4/1QQQ4/PQQQ4/K7 w - -", true, false},
-        {"w Na8 Pg3", "N5nk/6pp/8/8/1QQQ4/1QQQ2P1/PQQQ4/K7 w - -", false, true},
+    const auto refused = [](const std::string& output) {
+        return output.find("more than nine pieces of a kind") != std::string::npos;
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(edit(c.line).find(REFUSED) != std::string::npos, c.refused) << c.line;
-        EXPECT_EQ(game_fen(), c.fen);
-        EXPECT_EQ(verify(game.position), "");
-        EXPECT_EQ(console("ev").find(REFUSED) == std::string::npos, c.searched) << c.line;
-    }
+    EXPECT_TRUE(refused(rig.edit("w Qa8 Qg1 Pa2")));
+    EXPECT_EQ(game_fen(), "Q5nk/6pp/8/8/1QQQ4/1QQQ4/PQQQ4/K7 w - -");
+    EXPECT_TRUE(refused(console("ev")));
+    EXPECT_FALSE(refused(rig.edit("w Na8 Pg3")));
+    EXPECT_EQ(game_fen(), "N5nk/6pp/8/8/1QQQ4/1QQQ2P1/PQQQ4/K7 w - -");
+    EXPECT_FALSE(refused(console("ev")));
+    EXPECT_EQ(verify(game.position), "");
 }
 
 }  // namespace

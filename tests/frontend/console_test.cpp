@@ -1,19 +1,8 @@
-// The console's settings, inspections, and lines of any kind.
+// The console's settings and inspections.
 
 #include "frontend/console_commands.h"
 
-#include <gtest/gtest.h>
-
-#include "board/fen.h"
-#include "board/legality.h"
-#include "board/make.h"
-#include "board/move_text.h"
-#include "board/verify.h"
-#include "harness/board_support.h"
 #include "harness/console_support.h"
-#include "harness/engine.h"
-#include "search/control.h"
-#include "search/run.h"
 #include "search/search_params.h"
 
 namespace quon::test {
@@ -65,7 +54,6 @@ TEST_F(Console, NumbersThatAreStoredInSilence) {
         {"noise 2.5", [] { return options.output_delay.get(); }, 2.5},
         {"hash -1", [] { return double(settings.hash_mode); }, 0},
         {"trace -99999", [] { return double(settings.trace); }, -32768},
-        {"trace 0", [] { return double(settings.trace); }, 0},
         {"multipv 400", multipv, 400},
         {"set_multipv_to 3 9", multipv, 3},
     };
@@ -114,11 +102,11 @@ TEST_F(Console, ExpectedLine) {
     // The search's line from its root, the table's below it.
     for (std::size_t made = 0; made < 2; ++made) {
         const auto before = std::make_unique<Game>(game);
-        const std::vector<std::string> lines = split(console("pv"), '\n');
+        const Lines lines = split(console("pv"), '\n');
         EXPECT_EQ(game_difference(game, *before), "");
         ASSERT_TRUE(lines[0].starts_with("PV: ")) << lines[0];
         EXPECT_EQ(lines[1], "");
-        const std::vector<std::string> moves = split(lines[0].substr(4), ' ');
+        const Lines moves = split(lines[0].substr(4), ' ');
         EXPECT_EQ(game.undo[game.game_ply].move, result.line[made]);
         for (const std::string& text : moves) {
             const Move move = game.undo[game.game_ply].move;  // the line is left in the record
@@ -149,33 +137,18 @@ TEST_F(Console, UnknownWords) {
     EXPECT_EQ(game_fen(), START_FEN);
 }
 
-TEST_F(Console, LinesOfAnyKind) {
-    const std::vector<std::string> words = split(
-        "new fen bd level depth ponder get noise hash ev sp pv lmr debug undo [ ] load "
-        "save jump set perft swap move help e4 e5 Nf3 o-o e7e8=Q . mv go an self multipv "
-        "w ss_off -1 0 1 2 99999999999999999999999 1e99 : test.epd tmp.pgn",
-        ' ');
-    constexpr const char* FENS[] = {"8/8/8/8/8/8/8/8 w - -",
-                                    "kkkkkkkk/8/8/8/8/8/8/KKKKKKKK b KQkq e3",
-                                    "k7/8/8/8/8/8/8/KP6 w",
-                                    "4k3/4R3/8/8/8/8/8/4K3 w - -",
-                                    "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -",
-                                    "9/// x y z"};
-    write_file("test.epd", std::string(FENS[4]) + " id \"1\";\n" + FENS[0] + " id \"2\";\n");
-    Random random(7);
-    const auto any_word = [&] { return words[std::size_t(pick(random, int(words.size())))]; };
-    for (int i = 0; i < scaled(3000); ++i) {
-        std::string line = any_word();
-        if (line == "fen") {
-            line += std::string(" ") + FENS[pick(random, int(std::size(FENS)))];
-        } else if (line == "perft") {
-            line += " 2";
-        } else {
-            for (int more = pick(random, 4); more > 0; --more) line += " " + any_word();
-        }
-        console(line);
-        ASSERT_EQ(verify(game.position), "") << line;
+// With hung and pinned pieces, and in check, where there is no evaluation; the file was written by
+// this program.
+TEST_F(Console, EvaluationBreakdown) {
+    std::string text;
+    for (const char* fen :
+         {"4k3/5p2/2n5/1B1n4/8/3R4/PP6/4K3 w - -", "4k3/4R3/8/8/8/8/PP6/4K3 b - -"}) {
+        console(std::string("fen ") + fen);
+        text += console("ev");
     }
+    EXPECT_EQ(text, read_file(QUON_SOURCE_DIR "/tests/data/evaluation-breakdown.txt"));
+    console("fen 8/8/8/8/8/8/8/4K3 w - -");
+    EXPECT_EQ(console("ev"), "illegal position: Black needs one king\n");
 }
 
 }  // namespace

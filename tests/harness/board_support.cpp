@@ -1,23 +1,11 @@
 #include "harness/board_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <unordered_set>
 
-#include "board/fen.h"
-#include "board/legality.h"
-#include "board/make.h"
-#include "board/movegen.h"
-#include "harness/engine.h"
-
 namespace quon::test {
-
-int pick(Random& random, int bound) { return int(random() % u64(bound)); }
 
 int scaled(double count) {
     const char* const text = std::getenv("QUON_TEST_SCALE");
@@ -38,11 +26,6 @@ std::vector<Move> legal_moves(const Position& p) {
         if (is_legal(p, entry->move)) moves.push_back(entry->move);
     }
     return moves;
-}
-
-std::vector<int> piece_squares(const Position& p, int piece) {
-    const auto& list = p.plist[piece];
-    return {list.begin(), std::find(list.begin(), list.end(), NO_SQUARE)};
 }
 
 int play_random(Game& g, Random& random, int plies) {
@@ -66,33 +49,14 @@ void visit_random_positions(int count, unsigned seed, const std::function<void(G
     };
     Random random(seed);
     // Short runs reach every start too.
-    constexpr int START_COUNT = int(std::size(STARTS));
-    const int length = std::clamp(count / START_COUNT, 1, 80);
-    for (int visited = 0, start = 0; visited < count; ++start) {
-        const auto made = make_game(STARTS[start % START_COUNT]);
-        for (int ply = 0; ply < length && visited < count; ++ply, ++visited) {
+    const int length = std::clamp(count / int(std::size(STARTS)), 1, 80);
+    for (std::size_t visited = 0, start = 0; visited < std::size_t(count); ++start) {
+        const auto made = make_game(STARTS[start % std::size(STARTS)]);
+        for (int ply = 0; ply < length && visited < std::size_t(count); ++ply, ++visited) {
             visit(*made);
             if (play_random(*made, random, 1) == 0) break;
         }
     }
-}
-
-std::string flip_colors(const Position& p) {
-    const std::vector<std::string> fields = split(position_to_fen(p), ' ');
-    const auto swap_case = [](std::string text) {
-        for (char& c : text) {
-            const auto byte = static_cast<unsigned char>(c);
-            c = char(std::isupper(byte) ? std::tolower(byte) : std::toupper(byte));
-        }
-        return text;
-    };
-    std::string board;
-    for (const std::string& rank : split(fields[0], '/')) {
-        board.insert(0, board.empty() ? rank : rank + "/");
-    }
-    std::string ep = fields[3];
-    if (ep != "-") ep[1] = char('1' + '8' - ep[1]);
-    return swap_case(board) + (p.side == WHITE ? " b " : " w ") + swap_case(fields[2]) + " " + ep;
 }
 
 Bitboard reach_by_steps(int type, int from, Bitboard occupancy) {
@@ -145,19 +109,8 @@ std::string data_file(const std::string& name) {
     return std::filesystem::exists(shared) ? shared : "";
 }
 
-std::vector<std::string> data_files(const std::string& folder) {
-    std::vector<std::string> files;
-    for (const std::string& path : {data_file(folder), QUON_SHARED_DIR + folder}) {
-        std::error_code error;
-        for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
-            files.push_back(entry.path());
-        }
-    }
-    return files;
-}
-
-std::vector<std::string> shared_lines(const std::string& name) {
-    std::vector<std::string> lines;
+Lines shared_lines(const std::string& name) {
+    Lines lines;
     std::unordered_set<std::string> own;
     for (const std::string& path : {data_file(name), QUON_SHARED_DIR + name}) {
         std::ifstream file(path);
@@ -170,13 +123,13 @@ std::vector<std::string> shared_lines(const std::string& name) {
     return lines;
 }
 
-void expect_reference(const std::string& name, const CellMaker& row) {
-    const std::vector<std::string> lines = shared_lines("/reference/" + name + ".csv");
+void expect_reference(const std::string& name, const std::function<Lines(const Position&)>& row) {
+    const Lines lines = shared_lines("/reference/" + name + ".csv");
     ASSERT_GT(lines.size(), 100U) << name;
     int differences = 0;
     for (std::size_t i = 1; i < lines.size(); ++i) {
-        const std::vector<std::string> cells = split(lines[i], ';');
-        const std::vector<std::string> own = row(make_game(cells[0])->position);
+        const Lines cells = split(lines[i], ';');
+        const Lines own = row(make_game(cells[0])->position);
         ASSERT_GT(cells.size(), own.size()) << lines[i];
         for (std::size_t c = 0; c < own.size(); ++c) {
             if (own[c] == "*" || own[c] == cells[c + 1] || differences++ > 0) continue;
@@ -187,8 +140,8 @@ void expect_reference(const std::string& name, const CellMaker& row) {
     EXPECT_EQ(differences, 0) << name;
 }
 
-std::vector<std::string> split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
+Lines split(std::string_view text, char separator) {
+    Lines parts;
     for (std::size_t start = 0;;) {
         const std::size_t end = text.find(separator, start);
         parts.emplace_back(text.substr(start, end - start));

@@ -1,7 +1,10 @@
 #pragma once
-// What tests on positions share: games on the heap, random play, slow but obvious attack queries,
-// colour flip, files beside the checkout.
+// What all tests of positions share, and the headers that they need: games on the heap, random
+// play, slow but obvious attack queries, reference files.
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <random>
@@ -9,14 +12,26 @@
 #include <string_view>
 #include <vector>
 
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/move_text.h"
+#include "board/movegen.h"
 #include "board/position.h"
+#include "board/verify.h"
+#include "support/text.h"
 
 namespace quon::test {
 
 using Random = std::mt19937_64;
+using Lines = std::vector<std::string>;
 
 // A number below `bound`.
-int pick(Random& random, int bound);
+inline int pick(Random& random, int bound) { return int(random() % u64(bound)); }
+template <typename List>
+const auto& pick_from(Random& random, const List& list) {
+    return list[std::size_t(pick(random, int(std::size(list))))];
+}
 
 // `count` times the environment variable QUON_TEST_SCALE (1 when unset), at least 1.
 int scaled(double count);
@@ -28,18 +43,12 @@ inline int square_of(std::string_view name) { return make_square(name[0] - 'a', 
 
 std::vector<Move> legal_moves(const Position& p);
 
-// The squares of a piece code in the order of the position's list.
-std::vector<int> piece_squares(const Position& p, int piece);
-
 // Up to `plies` random legal moves; returns how many were made.
 int play_random(Game& game, Random& random, int plies);
 
 // Calls `visit` on `count` positions of random games from starts with castling, en passant,
 // promotions and few men. The visitor may make moves if it takes them back.
 void visit_random_positions(int count, unsigned seed, const std::function<void(Game&)>& visit);
-
-// The position seen from the other side.
-std::string flip_colors(const Position& p);
 
 // Squares that a piece (no pawn) reaches with one step after the other up to a blocker, and the
 // pieces of a side that attack a square in this way: slow but obvious.
@@ -54,17 +63,14 @@ std::string captured_output(const std::function<void()>& call);
 //
 // The file in the repository, or else in that folder; "" if it is in neither.
 std::string data_file(const std::string& name);
-// All files of a folder in both.
-std::vector<std::string> data_files(const std::string& folder);
 // The lines of the file in the repository and those that only the folder's has, without line ends.
-std::vector<std::string> shared_lines(const std::string& name);
+Lines shared_lines(const std::string& name);
 
 // Compares each row of "/reference/NAME.csv", "FEN;cell;cell ...", with the cells that `row` makes
 // of the position; it may make fewer, and "*" stands for any.
-using CellMaker = std::function<std::vector<std::string>(const Position&)>;
-void expect_reference(const std::string& name, const CellMaker& row);
+void expect_reference(const std::string& name, const std::function<Lines(const Position&)>& row);
 
 // The parts of a text between the separators.
-std::vector<std::string> split(std::string_view text, char separator);
+Lines split(std::string_view text, char separator);
 
 }  // namespace quon::test

@@ -1,35 +1,14 @@
 #include "harness/book_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "board/make.h"
-#include "board/move_text.h"
-#include "book/book.h"
-#include "engine/report.h"
-#include "harness/engine.h"
-
 namespace quon::test {
 
-BookDirectory::BookDirectory() : Directory(true), saved(options) { book_close(engine.book); }
-
-BookDirectory::~BookDirectory() {
-    book_close(engine.book);
-    options = saved;
-}
-
 Records in_order(Records records) {
-    std::sort(records.begin(), records.end(), [](const BookRecord& a, const BookRecord& b) {
-        return std::pair(a.key.key16, a.key.key32) > std::pair(b.key.key16, b.key.key32);
-    });
+    const auto key = [](const BookRecord& r) { return std::pair(r.key.key16, r.key.key32); };
+    std::stable_sort(records.begin(), records.end(),
+                     [&](const BookRecord& a, const BookRecord& b) { return key(a) > key(b); });
+    const auto same = [&](const BookRecord& a, const BookRecord& b) { return key(a) == key(b); };
+    records.erase(std::unique(records.begin(), records.end(), same), records.end());
     return records;
-}
-
-Records without_doubles(Records ordered) {
-    const auto same = [](const BookRecord& a, const BookRecord& b) { return a.key == b.key; };
-    ordered.erase(std::unique(ordered.begin(), ordered.end(), same), ordered.end());
-    return ordered;
 }
 
 std::string bytes_of(const Records& records) {
@@ -66,11 +45,6 @@ Records records_of(const std::string& bytes) {
     return records;
 }
 
-std::string open_book(const std::string& path) {
-    options.book_file = path;
-    return captured_output([] { load_book(engine); });
-}
-
 std::unique_ptr<Game> game_after(const std::string& moves, std::string_view fen) {
     auto made = make_game(fen);
     for (const std::string& text : split(moves, ' ')) {
@@ -78,15 +52,6 @@ std::unique_ptr<Game> game_after(const std::string& moves, std::string_view fen)
         if (move != NO_MOVE) make_move(made->position, move);
     }
     return made;
-}
-
-BookRecord record_of(const Position& p, int losses, int wins, int draws) {
-    return {record_key(p), u16(losses), u16(wins), u16(draws)};
-}
-
-void add(GameCount& count, const BookRecord& record) {
-    auto& counters = count[{record.key.key16, record.key.key32}];
-    counters = {counters[0] + record.losses, counters[1] + record.wins, counters[2] + record.draws};
 }
 
 Records records_of(const GameCount& count, int least) {

@@ -1,55 +1,35 @@
-// Helpers of the console tests.
-
 #include "harness/console_support.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <tuple>
 
-#include "board/fen.h"
-#include "board/verify.h"
 #include "engine/report.h"
 #include "frontend/console_commands.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
-#include "search/run.h"
 
 namespace quon::test {
 
-ConsoleRig::ConsoleRig()
-    : before(std::filesystem::current_path()),
-      directory(std::filesystem::temp_directory_path() / "quon-console-XXXXXX") {
-    if (mkdtemp(directory.data()) == nullptr) std::abort();
-    std::filesystem::current_path(directory);
+ConsoleRig::ConsoleRig() : input_{dup(STDIN_FILENO)} {
     options.uci_mode = false;
-    int ends[2];
-    if (pipe(ends) != 0) std::abort();
-    dup2(ends[0], STDIN_FILENO);  // open to the end of the process
-    close(ends[0]);
+    control.quit_requested = false;
+    if (pipe(input_ + 1) != 0) std::abort();
+    dup2(input_[1], STDIN_FILENO);
 }
 
 ConsoleRig::~ConsoleRig() {
-    std::filesystem::current_path(before);
-    std::filesystem::remove_all(directory);
+    dup2(input_[0], STDIN_FILENO);
+    for (const int descriptor : input_) close(descriptor);
+}
+
+std::string ConsoleRig::edit(const std::string& lines) const {
+    const std::string bytes = lines + "\n.\n";
+    EXPECT_EQ(write(input_[2], bytes.data(), bytes.size()), ssize_t(bytes.size()));
+    return console("edit");
 }
 
 std::string console(const std::string& line) {
     return captured_output([&] { handle_console_command(engine, line); });
-}
-
-std::string edit(const std::string& lines) {
-    int ends[2];
-    const int input = dup(STDIN_FILENO);
-    if (pipe(ends) != 0) std::abort();
-    const std::string bytes = lines + "\n.\n";
-    EXPECT_EQ(write(ends[1], bytes.data(), bytes.size()), ssize_t(bytes.size()));
-    dup2(ends[0], STDIN_FILENO);
-    std::string output = console("edit");
-    dup2(input, STDIN_FILENO);
-    for (const int descriptor : {input, ends[0], ends[1]}) close(descriptor);
-    return output;
 }
 
 std::string board_text() {

@@ -1,5 +1,3 @@
-// The tests' engine.
-
 #include "harness/engine.h"
 
 #include "engine/search_report.h"
@@ -8,13 +6,8 @@ namespace quon::test {
 
 Engine engine;
 
-namespace {
-
-SearchReporter reporter(engine);
-
-}  // namespace
-
 void derive_parameters() {
+    static SearchReporter reporter(engine);
     engine.listener = &reporter;
     derive_tables(engine);
 }

@@ -37,19 +37,6 @@ Directory::~Directory() {
     std::filesystem::remove_all(path_, error);
 }
 
-void Directory::write(const std::string& name, const std::string& bytes) const {
-    write_file(path(name), bytes);
-}
-
-std::string Directory::read(const std::string& name) const { return read_file(path(name)); }
-
-bool Directory::make_full(const std::string& name) const {
-    std::error_code error;
-    if (!std::filesystem::exists("/dev/full", error)) return false;
-    std::filesystem::create_symlink("/dev/full", path(name), error);
-    return !error;
-}
-
 FullDisk::FullDisk(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     getrlimit(RLIMIT_FSIZE, &before_);

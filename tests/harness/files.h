@@ -23,10 +23,10 @@ public:
 
     const std::string& path() const { return path_; }
     std::string path(const std::string& name) const { return path_ + "/" + name; }
-    void write(const std::string& name, const std::string& bytes) const;
-    std::string read(const std::string& name) const;  // "" if it is not there
-    // Makes a file for whose content there is no room; false where the system has no such device.
-    bool make_full(const std::string& name) const;
+    void write(const std::string& name, const std::string& bytes) const {
+        write_file(path(name), bytes);
+    }
+    std::string read(const std::string& name) const { return read_file(path(name)); }
 
 private:
     std::string path_;

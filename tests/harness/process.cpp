@@ -1,16 +1,13 @@
 #include "harness/process.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <regex>
 
 namespace quon::test {
@@ -19,7 +16,7 @@ namespace {
 
 // Far beyond any healthy session, also with a sanitizer on a loaded machine.
 constexpr unsigned LIFETIME_SECONDS = 600;
-constexpr int PATIENCE_MS = 60000;
+constexpr int PATIENCE_MS = 120000;
 constexpr int NARROW_SIZE = 4096;
 constexpr int LONGEST_LINE = 500;
 
@@ -31,8 +28,7 @@ void close_end(int& descriptor) {
 }  // namespace
 
 Process::Process(Lines arguments, const std::string& elsewhere, const std::string* whole_input,
-                 OutputPipe output)
-    : directory_(std::filesystem::temp_directory_path() / "quon-test-XXXXXX") {
+                 OutputPipe output) {
     std::signal(SIGPIPE, SIG_IGN);
     arguments.insert(arguments.begin(), {QUON_BINARY, "-calibration", "1000000"});
     std::vector<char*> words;
@@ -45,13 +41,12 @@ Process::Process(Lines arguments, const std::string& elsewhere, const std::strin
     }
     if (output != OutputPipe::USUAL) fcntl(pipes[1][1], F_SETPIPE_SZ, NARROW_SIZE);
     if (output == OutputPipe::NARROW_NONBLOCKING) fcntl(pipes[1][1], F_SETFL, O_NONBLOCK);
-    if (mkdtemp(directory_.data()) == nullptr) std::abort();
     input_ = pipes[0][1];
     if (whole_input) {
         send_bytes(*whole_input);
         close_input();
     }
-    const std::string& start = elsewhere.empty() ? directory_ : elsewhere;
+    const std::string& start = elsewhere.empty() ? directory() : elsewhere;
     child_ = fork();
     if (child_ == 0) {
         std::signal(SIGPIPE, SIG_DFL);
@@ -74,8 +69,6 @@ Process::~Process() {
         take_errors();
     }
     for (int* const end : {&input_, &output_, &errors_}) close_end(*end);
-    std::error_code error;
-    std::filesystem::remove_all(directory_, error);
 }
 
 void Process::send(const Lines& lines) {
@@ -118,7 +111,8 @@ Lines Process::read_to(const std::string& beginning) {
             lines.push_back(line);
             if (line.starts_with(beginning)) return lines;
         }
-        if (!fill()) {
+        pollfd watched{output_, POLLIN, 0};
+        if (poll(&watched, 1, PATIENCE_MS) == 0 || !fill()) {
             ADD_FAILURE() << "never came: " << beginning << "\nlast line: " << line;
             lines.emplace_back();
             return lines;
@@ -178,6 +172,20 @@ Ending run_to_end(const Lines& arguments, const std::string& input) {
     return process.wait();
 }
 
+Lines Session::answers(Lines lines) {
+    lines.emplace_back("isready");
+    send(lines);
+    Lines replies = read_to("readyok");
+    replies.pop_back();
+    std::erase_if(replies, [](const auto& line) { return line.starts_with("info string et="); });
+    return replies;
+}
+
+std::string Session::best_move(const Lines& lines) {
+    send(lines);
+    return read_to("bestmove").back();
+}
+
 Lines lines_with(const Lines& lines, const std::string& beginning) {
     Lines found;
     std::copy_if(lines.begin(), lines.end(), std::back_inserter(found),
@@ -191,6 +199,11 @@ bool contains(const Lines& lines, const std::string& line) {
 
 bool matches(const std::string& line, const std::string& pattern) {
     return std::regex_match(line, std::regex(pattern));
+}
+
+bool names_move(const std::string& line) {
+    const std::string move = "[a-h][1-8][a-h][1-8][nbrq]?";
+    return matches(line, "bestmove " + move + "( ponder " + move + ")?");
 }
 
 }  // namespace quon::test

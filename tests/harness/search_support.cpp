@@ -1,27 +1,7 @@
-// Helpers of the search tests.
-
 #include "harness/search_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "board/fen.h"
-#include "board/keys.h"
-#include "board/legality.h"
-#include "board/make.h"
-#include "board/move_text.h"
-#include "board/verify.h"
 #include "engine/output.h"
-#include "engine/search_report.h"
-#include "eval/eval_tables.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "platform/clock.h"
-#include "search/control.h"
-#include "search/hash.h"
-#include "search/search.h"
-#include "search/search_params.h"
 #include "search/time.h"
 
 namespace quon::test {
@@ -126,9 +106,8 @@ std::string copy_problem(const ThreadData& t) {
     const Position& own = t.position;
     const Position& master = game.position;
     if (own.owner != &t) return "owner";
-    if (!std::equal(own.board.begin(), own.board.end(), master.board.begin())) return "board";
-    if (full_key(own) != full_key(master) || own.pawn_key != master.pawn_key) return "keys";
-    if (own.fifty != master.fifty) return "fifty";
+    if (position_to_fen(own) != position_to_fen(master)) return "board";
+    if (own.key != master.key || own.fifty != master.fifty) return "key or fifty";
     if (t.game_ply != game.game_ply || t.last_move != game.last_move) return "record";
     if (t.ply != 1 || t.ext_acc % 16 != t.ext_acc) return "ply";
     return std::string(verify(own));

@@ -2,12 +2,12 @@
 // What tests of the search share: a table and threads for the life of a test, one-line searches,
 // and slow but obvious judges of their results.
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include "eval/eval_params.h"
+#include "harness/board_support.h"
 #include "harness/engine.h"
+#include "search/control.h"
+#include "search/hash.h"
+#include "search/run.h"
+#include "search/search.h"
 #include "search/threads.h"
 
 namespace quon::test {

@@ -2,8 +2,6 @@
 
 #include "pgn/pgn_reader.h"
 
-#include <gtest/gtest.h>
-
 #include "harness/board_support.h"
 
 namespace quon::test {

@@ -3,12 +3,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <thread>
 
+#include "harness/files.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/file_map.h"
@@ -60,22 +57,18 @@ TEST(StandardOutput, NeverBlocks) {
 }
 
 TEST(FileMap, HoldsTheWholeFileOrNothing) {
-    std::string directory = std::filesystem::temp_directory_path() / "quon-map-XXXXXX";
-    ASSERT_NE(mkdtemp(directory.data()), nullptr);
+    const Directory directory;
     std::string content;
     for (int i = 0; i < 100000; ++i) content += char(i * 7);
-    const std::string name = directory + "/data";
-    std::ofstream(name, std::ios::binary) << content;
-    std::ofstream(directory + "/empty", std::ios::binary).flush();
-
-    const MappedFile file = map_file(name);
-    std::filesystem::remove(name);  // the mapping outlives the name
+    directory.write("data", content);
+    directory.write("empty", "");
+    const MappedFile file = map_file(directory.path("data"));
+    std::filesystem::remove(directory.path("data"));  // the mapping outlives the name
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(file.data()), file.size()), content);
     unmap_file(file);
-    for (const std::string& other : {directory + "/empty", directory + "/missing", directory}) {
-        EXPECT_TRUE(map_file(other).empty()) << other;
+    for (const char* other : {"empty", "missing", "."}) {
+        EXPECT_TRUE(map_file(directory.path(other)).empty()) << other;
     }
-    std::filesystem::remove_all(directory);
 }
 
 TEST(Topology, IsPlausible) {

@@ -1,9 +1,7 @@
-// The opening book in a game, and the console's commands for it.
-
-#include <gtest/gtest.h>
+// The opening book in a game.
 
 #include "harness/book_support.h"
-#include "protocol/session.h"
+#include "harness/process.h"
 
 namespace quon::test {
 namespace {
@@ -11,12 +9,10 @@ namespace {
 struct BookSession : testing::Test {
     BookDirectory directory;
 
-    // A book in which White opens e2e4 and Black answers c7c5, without chance.
-    void small_book() const {
+    // A book of the positions after these moves, good for who has made the last.
+    static void write_book(const Lines& games) {
         Records records;
-        for (const char* moves : {"e2e4", "e2e4 c7c5"}) {
-            records.push_back(record_of(game_after(moves)->position, 0, 9, 0));
-        }
+        for (const auto& g : games) records.push_back(record_of(game_after(g)->position, 0, 9, 0));
         write_file("quon.opn", bytes_of(in_order(records)));
     }
 };
@@ -26,7 +22,7 @@ const Lines E4_LINES = {"info string   move  result    wins losses  draws",
                         "info string book move is e2e4", "bestmove e2e4"};
 
 TEST_F(BookSession, OwnBook) {
-    small_book();
+    write_book({"e2e4", "e2e4 c7c5"});
     Session session({"-nolog"}, directory.path());
     EXPECT_TRUE(names_move(session.best_move({"go depth 2"})));  // it is off
     EXPECT_EQ(session.answers({"setoption name OwnBook value true"}),
@@ -50,12 +46,7 @@ TEST_F(BookSession, OwnBook) {
 TEST_F(BookSession, Depth) {
     const std::string shuffle = "g1f3 g8f6 f3g1 f6g8 ";
     write_file("quon.rc", "BookDepth = 4\nBookVariety = 1\n");
-    Records records;
-    for (const char* moves : {"", "e2e4", "g1f3"}) {
-        records.push_back(record_of(game_after(moves)->position, 0, 9, 0));
-    }
-    records.push_back(record_of(game_after("g1f3 g8f6")->position, 0, 9, 0));
-    write_file("quon.opn", bytes_of(in_order(records)));
+    write_book({"", "e2e4", "g1f3", "g1f3 g8f6"});
     Session session({"-nolog"}, directory.path());
     session.send({"setoption name OwnBook value true"});
     for (const auto& [game, book] : std::initializer_list<std::pair<std::string, bool>>{
@@ -63,26 +54,6 @@ TEST_F(BookSession, Depth) {
         session.send({"position startpos moves " + game, "go depth 1"});
         EXPECT_EQ(lines_with(session.read_to("bestmove"), "info string book move").empty(), !book);
     }
-}
-
-TEST_F(BookSession, BookThatCannotBeRead) {
-    write_file("quon.rc", "QuonBook = mine.opn\n");
-    Session session({"-nolog"}, directory.path());
-    const Lines lines = session.answers({"setoption name OwnBook value true"});
-    EXPECT_TRUE(contains(lines, "info string book file mine.opn cannot be read"));
-    EXPECT_TRUE(names_move(session.best_move({"go depth 1"})));
-}
-
-TEST_F(BookSession, Console) {
-    small_book();
-    Session session({"-c", "-nolog"}, directory.path());
-    session.read_to("info string et=");
-    session.send({"book", "quit"});
-    const Lines lines = session.wait().lines;
-    const Lines expected = {"   move  result    wins losses  draws",
-                            "   e2e4   100.0%       9      0      0", "book move is e2e4", "", ""};
-    ASSERT_GE(lines.size(), expected.size());
-    EXPECT_EQ(Lines(lines.end() - 5, lines.end()), expected);
 }
 
 }  // namespace

@@ -1,14 +1,9 @@
 // The tables of the guides against the program's own, in both directions.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <fstream>
 #include <set>
 
 #include "eval/parameters.h"
-#include "harness/board_support.h"
-#include "protocol/session.h"
+#include "harness/process.h"
 
 namespace quon::test {
 namespace {
@@ -16,12 +11,15 @@ namespace {
 using Rows = std::vector<Lines>;
 using Names = std::set<std::string>;
 
+Lines guide_lines(const std::string& guide) {
+    return split(read_file(std::string(QUON_SOURCE_DIR) + "/" + guide), '\n');
+}
+
 // The rows of a guide's tables whose first column has this title; cells without blanks around them.
 Rows table(const std::string& guide, const std::string& title) {
-    std::ifstream file(std::string(QUON_SOURCE_DIR) + "/" + guide);
     Rows rows;
     bool inside = false;
-    for (std::string line; std::getline(file, line);) {
+    for (const std::string& line : guide_lines(guide)) {
         if (line.starts_with("| " + title + " |")) {
             inside = true;
         } else if (!line.starts_with("|")) {
@@ -102,8 +100,7 @@ TEST(Docs, Options) {
 TEST(Docs, ConsoleCommands) {
     std::string guides;
     for (const char* name : {"console", "book", "tools"}) {
-        std::ifstream file(std::string(QUON_SOURCE_DIR) + "/docs/" + name + ".md");
-        guides.append(std::istreambuf_iterator<char>(file), {});
+        guides += read_file(std::string(QUON_SOURCE_DIR) + "/docs/" + name + ".md");
     }
     Names known;
     const Ending ending = run_to_end({"-c", "-nolog"}, "help\n");
@@ -123,10 +120,9 @@ TEST(Docs, ConsoleCommands) {
 }
 
 TEST(Docs, ParameterKeys) {
-    std::ifstream guide(std::string(QUON_SOURCE_DIR) + "/docs/quon-rc.md");
     Names told, known = {"QuonBook",   "BookDepth",         "BookVariety",
                          "SyzygyPath", "SyzygyProbeDepth5", "SyzygyProbeDepth6"};
-    for (std::string line; std::getline(guide, line);) {
+    for (const std::string& line : guide_lines("docs/quon-rc.md")) {
         if (line.starts_with("| `")) told.insert(line.substr(3, line.find('`', 3) - 3));
     }
     for (const Parameter& parameter : parameters()) known.insert(parameter.key);

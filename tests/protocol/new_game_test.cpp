@@ -1,13 +1,9 @@
 // What a new game and changed options leave behind: nothing. Searches are compared with those of a
 // process that has done nothing else.
 
-#include <gtest/gtest.h>
-
 #include <regex>
-#include <set>
 
-#include "harness/board_support.h"
-#include "protocol/session.h"
+#include "harness/process.h"
 
 namespace quon::test {
 namespace {
@@ -92,30 +88,24 @@ TEST(NewGame, BurstsOfOptions) {
     Random random(17);
     for (const char* threads : {"2", "8"}) {
         Session session({"-nolog", "-hash", "1", "-threads", threads});
-        std::set<std::string> known, told;
-        for (const std::string& line : lines_with(session.answers({"uci"}), "option name ")) {
-            known.insert(line.substr(12, line.find(" type ") - 12));
-        }
+        const Lines known = lines_with(session.answers({"uci"}), "option name ");
+        EXPECT_EQ(known.size(), std::size(values)) << "every option";
         for (int round = 0; round < scaled(12); ++round) {
-            Lines burst = {std::string("position ") + GAMES[pick(random, 4)],
+            Lines burst = {std::string("position ") + pick_from(random, GAMES),
                            std::string("setoption name Threads value ") + threads, "go infinite"};
             for (const auto& [name, all] : values) {
-                told.insert(name);
                 const Lines some = split(all, ' ');
                 const bool ends = pick(random, 4) == 0;
                 const std::string word = name;
-                if (!ends && (word == "Hash" || word == "Threads" || word == "Clear Hash" ||
-                              word == "SyzygyPath")) {
-                    continue;  // they end the search: mostly the others meet it
-                }
-                burst.push_back("setoption name " + word + " value " +
-                                some[std::size_t(pick(random, int(some.size())))]);
+                // Some end the search: mostly the others meet it.
+                if (!ends && contains({"Hash", "Threads", "Clear Hash", "SyzygyPath"}, word))
+                    continue;
+                burst.push_back("setoption name " + word + " value " + pick_from(random, some));
                 if (ends) burst.push_back("go infinite");
             }
             session.answers(burst);
             EXPECT_TRUE(names_move(session.best_move({"stop"}))) << testing::PrintToString(burst);
         }
-        EXPECT_EQ(known, told);
         EXPECT_EQ(settle(session), expected) << threads;
     }
 }

@@ -1,16 +1,10 @@
 // The program as a process: switches, exit statuses, files, the ends of its input and output, the
 // benchmark.
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
-#include "harness/board_support.h"
-#include "harness/files.h"
-#include "harness/tool_support.h"
-#include "protocol/session.h"
+#include "harness/process.h"
 
 namespace quon::test {
 namespace {
@@ -38,17 +32,7 @@ TEST(Program, SwitchesThatEndIt) {
     }
 }
 
-TEST(Program, SwitchesThatLimitSearches) {
-    Process process({"-d", "4", "-noise", "0", "-uci_extra", "-hash", "2", "-nps", "1000000"});
-    EXPECT_EQ(process.read_line(), "Elo= 2870");
-    // "go" turns to the clock, but the depth stays.
-    process.send({"go"});
-    const Lines lines = process.read_to("bestmove");
-    EXPECT_FALSE(lines_with(lines, "info [00 ] depth 4 ").empty());
-    EXPECT_EQ(lines_with(lines, "info [00 ] depth 5 "), Lines{});
-    process.send({"quit"});
-    EXPECT_EQ(process.wait().status, 0);
-
+TEST(Program, Quiet) {
     const Ending quiet = run_to_end({"-quiet"}, "go depth 6\n");
     EXPECT_EQ(quiet.status, 0);
     ASSERT_EQ(quiet.lines.size(), 2U) << "speed and move";
@@ -117,11 +101,11 @@ TEST(Program, LosesNoLineToASlowReader) {
         EXPECT_TRUE(contains(lines, "readyok"));
     }
     // The input of a tool was at its end before.
-    const Process host({"--version"});
-    std::ofstream suite(host.directory() + "/suite");
-    for (int i = 0; i < 50; ++i) suite << "6k1/5ppp/8/8/8/8/8/R5K1 w - - bm Ra8;\n";
-    suite.close();
-    Process tool({"-nolog", "-anepd", "suite", "-d", "1"}, host.directory(), nullptr,
+    const Directory directory;
+    std::string suite;
+    for (int i = 0; i < 50; ++i) suite += "6k1/5ppp/8/8/8/8/8/R5K1 w - - bm Ra8;\n";
+    directory.write("suite", suite);
+    Process tool({"-nolog", "-anepd", "suite", "-d", "1"}, directory.path(), nullptr,
                  OutputPipe::NARROW);
     tool.close_input();
     tool.await_full_output();
@@ -205,15 +189,23 @@ TEST(Program, WithoutALog) {
     EXPECT_TRUE(contains(ending.lines, "readyok"));
 }
 
-TEST(BenchProgram, Form) {
-    const Ending ending = run_to_end({"-bench2", "-d", "2", "-threads", "2"}, "");
-    EXPECT_EQ(ending.status, 0);
-    const Lines& lines = ending.lines;
-    ASSERT_EQ(lines.size(), 22U);
-    EXPECT_EQ(lines[0], "Quon 3.60 running benchmark using 2 threads");
-    EXPECT_TRUE(matches(lines[20], R"(pos 19: [ \d]{3}\.\d\d seconds)")) << lines[20];
-    EXPECT_TRUE(matches(lines[21], R"(total time= \d+\.\d\d seconds, nodes= \d+, nps= \d+)"))
-        << lines[21];
+TEST(Bench, Signature) {
+    const struct {
+        Lines words;
+        std::string threads, nodes;
+        std::size_t lines;
+    } cases[] = {{{"-bench", "-d", "6"}, "1 threads", "101415", 12},
+                 {{"-bench2", "-d", "6"}, "1 threads", "245952", 22},
+                 {{"-bench2", "-d", "2", "-threads", "2"}, "2 threads", "\\d+", 22}};
+    for (const auto& c : cases) {
+        const Ending ending = run_to_end(c.words, "");
+        EXPECT_EQ(ending.status, 0);
+        ASSERT_EQ(ending.lines.size(), c.lines);
+        EXPECT_EQ(ending.lines[0], "Quon 3.60 running benchmark using " + c.threads);
+        EXPECT_TRUE(matches(*(ending.lines.end() - 2), R"(pos +\d+: [ \d]{3}\.\d\d seconds)"));
+        const std::string total = R"(total time= \d+\.\d\d seconds, nodes= )" + c.nodes;
+        EXPECT_TRUE(matches(ending.lines.back(), total + R"(, nps= \d+)")) << ending.lines.back();
+    }
 }
 
 }  // namespace

@@ -1,17 +1,10 @@
-// Searches as a front end asks for them: every form of "go", "stop", pondering, several threads.
-
-#include <gtest/gtest.h>
+// Searches as a front end asks for them: "stop", commands meanwhile, games, garbage.
 
 #include <set>
 
-#include "board/legality.h"
-#include "board/make.h"
-#include "board/move_text.h"
-#include "harness/board_support.h"
 #include "harness/engine.h"
+#include "harness/process.h"
 #include "platform/clock.h"
-#include "protocol/session.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {
@@ -37,26 +30,6 @@ TEST(SearchSession, InfoLinesAndBestMove) {
     const std::string best = lines.back().substr(9, 4);
     EXPECT_TRUE(line.starts_with(best)) << line << lines.back();
     EXPECT_TRUE(lines.back().ends_with("ponder " + line.substr(5, 4))) << line << lines.back();
-    expect_idle(session);
-}
-
-TEST(SearchSession, FormsOfGo) {
-    Session session;
-    const std::string forms =
-        "go depth 5|go nodes 20000|go movetime 50|go depth 300 nodes 5000|"
-        "go wtime 300 btime 300 winc 10 binc 10|go wtime 500 btime 500 movestogo 5|"
-        "go wtime -100 btime -100|go wtime 0 btime 0 winc 0 binc 0 movestogo 0|go movetime -1|"
-        "go movetime 0|go depth 3 nonsense nodes|go wtime 100 btime 100|go";  // as the clocks stand
-    for (const std::string& go : split(forms, '|')) {
-        const std::string best = session.best_move({"position startpos", go});
-        EXPECT_TRUE(names_move(best)) << go << ": " << best;
-    }
-    // The depth limit stays.
-    session.best_move({"go depth 5"});
-    session.send({"go wtime 600000 btime 600000"});
-    const Lines infos = lines_with(session.read_to("bestmove"), "info depth");
-    ASSERT_FALSE(infos.empty());
-    EXPECT_TRUE(infos.back().starts_with("info depth 5 ")) << infos.back();
     expect_idle(session);
 }
 
@@ -162,18 +135,18 @@ TEST(SearchSession, MultiPv) {
         names_move(session.best_move({"position fen 8/8/8/8/8/6k1/8/7K w - -", "go depth 4"})));
 }
 
-// Plays a game of the engine against itself through the session; every move must be legal.
-void play_game(Session& session, int moves, const std::string& go) {
+// Plays a game of the engine against itself; `think` gives the answer to a position. Every move
+// must be legal.
+void play_game(int moves, const std::function<std::string(const std::string& position)>& think) {
     const auto board = make_game(START_FEN);
     std::string played = "position startpos moves";
-    session.answers({"ucinewgame"});
     for (int i = 0; i < moves && !legal_moves(board->position).empty(); ++i) {
-        const std::string best = session.best_move({played, go});
+        const std::string best = think(played);
         ASSERT_TRUE(names_move(best)) << best << " after " << played;
         const std::string move = split(best, ' ')[1];
         const Move code = parse_coordinates(board->position, move);
         ASSERT_TRUE(code != NO_MOVE && is_legal(board->position, code)) << move << " in " << played;
-        make_move(board->position, code);
+        make_game_move(*board, code);
         played += " " + move;
     }
 }
@@ -189,8 +162,38 @@ TEST(SearchSession, Games) {
                  {"1", "0", 6, "go depth 4"}};
     for (const auto& c : cases) {
         Session session({"-nolog", "-hash", c.hash, "-threads", c.threads});
-        for (int game = 0; game < 2; ++game) play_game(session, c.moves, c.go);
+        for (int game = 0; game < 2; ++game) {
+            session.answers({"ucinewgame"});
+            play_game(c.moves, [&](const auto& p) { return session.best_move({p, c.go}); });
+        }
     }
+}
+
+// The clocks fall as they do in a game, and none runs out; the best of three games counts.
+TEST(SearchSession, GameWithFallingClocks) {
+    constexpr double INCREMENT = 0.01 * SLOWNESS;
+    Session session({"-nolog", "-hash", "1"});
+    session.answers({"setoption name MoveOverhead value 20"});
+    double least = 0;
+    for (int tries = 0; tries < 3 && least <= 0.001; ++tries) {
+        double clock[2] = {0.5 * SLOWNESS, 0.5 * SLOWNESS};
+        int side = WHITE;
+        least = clock[side];
+        play_game(60, [&](const std::string& position) {
+            session.answers({position});
+            const std::string go =
+                format("go wtime %d btime %d winc %d binc %d", int(clock[WHITE] * 1000),
+                       int(clock[BLACK] * 1000), int(INCREMENT * 1000), int(INCREMENT * 1000));
+            const double start = monotonic_seconds();
+            const std::string best = session.best_move({go});
+            clock[side] -= monotonic_seconds() - start;
+            least = std::min(least, clock[side]);
+            clock[side] += INCREMENT;
+            side ^= 1;
+            return best;
+        });
+    }
+    EXPECT_GT(least, 0.001);
 }
 
 TEST(SearchSession, PositionsWithoutAMove) {
@@ -235,21 +238,19 @@ TEST(SearchSession, Garbage) {
         "99999999999999999999",
         '|');
     Random random(20260101);
-    const int blocks = scaled(100);
     int moves = 0;
-    for (int block = 0; block < blocks; ++block) {
+    for (int block = 0; block < scaled(100); ++block) {
         Lines lines;
         for (int i = 0; i < 20; ++i) {
-            std::string line = commands[std::size_t(pick(random, int(commands.size())))] + " ";
-            for (int words_left = pick(random, 8); words_left >= 0; --words_left) {
-                line += words[std::size_t(pick(random, int(words.size())))] + " ";
+            lines.push_back(pick_from(random, commands));
+            for (int left = pick(random, 8); left >= 0; --left) {
+                lines.back() += " " + pick_from(random, words);
             }
-            lines.push_back(line);
         }
         for (const std::string& reply : session.answers(lines)) moves += names_move(reply);
         ASSERT_FALSE(HasFailure()) << testing::PrintToString(lines);
     }
-    EXPECT_GT(moves, blocks) << "the garbage should lead to searches";
+    EXPECT_GT(moves, scaled(100)) << "the garbage should lead to searches";
 }
 
 }  // namespace

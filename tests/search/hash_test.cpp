@@ -1,14 +1,7 @@
 // The transposition table, with position keys set by hand: high half the lock, low half the slot.
 
-#include <gtest/gtest.h>
-
 #include "board/keys.h"
-#include "board/make.h"
-#include "board/move_text.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/search_support.h"
-#include "search/hash.h"
 #include "search/score.h"
 
 namespace quon::test {
@@ -135,10 +128,8 @@ TEST_F(HashTest, CheckWordExposesForeignEntries) {
 
 TEST_F(HashTest, NoTableNoEntries) {
     store(7, 100, 4);
-    for (const int mode : {0, 1}) {
-        hash_start_search(engine.hash, 2, mode != 0);
-        EXPECT_EQ(depth_at(7, 100), mode ? 4 : NOT_FOUND);
-    }
+    hash_start_search(engine.hash, 2, false);
+    EXPECT_EQ(depth_at(7, 100), NOT_FOUND);
     allocate(0);
     store(7, 0xFFFFFFFF, 4);
     hash_prefetch(engine.hash, at(7, 0xFFFFFFFF));
@@ -185,15 +176,15 @@ TEST_F(HashTest, LineFollowsTheTable) {
     const struct {
         const char* stored;  // with depth 1; a move after "0:" with depth 0
         int ply;             // of the first
-        const char* given;   // what the line holds already
+        Move given;          // what the line holds already
         const char* expected;
     } cases[] = {
-        {"e2e4 e7e5 g1f3", 1, "", "e2e4 e7e5 g1f3"},
-        {"e2e4 0:e7e5 g1f3", 1, "", "e2e4"},
-        {"0:e2e4 e7e5 g1f3", 1, "e2e4", "e2e4 e7e5 g1f3"},
-        {"g1f3 g8f6 f3g1 f6g8", 1, "", "g1f3 g8f6 f3g1 f6g8"},  // the repetition ends it
-        {"e2e4 e7e5", 1, "e2e5", "e2e5"},                       // an impossible one ends it
-        {"a2a3 a7a6 b2b3 b7b6", 64, "", "a2a3 a7a6 b2b3"},      // entry 66 is the last
+        {"e2e4 e7e5 g1f3", 1, NO_MOVE, "e2e4 e7e5 g1f3"},
+        {"e2e4 0:e7e5 g1f3", 1, NO_MOVE, "e2e4"},
+        {"0:e2e4 e7e5 g1f3", 1, make_code(12, 28), "e2e4 e7e5 g1f3"},
+        {"g1f3 g8f6 f3g1 f6g8", 1, NO_MOVE, "g1f3 g8f6 f3g1 f6g8"},  // the repetition ends it
+        {"e2e4 e7e5", 1, make_code(12, 36), "e2e5"},                 // an impossible one ends it
+        {"a2a3 a7a6 b2b3 b7b6", 64, NO_MOVE, "a2a3 a7a6 b2b3"},      // entry 66 is the last
     };
     for (const auto& c : cases) {
         hash_clear(engine.hash);
@@ -206,16 +197,11 @@ TEST_F(HashTest, LineFollowsTheTable) {
         }
         const auto game = make_game(START_FEN);
         Table<Move, MAX_PLY> line{};
-        if (const std::string text = c.given; !text.empty()) {  // possible or not
-            const auto square = [&](std::size_t i) {
-                return text[i] - 'a' + (text[i + 1] - '1') * 8;
-            };
-            line[c.ply] = make_code(square(0), square(2));
-        }
+        line[c.ply] = c.given;
         hash_line(engine.hash, game->position, c.ply, line);
         std::vector<Move> found;
         for (int i = c.ply; line[i] != NO_MOVE; ++i) found.push_back(line[i]);
-        EXPECT_EQ(line_text(found), c.expected) << c.stored << " after " << c.given;
+        EXPECT_EQ(line_text(found), c.expected) << c.stored;
         EXPECT_EQ(full_key(game->position), full_key(make_game(START_FEN)->position));
     }
 }

@@ -1,12 +1,7 @@
 // Searches against figures of another program: every iteration's score, node count and line.
 
-#include <gtest/gtest.h>
-
-#include "board/move_text.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/search_support.h"
-#include "support/text.h"
+#include "tools/bench.h"
 
 namespace quon::test {
 namespace {
@@ -14,7 +9,7 @@ namespace {
 constexpr int SHARDS = 4;
 constexpr int FRESH_DEPTH = 6;  // up to here each depth has a search of its own
 
-using Cells = std::vector<std::string>;
+using Cells = Lines;
 
 std::string row(int score, u64 nodes, const std::string& line) {
     return std::to_string(score) + " " + std::to_string(nodes) + " " + line;
@@ -51,7 +46,7 @@ void compare_deep(const std::vector<Cells>& iterations) {
 class SearchReference : public testing::TestWithParam<int> {};
 
 TEST_P(SearchReference, NoDifference) {
-    const std::vector<std::string> lines = shared_lines("/reference/search.csv");
+    const Lines lines = shared_lines("/reference/search.csv");
     const SearchRig rig(64);  // the figures depend on it
     std::vector<Cells> iterations;
     int searches = 0;
@@ -73,7 +68,7 @@ TEST_P(SearchReference, NoDifference) {
 INSTANTIATE_TEST_SUITE_P(Shards, SearchReference, testing::Range(0, SHARDS));
 
 TEST(QuiescenceReference, NoDifference) {
-    const std::vector<std::string> lines = shared_lines("/reference/evaluation.csv");
+    const Lines lines = shared_lines("/reference/evaluation.csv");
     ASSERT_GT(lines.size(), 200U);
     const SearchRig rig(1);
     for (std::size_t i = 1; i < lines.size(); ++i) {
@@ -81,6 +76,19 @@ TEST(QuiescenceReference, NoDifference) {
         set_game(cells[0]);
         SearchRig::search_game(0);
         ASSERT_EQ(std::to_string(thread_data(engine, 0).root_score), cells[2]) << cells[0];
+    }
+}
+
+TEST(Bench, EveryPositionAtEveryDepth) {
+    const Lines rows = shared_lines("/reference/bench.csv");
+    const SearchRig rig(64);
+    for (int depth = 1; depth <= scaled(10); ++depth) {
+        const Lines cells = split(rows.at(std::size_t(depth)), ';');
+        for (int i = 0; i < BENCH_POSITIONS; ++i) {
+            const u64 nodes = SearchRig::search(bench_positions[i], depth).nodes;
+            ASSERT_EQ(std::to_string(nodes), cells.at(std::size_t(i) + 1))
+                << "position " << i << " depth " << depth;
+        }
     }
 }
 

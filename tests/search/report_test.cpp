@@ -1,16 +1,8 @@
 // What a search tells, to the letter.
 
-#include <gtest/gtest.h>
-
 #include "board/keys.h"
 #include "engine/search_report.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/search_support.h"
-#include "search/control.h"
-#include "search/hash.h"
-#include "search/search.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {
@@ -45,17 +37,6 @@ struct ReportTest : testing::Test {
         line = {};
         for (std::size_t i = 0; i < moves.size(); ++i) line[int(i) + 1] = moves[i];
         run.shared_line = line;
-    }
-    // What a search by the main search thread alone prints.
-    static std::string search_output(const char* fen, int depth, double elapsed) {
-        set_game(fen);
-        limits.depth_limit = u8(depth);
-        return captured_output([&] {
-            begin_search(engine);
-            run.elapsed = elapsed;
-            thread_prepare(thread_data(engine, 0));
-            iterate(thread_data(engine, 0));
-        });
     }
     std::string info(int thread, int pv_index, int depth, int score) {
         return captured_output([&] {
@@ -108,16 +89,6 @@ TEST_F(ReportTest, ConsoleLines) {
     EXPECT_NE(text.find("\n" + std::string(30, ' ') + "e7e8=Q"), std::string::npos) << text;
 }
 
-// The last line names the result.
-TEST_F(ReportTest, ProgressLines) {
-    const char* const fen = "8/4k2p/4p3/2P5/1r2P1K1/6P1/5p1P/5R2 w - -";
-    const std::vector<std::string> lines = split(search_output(fen, 5, 0), '\n');
-    const SearchResult result = SearchRig::result();
-    const std::string last = lines.at(lines.size() - 2);
-    EXPECT_NE(last.find(format(" score cp %d time ", result.score)), std::string::npos) << last;
-    EXPECT_TRUE(last.ends_with(" pv " + line_text(result.line))) << last;
-}
-
 TEST_F(ReportTest, FinalReport) {
     const struct {
         bool stopped;
@@ -128,14 +99,13 @@ TEST_F(ReportTest, FinalReport) {
                  {true, 1, 2, 9, true, true},         {true, 1, 0, 0, true, false},
                  {true, 9999, NEVER, 9, true, false}, {true, 1, 0, 9, false, false},
                  {false, 2, 2, 9, true, true}};
-    const auto report = [] { return captured_output([] { final_report(engine, 77); }); };
     for (const auto& c : cases) {
         run.finished = !c.stopped;
         run.elapsed = c.elapsed;
         run.shared_depth = i8(c.depth);
         options.output_delay = c.delay;
         set_line(c.line ? std::vector<Move>{E2E4, E7E5} : std::vector<Move>{});
-        const std::string text = report();
+        const std::string text = captured_output([] { final_report(engine, 77); });
         EXPECT_EQ(text.starts_with("info depth 9 seldepth 11 score cp 77 "), c.printed)
             << &c - cases;
         EXPECT_EQ(text.empty(), !c.printed) << &c - cases;

@@ -1,18 +1,10 @@
-// Whole searches: mates, draws, limits, threads, stops.
+// Whole searches: mates, draws, limits, threads, stops; the move picker.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "board/fen.h"
-#include "board/make.h"
-#include "board/move_text.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/search_support.h"
 #include "platform/clock.h"
-#include "search/control.h"
-#include "search/hash.h"
+#include "search/history.h"
+#include "search/picker.h"
+#include "search/search_params.h"
 
 namespace quon::test {
 namespace {
@@ -142,6 +134,24 @@ TEST(Search, SelectivityParameters) {
     }
 }
 
+// The whole table of the default strength is compared with what the console prints.
+TEST(Search, ReductionsByStrength) {
+    const struct {
+        int strength, depth, move, zero_window, pv;
+    } cases[] = {{-32768, 36, 31, 0, 0}, {25, 3, 2, 1, 0},     {25, 36, 31, 2, 2},
+                 {100, 3, 2, 1, 0},      {100, 2, 31, 0, 0},   {100, 36, 31, 4, 2},
+                 {32767, 3, 2, 4, 0},    {32767, 36, 31, 4, 2}};
+    EvalParams changed = params;
+    for (const auto& c : cases) {
+        changed.LMR_strength = i16(c.strength);
+        apply_search_params(search_params, changed);
+        EXPECT_EQ(search_params.zero_window_reductions[c.depth][c.move], c.zero_window)
+            << &c - cases;
+        EXPECT_EQ(search_params.pv_reductions[c.depth][c.move], c.pv) << &c - cases;
+    }
+    apply_search_params(search_params, params);
+}
+
 // A search that is cut short keeps the last finished result or has one of the iteration under way.
 // In lost positions a score made up for the move under way would be better than all of them.
 TEST(Search, InterruptedScores) {
@@ -226,6 +236,51 @@ TEST(Threads, ComeAndGo) {
         }
         SearchRig::start(count == 1 ? 3 : 60);  // they leave in the middle of a search
     }
+}
+
+// No move is lost or comes twice, whatever the killers; the order shows in the node counts.
+TEST(Picker, EveryMoveOnce) {
+    constexpr int PLY = 3;  // the first with an own previous move
+    Random random(5);
+    const auto t = std::make_unique<ThreadData>();
+    visit_random_positions(scaled(4000), 8, [&](Game& game) {
+        copy_game(*t, game);
+        reset_ordering(*t);
+        MoveEntry list[MAX_LIST];
+        const int count = int(gen_all(t->position, list) - list);
+        const auto some_move = [&] {
+            const bool own = pick(random, 4) != 0 && count != 0;
+            const Move move = own ? list[pick(random, count)].move : Move(random());
+            return move == LIST_END ? NO_MOVE : move;
+        };
+        PlyRecord& record = t->plies[PLY];
+        record.list_start = t->move_buffer.begin();
+        record.stage = PickStage::START;
+        record.move_count = 0;
+        record.hash_move = some_move();
+        record.killer1 = record.killer2 = record.killer_null = some_move();
+        record.killer_evasion = some_move();
+        t->plies[PLY - 2].next_pick = &NULL_ENTRY;
+
+        std::vector<Move> moves;
+        while (const MoveEntry* entry = next_move(*t, PLY, in_check(t->position))) {
+            ASSERT_EQ(record.next_pick, entry);
+            ASSERT_EQ(entry->piece, t->position.board[move_from(entry->move)]);
+            ASSERT_EQ(entry->captured, t->position.board[move_to(entry->move)]);
+            moves.push_back(entry->move);
+            ++record.move_count;
+        }
+        std::vector<Move> expected;  // the hash move comes first, and again in its turn
+        for (int i = 0; i < count; ++i) {
+            expected.push_back(list[i].move);
+            if (list[i].move != record.hash_move) continue;
+            expected.push_back(list[i].move);
+            ASSERT_EQ(moves.at(0), record.hash_move) << position_to_fen(t->position);
+        }
+        std::sort(moves.begin(), moves.end());
+        std::sort(expected.begin(), expected.end());
+        ASSERT_EQ(moves, expected) << position_to_fen(t->position);
+    });
 }
 
 }  // namespace

@@ -1,40 +1,13 @@
 // Strength limiting.
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 
-#include "board/fen.h"
-#include "frontend/uci.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/search_support.h"
 #include "platform/clock.h"
-#include "search/control.h"
 #include "search/strength.h"
 
 namespace quon::test {
 namespace {
-
-TEST(Strength, SetElo) {
-    const SearchRig rig;
-    options.calibration_nps = 512345.6;
-    options.elo_max = 2800.7;  // 0.99 of it is 2772.7
-    const struct {
-        int value, elo;
-        const char* nps;
-    } cases[] = {{-70000, 1500, "24"}, {2772, 2772, "411670"}, {2773, 2800, "1000000000"}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(captured_output([&] {
-                      setoption_command(engine, "name UCI_Elo value " + std::to_string(c.value));
-                  }),
-                  "info string UCI_Elo set to " + std::to_string(c.elo) +
-                      "\ninfo string calibration nps = 512346\ninfo string target nps = " + c.nps +
-                      "\n");
-        EXPECT_EQ(params.elo, c.elo);
-        EXPECT_NEAR(nps_to_elo(elo_to_nps(c.elo)), c.elo, 0.001);
-    }
-}
 
 TEST(Strength, Calibration) {
     const SearchRig rig;

@@ -2,12 +2,7 @@
 
 #include "search/tablebases.h"
 
-#include <gtest/gtest.h>
-
-#include "board/make.h"
 #include "engine/search_report.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
 #include "harness/search_support.h"
 #include "search/score.h"
 #include "syzygy/reference_tables.h"

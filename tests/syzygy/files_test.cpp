@@ -1,21 +1,15 @@
 // Finding and opening table files, and what is said about them.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-
-#include "harness/board_support.h"
 #include "syzygy/reference_tables.h"
 #include "syzygy/table_writer.h"
 
 namespace quon::test {
 namespace {
 
-std::vector<std::string> sides_of(int pieces) {
-    std::vector<std::string> sides = {"K"};
+Lines sides_of(int pieces) {
+    Lines sides = {"K"};
     for (; pieces > 0; --pieces) {
-        std::vector<std::string> longer;
+        Lines longer;
         for (const std::string& side : sides) {
             const std::string letters = "QRBNP";
             const auto last = side.size() == 1 ? 0 : letters.find(side.back());

@@ -1,8 +1,6 @@
 #include "syzygy/table_writer.h"
 
-#include <algorithm>
-#include <string_view>
-#include <vector>
+#include <array>
 
 #include "harness/board_support.h"
 #include "syzygy/tbprobe.h"
@@ -29,61 +27,25 @@ void pad_to(std::string& bytes, size_t unit) {
     bytes.resize((bytes.size() + unit - 1) / unit * unit);
 }
 
-// The four places of a file where the values of one side to move leave something.
-struct Packed {
-    std::string header, index, lengths, blocks;
-};
-
-void write_header(std::string& header, TableKind kind, const TableForm& form, int blocks,
-                  int extra_lengths) {
-    put(header, 1, kind == TableKind::DTZ ? form.dtz_flags : 0);
-    for (const int number : {form.block_bits, form.span_bits, extra_lengths}) {
-        put(header, 1, u64(number));
+void write_header(std::string& bytes, const TableForm& form, int blocks, int extra_lengths) {
+    for (const int number : {int{form.dtz_flags}, form.block_bits, form.span_bits, extra_lengths}) {
+        put(bytes, 1, u64(number));
     }
-    put(header, 4, u64(blocks));
-    for (int i = 0; i < 2; ++i) put(header, 1, VALUE_BITS);  // longest and shortest code
-    put(header, 2, 0);                                       // the first symbol of this length
-    put(header, 2, VALUES);
-    for (int symbol = 0; symbol < VALUES; ++symbol) {
-        put(header, 3, u64((kind == TableKind::WDL ? symbol % 5 : symbol) | NO_SYMBOL << 12));
-    }
+    put(bytes, 4, u64(blocks));
+    for (int i = 0; i < 2; ++i) put(bytes, 1, VALUE_BITS);  // longest and shortest code
+    put(bytes, 2, 0);                                       // the first symbol of this length
+    put(bytes, 2, VALUES);
+    for (int symbol = 0; symbol < VALUES; ++symbol) put(bytes, 3, u64(symbol | NO_SYMBOL << 12));
 }
 
-// For the middle of each span the block and the place in it. A last middle beyond the end falls in
-// blocks that exist only in the list of lengths; returns how many of these there are.
-int write_index(Packed& out, const TableForm& form, int per_block, int blocks) {
-    const int span = 1 << form.span_bits;
-    int extra = 0;
-    for (int middle = span / 2; middle - span / 2 < POSITIONS; middle += span) {
-        const bool inside = middle < POSITIONS;
-        const int block = inside ? middle / per_block : blocks;
-        const int number = middle - (inside ? block * per_block : POSITIONS);
-        put(out.index, 4, u64(block + number / MAX_BLOCK_LENGTH));
-        put(out.index, 2, u64(number % MAX_BLOCK_LENGTH));
-        if (!inside) extra = number / MAX_BLOCK_LENGTH + 1;
+void write_map(std::string& bytes, u8 flags) {
+    const int size = flags & DTZ_WIDE ? 2 : 1;
+    pad_to(bytes, size_t(size));
+    for (int list = 0; list < 4; ++list) {
+        put(bytes, size, VALUES);
+        for (int v = 0; v < VALUES; ++v) put(bytes, size, u64(map_entry(flags, list, v)));
     }
-    for (int i = 0; i < extra; ++i) put(out.lengths, 2, MAX_BLOCK_LENGTH - 1);
-    return extra;
-}
-
-Packed pack(TableKind kind, const TableForm& form, int side) {
-    Packed out;
-    const int per_block = (8 << form.block_bits) / VALUE_BITS;
-    const int blocks = (POSITIONS + per_block - 1) / per_block;
-    out.blocks.resize(size_t(blocks) << form.block_bits);
-    for (int i = 0; i < POSITIONS; ++i) {
-        if (i % per_block == 0) put(out.lengths, 2, u64(std::min(per_block, POSITIONS - i) - 1));
-        for (int b = 0; b < VALUE_BITS; ++b) {
-            const int bit_number =
-                (i / per_block << form.block_bits) * 8 + i % per_block * VALUE_BITS + b;
-            const int value = stored_value(side, u64(i)) >> (VALUE_BITS - 1 - b) & 1;
-            char& byte = out.blocks[size_t(bit_number / 8)];
-            byte = char(byte | value << (7 - bit_number % 8));
-        }
-    }
-    const int extra = write_index(out, form, per_block, blocks);
-    write_header(out.header, kind, form, blocks, extra);
-    return out;
+    pad_to(bytes, 2);
 }
 
 std::string file_start(u32 magic, int men, bool two_sided) {
@@ -96,45 +58,50 @@ std::string file_start(u32 magic, int men, bool two_sided) {
 
 }  // namespace
 
-int stored_value(int side, u64 index) {
-    return int((index * 2 + u64(side) + 1) * 0x9E3779B97F4A7C15 >> (64 - VALUE_BITS));
-}
+int stored_value(u64 index) { return int((index + 1) * 0x9E3779B97F4A7C15 >> (64 - VALUE_BITS)); }
 
 int map_entry(u8 dtz_flags, int list, int value) {
     return dtz_flags & DTZ_WIDE ? 1000 * value + list : 3 * value + 20 * list;
 }
 
-std::string written_table(TableKind kind, const TableForm& form) {
-    std::string bytes = file_start(kind == TableKind::WDL ? WDL_MAGIC : DTZ_MAGIC, 3, true);
-    const bool stored_black = kind == TableKind::DTZ && (form.dtz_flags & DTZ_BLACK);
-    constexpr int ORDERS[2][3] = {
-        {make_piece(WHITE, KING), make_piece(WHITE, ROOK), make_piece(BLACK, KING)},
-        {make_piece(BLACK, KING), make_piece(WHITE, KING), make_piece(WHITE, ROOK)}};
-    for (int i = 0; i < 3; ++i) {
-        put(bytes, 1, u64(ORDERS[stored_black ? 1 : 0][i] | ORDERS[1][i] << 4));
+std::string written_table(const TableForm& form) {
+    const int per_block = (8 << form.block_bits) / VALUE_BITS;
+    const int blocks = (POSITIONS + per_block - 1) / per_block;
+    std::string content(size_t(blocks) << form.block_bits, '\0'), lengths, index;
+    for (int i = 0; i < POSITIONS; ++i) {
+        if (i % per_block == 0) put(lengths, 2, u64(std::min(per_block, POSITIONS - i) - 1));
+        for (int b = 0; b < VALUE_BITS; ++b) {
+            const int at = (i / per_block << form.block_bits) * 8 + i % per_block * VALUE_BITS + b;
+            const int value = stored_value(u64(i)) >> (VALUE_BITS - 1 - b) & 1;
+            char& byte = content[size_t(at / 8)];
+            byte = char(byte | value << (7 - at % 8));
+        }
+    }
+    // For the middle of each span the block and the place in it. A last middle beyond the end falls
+    // in blocks that exist only in the list of lengths.
+    int extra = 0;
+    const int span = 1 << form.span_bits;
+    for (int middle = span / 2; middle - span / 2 < POSITIONS; middle += span) {
+        const bool inside = middle < POSITIONS;
+        const int block = inside ? middle / per_block : blocks;
+        const int number = middle - (inside ? block * per_block : POSITIONS);
+        put(index, 4, u64(block + number / MAX_BLOCK_LENGTH));
+        put(index, 2, u64(number % MAX_BLOCK_LENGTH));
+        if (!inside) extra = number / MAX_BLOCK_LENGTH + 1;
+    }
+    for (int i = 0; i < extra; ++i) put(lengths, 2, MAX_BLOCK_LENGTH - 1);
+
+    std::string bytes = file_start(DTZ_MAGIC, 3, true);
+    // King and rook, the other king: the side to move begins.
+    for (const int man : form.dtz_flags& DTZ_BLACK ? std::array{14, 6, 4} : std::array{6, 4, 14}) {
+        put(bytes, 1, u64(man | man << 4));
     }
     pad_to(bytes, 2);
-    std::vector<Packed> sides;
-    if (kind == TableKind::WDL || !stored_black) sides.push_back(pack(kind, form, WHITE));
-    if (kind == TableKind::WDL || stored_black) sides.push_back(pack(kind, form, BLACK));
-    for (const Packed& side : sides) bytes += side.header;
-    if (kind == TableKind::DTZ && form.dtz_flags & DTZ_MAPPED) {
-        const int size = form.dtz_flags & DTZ_WIDE ? 2 : 1;
-        pad_to(bytes, size_t(size));
-        for (int list = 0; list < 4; ++list) {
-            put(bytes, size, VALUES);
-            for (int v = 0; v < VALUES; ++v)
-                put(bytes, size, u64(map_entry(form.dtz_flags, list, v)));
-        }
-        pad_to(bytes, 2);
-    }
-    for (const Packed& side : sides) bytes += side.index;
-    for (const Packed& side : sides) bytes += side.lengths;
-    for (const Packed& side : sides) {
-        pad_to(bytes, 64);
-        bytes += side.blocks;
-    }
-    return bytes + std::string(CHECKSUM, '\xC5');
+    write_header(bytes, form, blocks, extra);
+    if (form.dtz_flags & DTZ_MAPPED) write_map(bytes, form.dtz_flags);
+    bytes += index + lengths;
+    pad_to(bytes, 64);
+    return bytes + content + std::string(CHECKSUM, '\xC5');
 }
 
 std::string constant_wdl_table(const std::string& name, int outcome) {

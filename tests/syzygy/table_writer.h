@@ -2,8 +2,6 @@
 // Writes endgame tables of made-up values in those forms of the file format that small real tables
 // do not have.
 
-#include <string>
-
 #include "harness/files.h"
 #include "syzygy/tbcore.h"
 
@@ -20,18 +18,17 @@ enum DtzFlags : u8 {
 };
 
 struct TableForm {
-    const char* name;
     u8 dtz_flags;
     int block_bits;  // blocks of 2^n bytes
     int span_bits;   // an entry of the sparse index for each 2^n values
 };
 
-// The table of king and rook against king, named "KRvK".
-std::string written_table(TableKind kind, const TableForm& form);
+// The distance table of king and rook against king, named "KRvK".
+std::string written_table(const TableForm& form);
 
-// What it holds: for the position with a number 0 to 63 (an outcome is the number modulo 5); and
-// the entry of the map for such a value, in the list of an outcome (0 to 3).
-int stored_value(int side, u64 index);
+// What it holds: for the position with a number 0 to 63; and the entry of the map for such a value,
+// in the list of an outcome (0 to 3).
+int stored_value(u64 index);
 int map_entry(u8 dtz_flags, int list, int value);
 
 // A table for any material without pawns, with an outcome (0 lost to 4 won) for all positions.

@@ -1,10 +1,6 @@
 // The test-suite runner as a program, on small suites whose solutions are certain.
 
-#include <gtest/gtest.h>
-
-#include "harness/board_support.h"
-#include "harness/tool_support.h"
-#include "support/text.h"
+#include "harness/process.h"
 
 namespace quon::test {
 namespace {
@@ -85,33 +81,15 @@ TEST(EpdRunner, Judgement) {
     }
 }
 
+// The other figures are compared with the reference.
 TEST(EpdRunner, Statistics) {
     const ToolDirectory directory;
     directory.write("suite", MATE + " bm Ra8;\n\n" + BLACK_MATE + " bm Ra2;\nlast line, no record");
-    const Ending told = directory.run({"-nolog", "-anepd", "suite", "-d", "6", "-hash", "1"});
-    const Lines moves = lines_with(told.lines, "move= ");
-    ASSERT_EQ(moves.size(), 2U);
-    u64 nodes = 0;
-    for (const std::string& line : moves) {
-        EXPECT_TRUE(matches(line, R"(move= a[18]a[18], time= \d+\.\d{3}, score= 9998, )"
-                                  R"(nodes= \d+, \d+K nps)"))
-            << line;
-        nodes += std::stoull(line.substr(line.find("nodes= ") + 7));
-    }
-    const Ending silent = directory.run(quiet("6"));
-    const std::string patterns[] = {"Analyzing suite\\.\\.\\.",
-                                    "1 / 2 correct best moves",
-                                    "total nodes= " + std::to_string(nodes),
-                                    "total time= \\d+\\.\\d\\d seconds",
-                                    "avg depth= \\d+\\.0",
-                                    format("avg nodes= %d\\.0", int(nodes / 2)),
-                                    "node_rate= \\d+",
-                                    "avg bf= 2\\.00",
-                                    ""};
-    ASSERT_EQ(silent.lines.size(), std::size(patterns));
-    for (std::size_t i = 0; i < std::size(patterns); ++i) {
-        EXPECT_TRUE(matches(silent.lines[i], patterns[i])) << silent.lines[i];
-    }
+    const Lines lines = directory.run(quiet("6")).lines;
+    ASSERT_EQ(lines.size(), 9U);
+    EXPECT_EQ(lines[0] + lines[1], "Analyzing suite...1 / 2 correct best moves");
+    EXPECT_TRUE(matches(lines[3], "total time= \\d+\\.\\d\\d seconds")) << lines[3];
+    EXPECT_TRUE(matches(lines[6], "node_rate= \\d+")) << lines[6];
     const Ending unsearched = directory.run(quiet("0"));
     EXPECT_EQ(correct(unsearched), "0 / 2");
     EXPECT_TRUE(contains(unsearched.lines, "avg depth= 0.0"));

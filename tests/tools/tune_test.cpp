@@ -3,21 +3,13 @@
 
 #include "tools/tune.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
-#include "board/fen.h"
-#include "board/make.h"
 #include "eval/tunables.h"
-#include "harness/board_support.h"
-#include "harness/engine.h"
+#include "harness/process.h"
 #include "harness/search_support.h"
-#include "harness/tool_support.h"
-#include "support/text.h"
 
 namespace quon::test {
 namespace {
@@ -113,12 +105,6 @@ TEST_F(Tuning, ErrorOfKnownScores) {
     const ErrorSum errors = sum_errors(engine, "known.epd", tuning);
     EXPECT_EQ(errors.positions, positions);
     EXPECT_DOUBLE_EQ(errors.sum, sum);
-    const std::string large = data_file("/data/tuning/quiet.epd");
-    if (large.empty()) return;
-    const ErrorSum all = sum_errors(engine, large, tuning);
-    EXPECT_EQ(format("positions= %d, sum= %0.12f, mean= %0.12f", int(all.positions), all.sum,
-                     mean_error(all)),
-              shared_lines("/reference/tools/tuning-error.txt").at(0));
 }
 
 TEST_F(Tuning, FilterKeepsUsableLines) {
@@ -149,25 +135,20 @@ TEST_F(Tuning, LineSearchFindsTheMinimum) {
             least = std::min(least, tune_error(engine, "tune.epd", tuning));
         }
         params.pawn_value.op = 90;
-        const auto lines =
+        const Lines lines =
             split(captured_output([] { tune_line_search(engine, "pawn_value_op"); }), '\n');
         EXPECT_EQ(params.pawn_value.op, 90);
         ASSERT_GT(lines.size(), 8U);
         EXPECT_EQ(lines[0] + lines[1] + lines[2], "tune file= tune.epdtuning pawn_value_op");
         EXPECT_TRUE(lines[6].starts_with("pawn_value_op= 78, err= ")) << lines[6];
         const std::string& last = lines[lines.size() - 4];
-        int best = 0;
+        int best = 0, low = 0, high = 0;
         double error = 0;
-        int low = 0;
-        int high = 0;
-        ASSERT_EQ(std::sscanf(last.c_str(), "best= %d, err= %lf, min= %d, max= %d", &best, &error,
-                              &low, &high),
-                  4)
-            << last;
+        std::sscanf(last.c_str(), "best= %d, err= %lf, min= %d, max= %d", &best, &error, &low,
+                    &high);
         EXPECT_NEAR(error, least, 0.0000006) << last;
         EXPECT_EQ(best < 90, position == SIX_PAWNS) << last;
-        EXPECT_TRUE(low <= best && best <= high);
-        EXPECT_LE(high - low, 4) << last;
+        EXPECT_TRUE(0 < low && low <= best && best <= high && high - low <= 4) << last;
     }
 }
 
@@ -178,17 +159,20 @@ TEST_F(Tuning, Command) {
     const Move taken_back = game.last_move;
     unmake_move(game.position);
     const std::string fen = position_to_fen(game.position);
-    const auto run = [](const char* name, const char* file) {
-        return captured_output([&] { tune_command(engine, name, file); });
-    };
-    EXPECT_EQ(run("", "other.epd"), "");
-    EXPECT_EQ(run("no_such_name", ""), "tune file= tune.epd\ndone!\n");
     // All errors are equal: every other value counts as worse; a missing file's is 1.
-    EXPECT_TRUE(
-        run("tune", "").ends_with("best= 256, err= 0.500000, min= 255, max= 257\n\ndone!\n"));
-    EXPECT_TRUE(run("tune", "missing")
-                    .starts_with("tune file= missing\n\ntuning tune\ntune= 256, "
-                                 "err= 1.000000\nbest= 256, err= 1.000000, "));
+    const std::tuple<const char*, const char*, std::string> cases[] = {
+        {"", "other.epd", ""},
+        {"no_such_name", "", "tune file= tune.epd\ndone!\n"},
+        {"tune", "", "\nbest= 256, err= 0.500000, min= 255, max= 257\n\ndone!\n"},
+        {"tune", "missing",
+         "tune file= missing\n\ntuning tune\ntune= 256, err= 1.000000\nbest= 256"},
+    };
+    for (const auto& [name, file, told] : cases) {
+        const std::string output =
+            captured_output([&, name = name, file = file] { tune_command(engine, name, file); });
+        EXPECT_NE(output.find(told), std::string::npos) << output;
+        EXPECT_EQ(output.empty(), told.empty());
+    }
     EXPECT_EQ(position_to_fen(game.position), fen);
     EXPECT_EQ(game.undo[game.game_ply].move, taken_back) << "can be made again";
 }
@@ -216,17 +200,13 @@ TEST_F(Tuning, GradientLog) {
         << lines[16];
     EXPECT_EQ(lines[28], "** p2 = 92");
     EXPECT_EQ(lines_with(lines, "pass= ").size(), 100U);
-}
 
-// Without a slope the rate grows by 3 % a pass.
-TEST_F(Tuning, RateGrowsOnFlatGround) {
+    // Without a slope the rate grows by 3 % a pass.
     directory.write("tune.epd", KINGS + "w - - 1-0\n");
-    const auto passes =
+    const Lines passes =
         lines_with(split(captured_output([] { tune_gradient(engine); }), '\n'), "pass= ");
-    ASSERT_EQ(passes.size(), 100U);
-    EXPECT_EQ(passes[1], "pass= 1, k0= 2.060e+03, avg_lr= 0.0, max_lr= 0.0");
-    EXPECT_EQ(passes[99], "pass= 99, k0= " + format("%0.3e", 2000 * std::pow(1.03, 99)) +
-                              ", avg_lr= 0.0, max_lr= 0.0");
+    EXPECT_EQ(passes.at(99), "pass= 99, k0= " + format("%0.3e", 2000 * std::pow(1.03, 99)) +
+                                 ", avg_lr= 0.0, max_lr= 0.0");
 }
 
 TEST_F(Tuning, SampleDrawsLines) {
@@ -244,32 +224,6 @@ TEST_F(Tuning, SampleDrawsLines) {
         from = text.find(line + "\n", from);
         ASSERT_NE(from, std::string::npos) << line.substr(0, 10);
     }
-}
-
-// The console's lines behind "tune", all of them, in one write or while it runs.
-TEST(TuningProcess, ConsoleLinesWait) {
-    const ToolDirectory directory;
-    directory.write("few.epd", KINGS + "w - - 1-0\n");
-    Process console({"-c", "-nolog"}, directory.path());
-    console.send({"tune p1 few.epd", "tune p2", "swap", "perft 1"});
-    console.close_input();
-    const Ending ending = console.wait();
-    EXPECT_EQ(ending.status, 0);
-    Lines told;
-    for (const std::string& line : ending.lines) {
-        if (matches(line, "tuning .*|done!|visited 20 nodes.*")) told.push_back(line.substr(0, 9));
-    }
-    EXPECT_EQ(told, (Lines{"tuning p1", "done!", "tuning p2", "done!", "visited 2"}));
-}
-
-TEST(TuningProcess, SetFromPipe) {
-    const std::string text = KINGS + "w - - 1-0\n" + KINGS + "b - - 1/2\n";
-    const ToolDirectory directory;
-    Process tool({"-mktune", "/dev/stdin", "-nolog"}, directory.path());
-    tool.send_bytes(text + "quit\n");
-    tool.close_input();
-    EXPECT_EQ(tool.wait().status, 0);
-    EXPECT_EQ(directory.read("tune_new.epd"), text);
 }
 
 }  // namespace

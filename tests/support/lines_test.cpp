@@ -1,27 +1,20 @@
+// Lines of files, and words and numbers of lines.
+
+#include <limits>
+
+#include "harness/board_support.h"
+#include "harness/files.h"
 #include "support/line_reader.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <random>
 
 namespace quon::test {
 namespace {
 
-std::string temporary_path() {
-    return (std::filesystem::temp_directory_path() /
-            (std::string("quon-lines-") +
-             testing::UnitTest::GetInstance()->current_test_info()->name()))
-        .string();
-}
-
 // The pieces of a file, "|" before the start of a line and "$" behind its end.
 std::string pieces_of(const std::string& content, std::size_t limit, LongLine long_line) {
-    const std::string path = temporary_path();
-    std::ofstream(path, std::ios::binary) << content;
+    const Directory directory;
+    directory.write("lines", content);
     LineReader reader;
-    EXPECT_TRUE(open_lines(reader, path, limit, long_line));
+    EXPECT_TRUE(open_lines(reader, directory.path("lines"), limit, long_line));
     EXPECT_EQ(reader.file_size, i64(content.size()));
     std::string all;
     LinePiece piece;
@@ -32,7 +25,6 @@ std::string pieces_of(const std::string& content, std::size_t limit, LongLine lo
     }
     EXPECT_EQ(reader.bytes_read, i64(content.size()));
     EXPECT_FALSE(read_failed(reader));
-    std::filesystem::remove(path);
     return all;
 }
 
@@ -59,10 +51,10 @@ TEST(LineReader, Pieces) {
 
 // Whatever the buffer's borders fall on, the pieces put together are the file.
 TEST(LineReader, ManyBuffers) {
-    std::mt19937 random(7);
+    Random random(7);
     std::string content, expected;
     while (content.size() < 400000) {
-        const std::string line(random() % 300, char('a' + random() % 26));
+        const std::string line(random() % 300, char('a' + pick(random, 26)));
         content += line + (random() % 4 == 0 ? "\r\n" : "\n");
         for (std::size_t at = 0; at == 0 || at < line.size(); at += 254) {
             const bool last = at + 254 >= line.size();
@@ -84,6 +76,42 @@ TEST(LineReader, NoFile) {
     LinePiece piece;
     EXPECT_FALSE(next_piece(reader, piece));
     EXPECT_TRUE(read_failed(reader));
+}
+
+TEST(Words, FirstWord) {
+    const std::string cut(128, 'x');
+    const struct {
+        std::string text, word;
+    } cases[] = {{"", ""},        {"   ", ""},  {"  go depth", "go"}, {"go\rx", "go"},
+                 {"go\nx", "go"}, {"\rgo", ""}, {"a\tb c", "a\tb"},   {cut + "xx y", cut}};
+    for (const auto& c : cases) EXPECT_EQ(first_word(c.text), c.word) << c.text;
+}
+
+TEST(Words, Numbers) {
+    for (const char* text : {"", "x7", "-", "+", "+-3", "--3", "nan", "inf", "-inf", "0x10"}) {
+        EXPECT_EQ(to_integer(text), 0) << text;
+        EXPECT_EQ(to_real(text), 0.0) << text;
+    }
+    for (const char* text : {"12", " 12", "+12", "12x", "12.0"}) {
+        EXPECT_EQ(to_integer(text), 12) << text;
+        EXPECT_EQ(to_real(text), 12.0) << text;
+    }
+    EXPECT_EQ(to_integer("-12.9"), -12);
+    EXPECT_EQ(to_integer("1e3"), 1);
+    EXPECT_EQ(to_integer("99999999999999999999"), std::numeric_limits<i64>::max());
+    EXPECT_EQ(to_integer("-99999999999999999999x"), std::numeric_limits<i64>::min());
+    EXPECT_EQ(to_real("-2.5"), -2.5);
+    EXPECT_EQ(to_real("+.5s"), 0.5);
+    EXPECT_EQ(to_real(" 1e3x"), 1000);
+    EXPECT_EQ(to_real("1e999"), std::numeric_limits<double>::max());
+    EXPECT_EQ(to_real("-1e999"), std::numeric_limits<double>::lowest());
+}
+
+TEST(Words, FromFirstLetter) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},    {"12.", ""},   {"1/2-1/2", ""}, {"e4", "e4"},       {"12...Nf6+", "Nf6+"},
+        {"[z", "z"}, {"@Z1", "Z1"}, {"{`A", "A"},    {"1.\xC3\xA9", ""}, {"0-0", ""}};
+    for (const auto& [text, expected] : cases) EXPECT_EQ(from_first_letter(text), expected) << text;
 }
 
 }  // namespace
