@@ -83,7 +83,7 @@ void get_position(Engine& engine, const ConsoleLine& line) {
     engine_print(text);
     if (text.size() > TOO_SHORT) read_position(engine.game.position, text);
     print_board(engine.game.position);
-    hash_clear(engine.hash);
+    hash_clear(engine.hash, engine.settings.threads);
 }
 
 void undo_move(Engine& engine, const ConsoleLine&) {

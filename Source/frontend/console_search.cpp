@@ -30,7 +30,7 @@ void analyse(Engine& engine, const ConsoleLine& line) {
     engine.limits.fixed_time = ANALYSIS_SECONDS;
     engine.limits.time_mode = FIXED_TIME;
     engine.limits.depth_limit = u8(depth >= 1 && depth < NO_DEPTH_LIMIT ? depth : NO_DEPTH_LIMIT);
-    if (engine.settings.hash_mode < KEEP_TABLE) hash_clear(engine.hash);
+    if (engine.settings.hash_mode < KEEP_TABLE) hash_clear(engine.hash, engine.settings.threads);
     engine.control.go_request = GO_ANALYSE;
 }
 

@@ -34,7 +34,7 @@ constexpr int OUT_OF_MEMORY = -1;  // exit status
 void set_hash(Engine& engine, int megabytes) {
     finish_search(engine);
     engine.settings.hash_mb = i16(megabytes);
-    if (!hash_alloc(engine.hash, megabytes)) {
+    if (!hash_alloc(engine.hash, megabytes, engine.settings.threads)) {
         end_without_memory(engine, format("a hash table of %dM bytes", megabytes));
     }
 }
@@ -57,7 +57,7 @@ void set_uci_elo(Engine& engine, int value) {
 void clear_hash(Engine& engine, int) {
     if (engine.settings.hash_mode == 0) return;
     finish_search(engine);
-    hash_clear(engine.hash);
+    hash_clear(engine.hash, engine.settings.threads);
     engine_print("info string Hash table cleared");
 }
 

@@ -4,7 +4,10 @@
 
 #include <atomic>
 #include <bit>
-#include <new>
+#include <exception>
+#include <memory>
+#include <thread>
+#include <vector>
 
 #include "board/draw.h"
 #include "board/keys.h"
@@ -18,7 +21,8 @@ namespace quon {
 namespace {
 
 constexpr int BUCKET = 4;
-constexpr int SPARE_ENTRIES = 32;  // Black's buckets reach beyond the last slot
+constexpr int SPARE_ENTRIES = 32;                // Black's buckets reach beyond the last slot
+constexpr u64 PARALLEL_ENTRIES = u64{64} << 16;  // 64 MB: tables from this size on are large
 constexpr int EMPTY_DEPTH = -50;
 constexpr int TORN_DEPTH = -98;
 constexpr int IMPLAUSIBLE_DEPTH = -97;
@@ -98,17 +102,38 @@ HashSlot* weakest(HashSlot* bucket) {
 
 std::size_t block_bytes(u64 entries) { return (entries + SPARE_ENTRIES) * sizeof(HashSlot); }
 
+// All slots empty. The system makes a page when it is first touched, which takes far longer than
+// the writing: the parts of a large table are filled side by side.
+void fill_empty(HashSlot* slots, u64 count, int threads) {
+    const u64 parts = count < PARALLEL_ENTRIES ? 1 : u64(threads);
+    const auto fill_part = [=](u64 part) {
+        const u64 begin = count * part / parts;
+        std::uninitialized_default_construct_n(slots + begin, count * (part + 1) / parts - begin);
+    };
+    std::vector<std::thread> helpers;
+    for (u64 part = 1; part < parts; ++part) {
+        try {
+            helpers.emplace_back(fill_part, part);
+        } catch (const std::exception&) {
+            fill_part(part);
+        }
+    }
+    fill_part(0);
+    for (std::thread& helper : helpers) helper.join();
+}
+
 }  // namespace
 
 MainHash::~MainHash() { hash_free(*this); }
 
-bool hash_alloc(MainHash& hash, int megabytes) {
+bool hash_alloc(MainHash& hash, int megabytes, int threads) {
     init_keys();
     hash_free(hash);
     const u64 entries = u64(megabytes) * 65536;
     void* block = allocate_pages(block_bytes(entries));
     if (!block) return false;
-    hash.slots = new (block) HashSlot[entries + SPARE_ENTRIES];
+    hash.slots = static_cast<HashSlot*>(block);
+    fill_empty(hash.slots, entries + SPARE_ENTRIES, threads);
     hash.entries = entries;
     hash.mask = std::bit_floor(entries) - (entries ? 1 : 0);
     return true;
@@ -124,10 +149,8 @@ void hash_free(MainHash& hash) {
     hash.fill = 0;
 }
 
-void hash_clear(MainHash& hash) {
-    HashSlot* const slots = hash.slots;  // a local: the compiler would load a member anew each time
-    const u64 count = slots ? hash.entries + SPARE_ENTRIES : 0;
-    for (u64 i = 0; i < count; ++i) slots[i].store(0, 0, EMPTY);
+void hash_clear(MainHash& hash, int threads) {
+    if (hash.slots) fill_empty(hash.slots, hash.entries + SPARE_ENTRIES, threads);
     hash.age = 0;
     hash.fill = 0;
 }

@@ -42,12 +42,12 @@ struct MainHash {
     ~MainHash();
 };
 
-// A new table of 0..8192 megabytes; false if memory is short (then there is no table). The first
-// call also makes the position keys. No search may be running.
-[[nodiscard]] bool hash_alloc(MainHash& hash, int megabytes);
+// A new table of 0..8192 megabytes, filled by so many threads; false if memory is short (then there
+// is no table). The first call also makes the position keys. No search may be running.
+[[nodiscard]] bool hash_alloc(MainHash& hash, int megabytes, int threads = 1);
 void hash_free(MainHash& hash);
 // Empties the table and restarts its generations. No search may be running.
-void hash_clear(MainHash& hash);
+void hash_clear(MainHash& hash, int threads = 1);
 // At every search start: the generation that stores and hits are marked with from now on. A table
 // of size 0, or one that is not wanted, is not used during the search.
 void hash_start_search(MainHash& hash, int age, bool wanted);

@@ -67,7 +67,7 @@ void run_bench(Engine& engine, int variant, bool single_thread, void (*on_input)
     const int count = variant == 1 ? SHORT_RUN : BENCH_POSITIONS;
     for (int i = 0; i < count && !output_lost(); ++i) {
         (void)position_from_fen(engine.game.position, bench_positions[i]);
-        hash_clear(engine.hash);
+        hash_clear(engine.hash, engine.settings.threads);
         begin_search(engine);
         search_and_wait(engine, on_tick,
                         single_thread ? SearchOn::THIS_THREAD : SearchOn::ALL_THREADS);

@@ -158,6 +158,21 @@ TEST_F(HashTest, BothColoursCoverTheBlock) {
     }
 }
 
+// A large table is filled by several threads, to its last slot.
+TEST_F(HashTest, FilledInParts) {
+    for (const int threads : {1, 2, 7}) {
+        ASSERT_TRUE(hash_alloc(engine.hash, 64, threads));
+        hash_start_search(engine.hash, 1, true);
+        for (const bool cleared : {false, true}) {
+            for (u32 low = 0; low < 64 << 16; low += 9999) {
+                EXPECT_EQ(depth_at(low + 1, low), NOT_FOUND) << threads << ' ' << low;
+                store(low + 1, low, 9);
+            }
+            if (!cleared) hash_clear(engine.hash, threads);
+        }
+    }
+}
+
 // Of a thousand entries in the middle.
 TEST_F(HashTest, FillCountsTheCurrentGeneration) {
     for (const u32 low : {32267U, 32268U, 33267U, 33268U}) store(7, low, 4);
