@@ -122,7 +122,7 @@ bool run_record(Engine& engine, Suite& suite, const EpdRecord& record) {
         engine_print(record.fen);
         print_board(engine.game.position);
     }
-    if (engine.limits.depth_limit > 1) hash_clear(engine.hash);
+    if (engine.limits.depth_limit > 1) hash_clear(engine.hash, engine.settings.threads);
     begin_search(engine);
     if (engine.limits.depth_limit > SHALLOW_DEPTH) {
         search_deep(engine, suite);
@@ -158,7 +158,7 @@ void print_statistics(const Suite& suite) {
 
 bool run_test_suite(Engine& engine, const std::string& path) {
     Suite suite;
-    if (!open_tool_file(suite.reader, path, MAX_LINE)) return quietly_missing(path);
+    if (!can_be_read(path) || !open_tool_file(suite.reader, path, MAX_LINE)) return false;
     if (overwrites_input(path, UNSOLVED_NAME)) return false;
     if (!suite.unsolved.open(UNSOLVED_NAME, FileMode::WRITE)) return true;
     suite.progress = start_progress();

@@ -87,8 +87,9 @@ void read_games(Engine& engine, Scan& scan) {
 bool scan_pgn(Engine& engine, const std::string& path, int variant) {
     Scan scan{};
     scan.variant = &scan_variants[variant - 1];
-    if (!open_tool_file(scan.lines, path, SCANNED_GAMES.line_limit, SCANNED_GAMES.long_line)) {
-        return quietly_missing(path);
+    if (!can_be_read(path) ||
+        !open_tool_file(scan.lines, path, SCANNED_GAMES.line_limit, SCANNED_GAMES.long_line)) {
+        return false;
     }
     for (const char* name : {scan.variant->main_name, BLUNDERS_NAME}) {
         if (overwrites_input(path, name)) return false;

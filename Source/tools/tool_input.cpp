@@ -7,6 +7,7 @@
 #include "engine/output.h"
 #include "platform/clock.h"
 #include "platform/events.h"
+#include "platform/file_map.h"
 #include "platform/interrupt.h"
 #include "search/control.h"
 #include "support/status_line.h"
@@ -93,8 +94,8 @@ bool open_tool_file(LineReader& reader, const std::string& path, std::size_t lim
     return open_lines(reader, path, limit, long_line, input);
 }
 
-bool quietly_missing(const std::string& path) {
-    if (!is_no_file(path)) return true;
+bool can_be_read(const std::string& path) {
+    if (readable_file(path) || (!in_console && is_standard_input(path))) return true;
     report_unreadable_file(path);
     return false;
 }

@@ -15,9 +15,8 @@ struct Engine;
 // ("/dev/stdin"); false if that is not possible.
 bool open_tool_file(LineReader& reader, const std::string& path, std::size_t limit,
                     LongLine long_line = LongLine::AT_LIMIT);
-// A file that could not be opened ends a tool in silence. False, and said on standard error, if
-// what has its name is no file.
-bool quietly_missing(const std::string& path);
+// False, and said on standard error, if there is no such file to read. Nothing is taken from it.
+bool can_be_read(const std::string& path);
 // False, and said on standard error, after a read error.
 bool read_well(const LineReader& reader, const std::string& path);
 void report_unreadable_file(const std::string& path);

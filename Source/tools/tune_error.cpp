@@ -180,7 +180,7 @@ ErrorSum tune_error_filter(Engine& engine, const std::string& path, File& copy) 
 
 bool make_tuning_set(Engine& engine) {
     const std::string& path = engine.options.tune_file;
-    if (overwrites_input(path, FILTERED_FILE)) return false;
+    if (overwrites_input(path, FILTERED_FILE) || !can_be_read(path)) return false;
     File copy;
     if (!copy.open(FILTERED_FILE, FileMode::WRITE)) {
         error_line(format("quon: can't create %s", FILTERED_FILE));

@@ -181,6 +181,7 @@ bool tune_gradient(Engine& engine) {
     for (const char* name : {LOG_FILE, SAMPLE_FILE}) {
         if (overwrites_input(engine.options.tune_file, name)) return false;
     }
+    if (!can_be_read(engine.options.tune_file)) return false;
     Descent descent;
     if (!descent.log.open(LOG_FILE, FileMode::WRITE)) {
         error_line(format("quon: can't create %s", LOG_FILE));

@@ -108,7 +108,12 @@ void tune_line_search(Engine& engine, std::string_view name) {
     register_tunables(engine.tunables, engine.params);
     const auto found = std::find_if(engine.tunables.begin(), engine.tunables.end(),
                                     [&](const TunableParam& t) { return t.name == name; });
-    if (found != engine.tunables.end()) search_parameter(engine, *found);
+    if (found == engine.tunables.end()) {
+        error_line(format("quon: no parameter is named %s", std::string(name).c_str()));
+    } else {
+        static_cast<void>(can_be_read(engine.options.tune_file));
+        search_parameter(engine, *found);
+    }
     print_unlogged("done!\n");
 }
 
