@@ -15,10 +15,12 @@ namespace quon {
 
 struct Engine : Searcher {
     EngineOptions options;
-    EvalParams default_params;  // as start-up left them, parameter file included
+    EvalParams default_params;    // as start-up left them, parameter file included
+    SearchLimits default_limits;  // as the command line left them
     Tunables tunables;
     Book book;
-    Random random;  // of book moves, matches and samples
+    Random random;                           // of book moves, matches and samples
+    Table<Move, MAX_MULTIPV> shown_moves{};  // by its place among several lines, the move last told
 };
 
 // What a message begins with: "info string " where a front end reads it, nothing in console mode.

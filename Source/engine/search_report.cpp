@@ -2,6 +2,8 @@
 
 #include "engine/search_report.h"
 
+#include <algorithm>
+
 #include "board/fen.h"
 #include "board/move_text.h"
 #include "engine/engine.h"
@@ -103,7 +105,24 @@ void print_line(Engine& engine, const SearchLine& line) {
 
 }  // namespace
 
+namespace {
+
+// A move that goes to another place is no longer at the one before.
+void note_place(Engine& engine, const SearchLine& line) {
+    const Move move = line.moves[1];
+    std::replace(engine.shown_moves.begin(), engine.shown_moves.end(), move, NO_MOVE);
+    engine.shown_moves[line.pv_index] = move;
+}
+
+int place_of(const Engine& engine, Move move) {
+    const auto* const place = std::find(engine.shown_moves.begin(), engine.shown_moves.end(), move);
+    return place == engine.shown_moves.end() ? 0 : int(place - engine.shown_moves.begin());
+}
+
+}  // namespace
+
 void SearchReporter::on_start(Searcher&) {
+    engine.shown_moves = {};
     if (engine.options.output_delay == NEVER) return;
     const std::string fen = position_to_fen(engine.game.position);
     const int ply = engine.game.game_ply;
@@ -118,7 +137,9 @@ void SearchReporter::on_start(Searcher&) {
 }
 
 void SearchReporter::on_line(Searcher&, const SearchLine& line) {
-    if (is_due(engine, line)) print_line(engine, line);
+    if (!is_due(engine, line)) return;
+    print_line(engine, line);
+    if (line.kind == LineKind::ITERATION) note_place(engine, line);
 }
 
 void SearchReporter::on_root_move(Searcher&, int depth, Move move, int number) {
@@ -147,9 +168,10 @@ void SearchReporter::on_message(std::string_view text) { print_unlogged(text); }
 void final_report(Engine& engine, int score) {
     const bool due = !engine.run.finished || engine.run.elapsed >= engine.options.output_delay;
     if (!due || engine.run.shared_depth == 0 || engine.options.output_delay == NEVER) return;
-    if (engine.run.shared_line[1] == NO_MOVE) return;
-    print_line(engine,
-               {LineKind::RESULT, 0, 0, engine.run.shared_depth, score, engine.run.shared_line});
+    const Line& line = engine.run.shared_line;
+    if (line[1] == NO_MOVE) return;
+    const int place = place_of(engine, line[1]);
+    print_line(engine, {LineKind::RESULT, 0, place, engine.run.shared_depth, score, line});
 }
 
 namespace {

@@ -19,7 +19,7 @@ struct SearchReporter : SearchListener {
     void on_message(std::string_view text) override;
 };
 
-// The last info line of a search.
+// The last info line of a search. Among several lines it stands where its move was last told.
 void final_report(Engine& engine, int score);
 
 // The closing lines of console mode.

@@ -11,8 +11,10 @@
 // threads are at a depth already the next one goes a ply deeper. Only the main search thread
 // publishes; a worker at a depth that it has completed gives up its iteration (root.cpp).
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <type_traits>
 
 #include "board/legality.h"
@@ -77,6 +79,15 @@ void thread_prepare(ThreadData& t) {
 
 namespace {
 
+// Keeps what the search was told to search; everything if none of that is there.
+MoveEntry* keep_named_moves(MoveEntry* start, MoveEntry* end, const std::vector<Move>& named) {
+    const auto is_named = [&](const MoveEntry& entry) {
+        return std::find(named.begin(), named.end(), entry.move) != named.end();
+    };
+    if (std::none_of(start, end, is_named)) return end;
+    return std::remove_if(start, end, std::not_fn(is_named));
+}
+
 MoveEntry* list_legal_moves(ThreadData& t) {
     MoveEntry* start = t.plies[1].list_start;
     MoveEntry* kept = start;
@@ -84,6 +95,7 @@ MoveEntry* list_legal_moves(ThreadData& t) {
     for (MoveEntry *entry = start, *end = gen_all(t.position, start); entry != end; ++entry) {
         if (is_legal(t.position, entry->move, guard)) *kept++ = *entry;
     }
+    kept = keep_named_moves(start, kept, t.shared->run.root_moves);
     finish_list(t, 1, kept);
     return kept;
 }
@@ -142,10 +154,17 @@ bool root_move_at(const ThreadData& t, int position) {
     return entry->move != LIST_END;
 }
 
+// The search was to find a mate, and has one that is short enough.
+bool mate_found(const SearchRun& run) {
+    const int plies = 2 * run.mate_moves;
+    return plies > 0 &&
+           (run.shared_score >= mate_in(plies) || run.shared_score <= mated_in(plies + 1));
+}
+
 // A mate within the depth is found, or the limit is reached.
 bool iterations_done(const SearchRun& run, int depth) {
-    return run.shared_score >= MATE - 1 - depth || run.shared_score < depth - (MATE - 1) ||
-           depth >= run.depth_limit;
+    return mate_found(run) || run.shared_score >= MATE - 1 - depth ||
+           run.shared_score < depth - (MATE - 1) || depth >= run.depth_limit;
 }
 
 }  // namespace
@@ -160,7 +179,8 @@ void iterate(ThreadData& t) {
         run.current_depth = i8(depth);
         run.second_score = NO_SCORE;
         const bool tell_lines = depth == 1 || run.multipv > 1;
-        for (int i = 0; i < run.multipv && root_move_at(t, i); ++i) {
+        const int lines = depth == 1 ? run.multipv : std::max(run.multipv, 1);
+        for (int i = 0; i < lines && root_move_at(t, i); ++i) {
             root_search(t, depth, i);
             if (stopped(t)) break;
             if (tell_lines && t.root_line[1] != NO_MOVE) {

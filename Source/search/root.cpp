@@ -220,7 +220,9 @@ void search_one_root_move(RootSearch& s, RootMove& move) {
     t.plies[1].next_pick = move.entry;
 
     descend(t, move.entry->move, true);
-    if (s.best == NO_SCORE || (s.depth == 1 && s.t.shared->settings.target_nps > SLOW_NPS)) {
+    const Searcher& searcher = *t.shared;
+    const bool slow = searcher.run.limited && searcher.settings.target_nps <= SLOW_NPS;
+    if (s.best == NO_SCORE || (s.depth == 1 && !slow)) {
         search_open(s, move);
     } else {
         search_later(s, move);
@@ -234,7 +236,7 @@ void search_one_root_move(RootSearch& s, RootMove& move) {
 // How sure the best move is, for the time check.
 void judge_easy_move(const RootSearch& s) {
     auto& run = s.t.shared->run;
-    if (!is_main(s.t) || run.multipv != 1 || s.depth < EASY_DEPTH) return;
+    if (!is_main(s.t) || !run.easy_moves || run.multipv != 1 || s.depth < EASY_DEPTH) return;
     const bool clear = s.depth >= CLEAR_DEPTH && s.depth - CLEAR_FOR > run.change_depth &&
                        s.best > run.second_score + CLEAR_MARGIN &&
                        s.best > s.t.root_eval + CLEAR_MARGIN;
@@ -245,6 +247,7 @@ void tell_root_move(const RootSearch& s, Move move) {
     if (!is_main(s.t) || s.pv_index != 0) return;
     Searcher& searcher = *s.t.shared;
     if (!searcher.listener) return;
+    if (s.t.plies[1].move_count == 0) update_elapsed(searcher.run);
     searcher.listener->on_root_move(searcher, s.depth, move, s.t.plies[1].move_count + 1);
 }
 

@@ -2,6 +2,9 @@
 
 #include "search/run.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "board/keys.h"
 #include "platform/clock.h"
 #include "search/score.h"
@@ -18,7 +21,13 @@ void reset_run(Searcher& s) {
     run.root_side = s.game.position.side;
     run.root_key = full_key(s.game.position);
     run.multipv = s.settings.multipv;
+    run.root_moves = std::exchange(s.limits.search_moves, {});
+    run.mate_moves = std::exchange(s.limits.mate_moves, 0);
+    run.easy_moves = run.root_moves.empty() && run.mate_moves == 0;
     run.depth_limit = s.limits.depth_limit;
+    if (run.mate_moves > 0) run.depth_limit = std::min(run.depth_limit, 2 * run.mate_moves + 1);
+    run.limited = s.params.limit_strength != 0;
+    run.overdue = false;
     run.finished = false;
     run.shared_score = i16(NO_SCORE);
     run.shared_depth = i8{0};
@@ -56,7 +65,9 @@ void update_elapsed(SearchRun& run) { run.elapsed = monotonic_seconds() - run.st
 
 void tell_line(const ThreadData& t, const SearchLine& line) {
     Searcher& s = *t.shared;
-    if (s.listener) s.listener->on_line(s, line);
+    if (!s.listener) return;
+    update_elapsed(s.run);
+    s.listener->on_line(s, line);
 }
 
 void publish_result(ThreadData& t) {

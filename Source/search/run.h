@@ -27,9 +27,14 @@ struct SearchRun {
     u64 root_key = 0;  // full key of the position searched
     int multipv = 1;
     int depth_limit = NO_DEPTH_LIMIT;
+    std::vector<Move> root_moves;    // empty: all
+    int mate_moves = 0;              // as in SearchLimits
+    bool easy_moves = true;          // an easy choice may end the search early
+    bool limited = false;            // the strength was limited when the search began
+    Relaxed<bool> overdue = false;   // time is up, and a result of depth 2 is still missing
     Relaxed<bool> finished = false;  // the search ended by itself: depth limit, mate or table move
 
-    Relaxed<double> elapsed = 0.0;  // seconds since start_time, as of the last time check
+    Relaxed<double> elapsed = 0.0;  // seconds since start_time, as of the last update_elapsed
 
     // The result board: the main search thread writes it, and holds result_mutex while its fields
     // do not yet fit together.
@@ -62,7 +67,7 @@ void start_run(Searcher& s);
 // Reads the clock into run.elapsed; any thread.
 void update_elapsed(SearchRun& run);
 
-// Tells whoever listens.
+// Tells whoever listens, with the clock read anew.
 void tell_line(const ThreadData& t, const SearchLine& line);
 
 // Puts the thread's best line on the result board if it is better than what stands there, and tells

@@ -2,6 +2,8 @@
 // What a search is told from outside: settings that stay from search to search, and the limits of
 // the next one. The main thread writes them; the Relaxed fields are also read by searching threads.
 
+#include <vector>
+
 #include "search/depths.h"
 #include "support/integers.h"
 #include "support/relaxed.h"
@@ -42,6 +44,9 @@ struct SearchLimits {
     u8 depth_limit = NO_DEPTH_LIMIT;
     i64 max_nodes = 0;            // 0: none
     double move_overhead = 0.05;  // seconds
+    // Of the next search alone:
+    std::vector<Move> search_moves;  // its root moves; empty: all
+    int mate_moves = 0;  // it ends with a mate in so many moves, for either side; 0: any
 };
 
 // A depth argument as a depth limit: 67 and more mean none (66), negative ones 0.

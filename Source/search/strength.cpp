@@ -77,7 +77,8 @@ Calibration calibrate(Searcher& s) {
 void throttle(const ThreadData& t) {
     SearchRun& run = t.shared->run;
     const Relaxed<double>& target_nps = t.shared->settings.target_nps;
-    while (!stopped(t) && target_nps < NO_NPS_LIMIT && run.current_depth > 1) {
+    const auto lets_go = [&] { return !run.limited || (run.overdue && run.shared_depth < 2); };
+    while (!stopped(t) && target_nps < NO_NPS_LIMIT && run.current_depth > 1 && !lets_go()) {
         if (target_nps >= double(t.nodes) / run.elapsed) return;
         sleep_ms(1);
         update_elapsed(run);

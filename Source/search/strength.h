@@ -24,7 +24,8 @@ struct Calibration {
 // Thread 0 must be idle.
 Calibration calibrate(Searcher& s);
 
-// Waits at a node while the thread is faster than the target.
+// Waits at a node while the thread is faster than the target, in a search that began with a limit;
+// not while time is up and no move of depth 2 is there.
 void throttle(const ThreadData& t);
 
 }  // namespace quon

@@ -106,7 +106,16 @@ bool decide_root(ThreadData& t) {
         int dtz = 0;
         result = tb_root(p, wdl, dtz, root_tb_move);
     }
-    if (result == NO_TB_RESULT) result = tb_wdl(t.shared->settings, p, TB_ROOT_DEPTH);
+    // Of a few root moves none need keep the result; one that the tables play does.
+    const std::vector<Move>& named = run.root_moves;
+    const bool in_reach =
+        named.empty() || std::find(named.begin(), named.end(), root_tb_move) != named.end();
+    if (!in_reach) {
+        result = NO_TB_RESULT;
+        root_tb_move = NO_MOVE;
+    } else if (result == NO_TB_RESULT) {
+        result = tb_wdl(t.shared->settings, p, TB_ROOT_DEPTH);
+    }
     run.root_tb_result = result;
     run.root_decided.store(true, std::memory_order_release);
     t.plies[1].tb_result = result;

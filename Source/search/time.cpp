@@ -12,10 +12,13 @@
 //    falls against the last iteration (4, 8, 20), a thread sees the best move fail low (20) or
 //    another one above it (2, 12), the best move has just changed (1). The greatest counts.
 // 3. A move that is the only one is made at once, one that is clearly best after half the target;
-//    and with less than five delays left on the clock any move is made as soon as there is one.
-// 4. Not before a result of depth 2, and hardly before 20 ms: what comes earlier is no search. But
-//    where captures explode the first iteration could take hours; it ends at twice the target, or
-//    two delays before the clock does.
+//    and with less than five delays left on the clock (a delay being 10 ms at least, whatever the
+//    front end says) any move is made as soon as there is one.
+// 4. Not before a result of depth 2, and hardly before 20 ms or, if that is less, a twentieth of
+//    the clock: what comes earlier is no search. A search that is held to a node rate goes on
+//    without that from the moment its time is up until it has such a result. But where captures
+//    explode the first iteration could take hours; it ends at twice the target, or two delays
+//    before the clock does.
 
 #include "search/time.h"
 
@@ -30,7 +33,10 @@ namespace {
 
 constexpr double LEAST_TARGET = 0.002;
 constexpr double CHECK_AFTER = 0.02;
-constexpr double LEAST_GRACE = 0.05;  // past the time, for a search without a result
+constexpr double CHECK_SHARE = 0.05;     // of the rest of the clock
+constexpr double RESERVE_DELAYS = 5;     // with less on the clock than so many overheads ...
+constexpr double LEAST_OVERHEAD = 0.01;  // ... of at least this length every millisecond counts
+constexpr double LEAST_GRACE = 0.05;     // past the time, for a search without a result
 
 // How the clock is shared out: the part of it for one move, and whether pondering may stretch that.
 struct Share {
@@ -74,16 +80,19 @@ bool far_past_time(const SearchLimits& limits, const SearchProgress& search) {
     return search.elapsed >= limit + grace;
 }
 
-}  // namespace
+bool has_result(const SearchProgress& search) {
+    return search.result_depth >= 2 && search.depth >= 2;
+}
 
-bool time_is_up(const SearchLimits& limits, const SearchProgress& search) {
-    if (search.result_depth < 2 || search.depth < 2) return far_past_time(limits, search);
+// Whatever the search has found.
+bool time_is_spent(const SearchLimits& limits, const SearchProgress& search) {
     const bool on_clock = limits.time_mode != FIXED_TIME;
     const double remaining = std::max(search.clock - search.elapsed, 0.0);
-    // Then every millisecond counts: with short increments even CHECK_AFTER a move would be too
-    // much.
-    const bool clock_nearly_gone = on_clock && remaining < 5 * limits.move_overhead;
-    if (search.elapsed < CHECK_AFTER && !clock_nearly_gone) return false;
+    const double reserve = RESERVE_DELAYS * std::max(limits.move_overhead, LEAST_OVERHEAD);
+    const bool clock_nearly_gone = on_clock && remaining < reserve;
+    const double first_look =
+        std::min(CHECK_AFTER, on_clock ? CHECK_SHARE * remaining : search.target);
+    if (search.elapsed < first_look && !clock_nearly_gone) return false;
 
     double limit = search.target + search.doubt * 0.01 * remaining;
     if (on_clock) {
@@ -92,6 +101,12 @@ bool time_is_up(const SearchLimits& limits, const SearchProgress& search) {
         limit -= limits.move_overhead;
     }
     return search.elapsed >= limit || move_is_easy(search) || clock_nearly_gone;
+}
+
+}  // namespace
+
+bool time_is_up(const SearchLimits& limits, const SearchProgress& search) {
+    return has_result(search) ? time_is_spent(limits, search) : far_past_time(limits, search);
 }
 
 namespace {
@@ -164,7 +179,9 @@ void time_check(Searcher& s) {
     update_elapsed(s.run);
     SearchControl& control = s.control;
     if (stopped(s) || control.search_mode == GO_PONDER) return;
-    if (time_is_up(s.limits, progress_of(s)))
+    const SearchProgress search = progress_of(s);
+    s.run.overdue = !has_result(search) && time_is_spent(s.limits, search);
+    if (time_is_up(s.limits, search))
         control.stop_flag = control.search_mode == GO_PLAY ? STOP : ABORT;
 }
 

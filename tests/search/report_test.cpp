@@ -58,6 +58,12 @@ TEST_F(ReportTest, InfoLine) {
     run.multipv = 3;
     options.uci_extra = true;
     EXPECT_TRUE(info(1, 2, 1, 0).starts_with("info multipv 3 [01.] depth 1 seldepth"));
+    // What a search tells has the time of its telling.
+    run.start_time -= 7;
+    const std::string told = captured_output([&] {
+        tell_line(thread_data(engine, 0), {LineKind::BOUND, 0, -1, 6, 0, line});
+    });
+    EXPECT_NE(told.find(" time 7"), std::string::npos) << told;
 }
 
 TEST_F(ReportTest, Scores) {
