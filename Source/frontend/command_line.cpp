@@ -3,20 +3,21 @@
 #include "frontend/command_line.h"
 
 #include <algorithm>
+#include <cctype>
 #include <limits>
 
 #include "engine/engine.h"
 #include "engine/output.h"
 #include "eval/eval_params.h"
-#include "frontend/uci.h"
 #include "search/strength.h"
 #include "support/status_line.h"
 #include "support/text.h"
 
 namespace quon {
 
-// What follows the word. ENDS: nothing, and the program ends after the switch.
-enum class Takes { NOTHING, INTEGER, REAL, FILE_NAME, ENDS };
+// What follows the word. MAYBE_INTEGER: a number, or nothing. ENDS: nothing, and the program ends
+// after the switch.
+enum class Takes { NOTHING, INTEGER, MAYBE_INTEGER, REAL, FILE_NAME, ENDS };
 
 struct Argument {
     std::string text;
@@ -89,6 +90,11 @@ void choose_bench(Engine&, const Argument&, RunMode& mode) {
     mode.bench_single_thread |= SINGLE_THREAD;
 }
 
+void choose_bench_to_depth(Engine& engine, const Argument& argument, RunMode& mode) {
+    choose_bench<1>(engine, argument, mode);
+    if (!argument.text.empty()) set_depth(engine, argument, mode);
+}
+
 template <Job JOB>
 void choose_with_tune_file(Engine& engine, const Argument& argument, RunMode& mode) {
     choose(mode, JOB);
@@ -103,6 +109,7 @@ void choose_scan(Engine&, const Argument& argument, RunMode& mode) {
 }
 
 void show_help(Engine&, const Argument&, RunMode&);
+void show_version(Engine&, const Argument&, RunMode&);
 
 constexpr Switch SWITCHES[] = {
     {"-uci", Takes::NOTHING, "",
@@ -143,6 +150,8 @@ constexpr Switch SWITCHES[] = {
     {"-bench2", Takes::NOTHING, "", choose_bench<2>, "the same with twenty positions"},
     {"-pbench", Takes::NOTHING, "", choose_bench<1, true>,
      "-bench in the main thread alone, always to depth 17"},
+    {"bench", Takes::MAYBE_INTEGER, "[DEPTH]", choose_bench_to_depth,
+     "as -bench, or as -bench -d DEPTH"},
     {"-anepd", Takes::FILE_NAME, "FILE", choose_with_tune_file<Job::TEST_SUITE>,
      "search the positions of an EPD test suite, count solutions, and end"},
     {"-match", Takes::FILE_NAME, "FILE",
@@ -171,9 +180,13 @@ constexpr Switch SWITCHES[] = {
      .help = "",
      .anywhere = true},
     {"--help", Takes::ENDS, "", show_help, "print this text and end"},
-    {"--version", Takes::ENDS, "", [](Engine&, const Argument&, RunMode&) { print_name(); },
-     "print the engine's name and end"},
+    {"-h", Takes::ENDS, "", show_help, "the same"},
+    {"help", Takes::ENDS, "", show_help, "the same"},
+    {"--version", Takes::ENDS, "", show_version, "print the engine's name and end"},
+    {"version", Takes::ENDS, "", show_version, "the same"},
 };
+
+void show_version(Engine&, const Argument&, RunMode&) { engine_print(ENGINE_NAME); }
 
 void show_help(Engine&, const Argument&, RunMode&) {
     std::string text = "usage: quon [switch ...]\n\n";
@@ -218,6 +231,10 @@ std::string argument_problem(const Switch& row, const std::string& argument) {
     return "";
 }
 
+bool number_follows(const std::vector<std::string>& words, std::size_t i) {
+    return i + 1 < words.size() && std::isdigit(static_cast<unsigned char>(words[i + 1][0])) != 0;
+}
+
 }  // namespace
 
 CommandLine read_command_line(Engine& engine, const std::vector<std::string>& words) {
@@ -233,7 +250,9 @@ CommandLine read_command_line(Engine& engine, const std::vector<std::string>& wo
             line.exit_status = 0;
             return line;
         }
-        if (row->takes != Takes::NOTHING) {
+        const bool stands_alone = row->takes == Takes::NOTHING ||
+                                  (row->takes == Takes::MAYBE_INTEGER && !number_follows(words, i));
+        if (!stands_alone) {
             if (++i == words.size()) {
                 line.exit_status = refuse(word + " needs an argument: " + row->argument_name);
                 return line;

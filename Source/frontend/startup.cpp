@@ -81,8 +81,9 @@ bool start(Engine& engine, const CommandLine& line, RunMode& mode) {
     load_params(engine, PARAM_FILE, engine.params);
     engine.default_params = engine.params;
     mode = apply_command_line(engine, line);
+    engine.default_limits = engine.limits;
     // 5. The hash table; the position keys come with it.
-    if (!hash_alloc(engine.hash, engine.settings.hash_mb))
+    if (!hash_alloc(engine.hash, engine.settings.hash_mb, engine.settings.threads))
         return refuse("not enough memory for the hash table");
     // 6. The book that the parameter file names.
     load_book(engine);
@@ -95,8 +96,18 @@ bool start(Engine& engine, const CommandLine& line, RunMode& mode) {
     return true;
 }
 
+// A person who starts the program by its name alone sees little of it.
+void greet_person(const Engine& engine) {
+    if (!engine.options.uci_mode || !input_is_terminal() || !output_is_terminal()) return;
+    error_line(
+        format("%s, a chess engine that talks UCI: quon -c is for a person, quon --help "
+               "lists the switches",
+               ENGINE_NAME));
+}
+
 void run_protocol(Engine& engine) {
     leave_output_if(quit_or_end_comes);
+    greet_person(engine);
     set_start_position(engine.game.position);
     const Calibration measured = calibrate_strength(engine);
     engine_print(format("info string et= %.3f, nodes= %.0f, nps= %0.0f", measured.seconds,

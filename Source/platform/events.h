@@ -13,6 +13,8 @@ enum class InputState { OPEN, ENDED };
 // Appends whatever standard input holds now; never waits. ENDED once the input is closed or broken
 // and everything it held has been handed out. A console hands out whole lines.
 InputState read_input(std::string& bytes);
+// Whether a person types it.
+bool input_is_terminal();
 // True if the file of that name is what standard input reads: then a tool takes its bytes as data.
 bool is_standard_input(const std::string& path);
 

@@ -14,7 +14,8 @@ TEST(Program, SwitchesThatEndIt) {
         Lines words;
         std::string output, error;
     } cases[] = {
-        {{"-c", "--version", "-hash"}, "id name Quon 3.60", ""},
+        {{"-c", "--version", "-hash"}, "Quon 3.60", ""},
+        {{"version"}, "Quon 3.60", ""},
         {{"-hash"}, "", "-hash needs an argument"},
         {{"-bench", "-threads"}, "", "-threads needs an argument"},
         {{"-nps", "21"}, "", "-nps needs a number above 21"},

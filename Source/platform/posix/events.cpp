@@ -61,6 +61,8 @@ InputState read_input(std::string& bytes) {
     return later ? InputState::OPEN : InputState::ENDED;
 }
 
+bool input_is_terminal() { return isatty(STDIN_FILENO) == 1; }
+
 bool is_standard_input(const std::string& path) {
     struct stat input {};
     struct stat file {};
