@@ -194,13 +194,24 @@ bool false_en_passant(const Position& p, int from, int to) {
     return to == p.ep && type_of(p.board[from]) == PAWN && !ep_was_passed(p);
 }
 
+// Where the king goes when he is said to take his own rook in the corner; any other move ends where
+// it says.
+int castling_destination(const Position& p, int from, int to) {
+    const bool corner = rank_of(from) == rank_of(to) && (file_of(to) == 0 || file_of(to) == 7);
+    if (!corner || p.board[from] != make_piece(p.side, KING) ||
+        p.board[to] != make_piece(p.side, ROOK))
+        return to;
+    return to > from ? from + 2 : from - 2;
+}
+
 }  // namespace
 
 Move parse_coordinates(const Position& p, std::string_view text) {
     if (text.size() < 4) return NO_MOVE;
     const int from = square_named(text);
-    const int to = square_named(text.substr(2));
-    if (from == NO_SQUARE || to == NO_SQUARE) return NO_MOVE;
+    const int named = square_named(text.substr(2));
+    if (from == NO_SQUARE || named == NO_SQUARE) return NO_MOVE;
+    const int to = castling_destination(p, from, named);
     const int promoted = text.size() > 4 ? type_of_letter(text[4], BLACK) : NO_TYPE;
     const Move move = make_code(from, to, PROMOTION_CODE[promoted]);
     const bool refused =

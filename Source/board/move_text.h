@@ -38,9 +38,10 @@ MoveForms move_forms(const Position& p, const MoveEntry& entry);
 // "o-o".
 std::string normalized_san(std::string_view text);
 
-// Coordinate text as front ends write it: e2e4, e7e8q. Returns NO_MOVE unless the text names a
-// pseudo-legal move of the side to move that takes no king and moves no pawn to an en-passant
-// square that none has passed: what make_move can make and take back in any position.
+// Coordinate text as front ends write it: e2e4, e7e8q, castling as e1g1 or e1h1. Returns NO_MOVE
+// unless the text names a pseudo-legal move of the side to move that takes no king and moves no
+// pawn to an en-passant square that none has passed: what make_move can make and take back in any
+// position.
 [[nodiscard]] Move parse_coordinates(const Position& p, std::string_view text);
 
 }  // namespace quon

@@ -65,16 +65,17 @@ std::optional<std::vector<BookMove>> book_moves(Book& book, Position& p) {
     return known;
 }
 
-Move draw_book_move(const std::vector<BookMove>& moves, int variety, Random& random) {
+std::optional<BookMove> draw_book_move(const std::vector<BookMove>& moves, int variety,
+                                       Random& random) {
     double largest = 0;
     for (const BookMove& move : moves) largest = std::max(largest, move.weight);
-    Move chosen = NO_MOVE;
+    std::optional<BookMove> chosen;
     double best = 0;
     for (const BookMove& move : moves) {
         if (!move.good) continue;
         const double value = 2 * 0.01 * draw(random, variety) * largest + move.weight;
         if (value <= best) continue;
-        chosen = move.move;
+        chosen = move;
         best = value;
     }
     return chosen;

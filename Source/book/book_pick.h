@@ -24,8 +24,9 @@ struct BookMove {
 // book. Moves are tried on the position itself, which can change the order of its piece lists.
 std::optional<std::vector<BookMove>> book_moves(Book& book, Position& p);
 
-// One of the good moves, drawn in favour of the better ones; NO_MOVE without one. variety: 1 or
+// One of the good moves, drawn in favour of the better ones; none without one. variety: 1 or
 // more, the percentage of the largest weight, doubled, that chance may add to each.
-Move draw_book_move(const std::vector<BookMove>& moves, int variety, Random& random);
+std::optional<BookMove> draw_book_move(const std::vector<BookMove>& moves, int variety,
+                                       Random& random);
 
 }  // namespace quon

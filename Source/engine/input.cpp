@@ -1,4 +1,4 @@
-// Bytes to lines to commands. '@' ends a command just as a line end does.
+// Bytes to lines to commands. '@' ends a command just as a line end does; a tab is a blank.
 
 #include "engine/input.h"
 
@@ -31,10 +31,14 @@ std::string partial_line;          // bytes since the last line end
 bool partial_line_cut = false;     // more than MAX_LINE of them came
 std::string pending_input;         // whole lines, a SEPARATOR behind each
 std::vector<std::string> remarks;  // on long lines, for the main thread to print
+bool first_line = true;            // it may begin with a byte-order mark
 bool ended = false;
 bool quit_taken = false;
 
 void end_line() {
+    if (std::exchange(first_line, false) && partial_line.starts_with(BYTE_ORDER_MARK)) {
+        partial_line.erase(0, BYTE_ORDER_MARK.size());
+    }
     if (partial_line.size() > USUAL_LINE) {
         remarks.push_back(format("%s %d characters",
                                  partial_line_cut ? "line cut at" : "long line of",
@@ -54,7 +58,7 @@ bool read_lines() {
         if (byte == '\n' || byte == '\0') {
             end_line();
         } else if (partial_line.size() < MAX_LINE) {
-            partial_line += byte;
+            partial_line += byte == '\t' ? ' ' : byte;
         } else {
             partial_line_cut = true;
         }
@@ -74,11 +78,15 @@ std::size_t find_command(std::string_view word, std::size_t behind) {
     return std::string::npos;
 }
 
-std::string take_command() {
-    const std::size_t end = pending_input.find(SEPARATOR);
-    std::string command = pending_input.substr(0, end);
-    pending_input.erase(0, end + 1);
+std::string first_command() {
+    std::string command = pending_input.substr(0, pending_input.find(SEPARATOR));
     command.erase(std::min(command.find_first_of("\r\n"), command.size()));
+    return command;
+}
+
+std::string take_command() {
+    std::string command = first_command();
+    pending_input.erase(0, pending_input.find(SEPARATOR) + 1);
     quit_taken |= first_word(command) == "quit";
     return command;
 }
@@ -135,6 +143,14 @@ bool next_input_line(Engine& engine, std::string& line) {
         wait_for_event(-1, true);
     }
     return false;
+}
+
+bool peek_command(std::string& command) {
+    const std::lock_guard lock(input_mutex);
+    read_lines();
+    if (pending_input.empty()) return false;
+    command = first_command();
+    return true;
 }
 
 bool next_command(Engine& engine, std::string& command) {

@@ -13,6 +13,9 @@ struct Engine;
 // waits for input.
 bool next_command(Engine& engine, std::string& command);
 
+// The same without taking it.
+bool peek_command(std::string& command);
+
 // Takes the next line, for commands that go on over several; waits for it. False at the end of the
 // input, and after an interruption.
 bool next_input_line(Engine& engine, std::string& line);

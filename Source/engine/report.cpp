@@ -4,7 +4,6 @@
 
 #include "board/fen.h"
 #include "board/move_text.h"
-#include "book/book_pick.h"
 #include "engine/output.h"
 #include "support/text.h"
 
@@ -39,9 +38,9 @@ std::string row_text(const Engine& engine, const BookMove& move) {
 
 }  // namespace
 
-Move book_pick(Engine& engine) {
+std::optional<BookMove> book_pick(Engine& engine) {
     const auto moves = book_moves(engine.book, engine.game.position);
-    if (!moves) return NO_MOVE;
+    if (!moves) return std::nullopt;
     const std::string start = engine.options.uci_mode ? "info string " : " ";
     engine_print(start + "  move  result    wins losses  draws");
     for (const BookMove& move : *moves) engine_print(start + row_text(engine, move));
@@ -49,9 +48,9 @@ Move book_pick(Engine& engine) {
 }
 
 void book_show(Engine& engine, bool announce) {
-    const Move move = book_pick(engine);
-    if (announce && move != NO_MOVE) {
-        engine_print(format("book move is %s\n", move_to_text(engine, move).c_str()));
+    const auto book = book_pick(engine);
+    if (announce && book) {
+        engine_print(format("book move is %s\n", move_to_text(engine, book->move).c_str()));
     }
 }
 

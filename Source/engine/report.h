@@ -1,9 +1,11 @@
 #pragma once
 // What is said of positions, moves and the book, to whoever types or reads along.
 
+#include <optional>
 #include <string_view>
 
 #include "board/position.h"
+#include "book/book_pick.h"
 #include "engine/engine.h"
 
 namespace quon {
@@ -18,9 +20,9 @@ void read_position(Position& p, std::string_view fen);
 // Opens the book that the settings name and says what is wrong with it.
 void load_book(Engine& engine);
 
-// A move that the book offers for the game's position, drawn at random; NO_MOVE without one. Prints
+// A move that the book offers for the game's position, drawn at random; none without one. Prints
 // what the book knows of every move.
-Move book_pick(Engine& engine);
+std::optional<BookMove> book_pick(Engine& engine);
 // The same for a person to see; with `announce` the choice is printed as well.
 void book_show(Engine& engine, bool announce);
 

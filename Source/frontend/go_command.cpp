@@ -1,11 +1,15 @@
-// The "go" command: one table of keywords, applied in its order.
+// The "go" command: one table of keywords, applied in its order, and the list of root moves.
 
 #include "frontend/uci.h"
 
 #include <algorithm>
 #include <limits>
+#include <string>
 
+#include "board/legality.h"
+#include "board/move_text.h"
 #include "engine/engine.h"
+#include "engine/output.h"
 #include "search/control.h"
 #include "search/run.h"
 #include "support/text.h"
@@ -28,8 +32,9 @@ void set_increment(Engine& engine, int color, i64 ms) {
 }
 
 void set_moves_to_go(Engine& engine, i64 moves) {
+    if (moves < 0) return engine_print("info string movestogo below 0 is ignored");
     engine.limits.time_mode = PERIOD;
-    engine.limits.moves_to_go = i16(std::clamp<i64>(moves, 0, std::numeric_limits<i16>::max()));
+    engine.limits.moves_to_go = i16(std::min<i64>(moves, std::numeric_limits<i16>::max()));
     engine.limits.depth_limit = NO_DEPTH_LIMIT;
     engine.limits.max_nodes = 0;
 }
@@ -55,10 +60,20 @@ void set_move_time(Engine& engine, i64 ms) {
     engine.limits.increment = 0;
 }
 
-void set_infinite(Engine& engine) {
+// Neither clock nor limits of before.
+void lift_limits(Engine& engine) {
     set_endless(engine);
     engine.limits.depth_limit = NO_DEPTH_LIMIT;
     engine.limits.max_nodes = 0;
+}
+
+void set_mate(Engine& engine, i64 moves) {
+    lift_limits(engine);
+    engine.limits.mate_moves = int(std::clamp<i64>(moves, 1, NO_DEPTH_LIMIT / 2));
+}
+
+void set_infinite(Engine& engine) {
+    lift_limits(engine);
     engine.limits.increment = 0;
 }
 
@@ -73,6 +88,7 @@ constexpr Keyword KEYWORDS[] = {
     {"winc", [](Engine& engine, i64 value) { set_increment(engine, WHITE, value); }},
     {"binc", [](Engine& engine, i64 value) { set_increment(engine, BLACK, value); }},
     {"movestogo", set_moves_to_go},
+    {"mate", set_mate},
     {"depth", set_depth},
     {"nodes", set_nodes},
     {"movetime", set_move_time},
@@ -80,18 +96,49 @@ constexpr Keyword KEYWORDS[] = {
     {"ponder", [](Engine& engine, i64) { engine.control.go_request = GO_PONDER; }},
 };
 
+constexpr std::string_view SEARCH_MOVES = "searchmoves";
+
+Move legal_move(const Position& p, std::string_view word) {
+    const Move move = parse_coordinates(p, word);
+    return move != NO_MOVE && position_problem(p) == nullptr && is_legal(p, move) ? move : NO_MOVE;
+}
+
+// The words behind "searchmoves" up to the next keyword.
+void read_search_moves(Engine& engine, std::string_view rest) {
+    const std::size_t at = rest.find(SEARCH_MOVES);
+    if (at == std::string_view::npos) return;
+    const auto is_keyword = [](std::string_view word) {
+        return std::any_of(std::begin(KEYWORDS), std::end(KEYWORDS),
+                           [&](const Keyword& keyword) { return keyword.word == word; });
+    };
+    std::string_view words = text_from(rest, at + SEARCH_MOVES.size());
+    std::string named;
+    for (std::string_view word = take_token(words, " "); !word.empty() && !is_keyword(word);
+         word = take_token(words, " ")) {
+        named += ' ' + std::string(word);
+        const Move move = legal_move(engine.game.position, word);
+        if (move != NO_MOVE) engine.limits.search_moves.push_back(move);
+    }
+    if (engine.limits.search_moves.empty()) {
+        engine_print("info string no legal move in searchmoves" + named);
+    }
+}
+
 }  // namespace
 
 void go_command(Engine& engine, std::string_view rest) {
     engine.control.stop_flag = ABORT;
     engine.limits.time_mode = CLOCK_TIME;
     engine.control.go_request = GO_PLAY;
+    engine.limits.search_moves.clear();
+    engine.limits.mate_moves = 0;
     for (const Keyword& keyword : KEYWORDS) {
         const std::size_t at = rest.find(keyword.word);
         if (at == std::string_view::npos) continue;
         keyword.apply(engine,
                       to_integer(first_word(text_from(rest, at + keyword.word.size() + 1))));
     }
+    read_search_moves(engine, rest);
 }
 
 }  // namespace quon

@@ -21,9 +21,12 @@ namespace quon {
 
 namespace {
 
-constexpr int CHECK_MS = 5;  // between time checks
-// A search's first move is waited for before commands go on, so that a "stop" sent right behind
-// "go" is answered with a move; but not longer than this.
+// Between time checks; where a move takes no longer than a few of them, less.
+constexpr int CHECK_MS = 5;
+constexpr int SHORT_CHECK_MS = 1;
+constexpr double SHORT_TARGET = 0.05;  // seconds
+// A search's first move is waited for before it is ended or changed, so that a "stop" sent right
+// behind "go" is answered with a move; but not longer than this.
 constexpr double FIRST_MOVE_SECONDS = 0.5;
 
 bool first_move_awaited(Engine& engine) {
@@ -34,14 +37,23 @@ void wait_for_work(Engine& engine, bool searching) {
     if (searching && first_move_awaited(engine)) {
         wait_for_event(1, false);
     } else if (!command_pending()) {
-        wait_for_event(searching ? CHECK_MS : -1, !input_ended());
+        const int check_ms = engine.run.target_time < SHORT_TARGET ? SHORT_CHECK_MS : CHECK_MS;
+        wait_for_event(searching ? check_ms : -1, !input_ended());
     }
+}
+
+// Only what ends or changes a search waits for its first move.
+bool next_command_waits(Engine& engine) {
+    std::string command;
+    const bool passes =
+        engine.options.uci_mode && peek_command(command) && leaves_search_alone(command);
+    return !passes;
 }
 
 // Nothing can stop this search but a command.
 bool unlimited(Engine& engine, u8 mode) {
     if (mode == GO_PONDER) return true;
-    if (engine.limits.depth_limit < NO_DEPTH_LIMIT || engine.limits.max_nodes != 0) return false;
+    if (engine.run.depth_limit < NO_DEPTH_LIMIT || engine.limits.max_nodes != 0) return false;
     return mode == GO_ANALYSE ||
            (engine.limits.time_mode == FIXED_TIME && engine.limits.fixed_time >= ENDLESS_SECONDS);
 }
@@ -64,7 +76,8 @@ void turn(Engine& engine) {
     if (!input_ended() || searching) wait_for_work(engine, searching);
     if (searching) {
         time_check(engine);
-        if (first_move_awaited(engine) && busy_threads(engine) != 0) return;
+        const bool first_move_missing = first_move_awaited(engine) && busy_threads(engine) != 0;
+        if (first_move_missing && next_command_waits(engine)) return;
     }
     process_input(engine);
     if (input_ended() && !command_pending() && engine.control.go_request == NO_SEARCH)

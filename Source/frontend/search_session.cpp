@@ -2,17 +2,20 @@
 
 #include "frontend/search_session.h"
 
+#include <optional>
 #include <string>
 
 #include "board/fen.h"
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/move_text.h"
+#include "book/book_pick.h"
 #include "engine/engine.h"
 #include "engine/output.h"
 #include "engine/report.h"
 #include "engine/search_report.h"
 #include "search/run.h"
+#include "search/score.h"
 #include "search/search_trace.h"
 #include "search/threads.h"
 #include "support/text.h"
@@ -30,19 +33,33 @@ std::string best_move_text(Engine& engine) {
     return text;
 }
 
-Move book_move(Engine& engine) {
-    if (!engine.options.own_book || engine.game.game_ply > engine.options.book_depth)
-        return NO_MOVE;
+std::optional<BookMove> book_move(Engine& engine) {
+    // The book knows nothing of mates, and what it plays need not be among the moves asked for.
+    const bool asks_more = !engine.run.root_moves.empty() || engine.run.mate_moves > 0;
+    if (!engine.options.own_book || asks_more || engine.game.game_ply > engine.options.book_depth)
+        return std::nullopt;
     return book_pick(engine);
 }
 
 // The book's move becomes the result of a search that has already ended.
-void take_book_move(Engine& engine, Move move) {
+void take_book_move(Engine& engine, const BookMove& book) {
+    const Move move = book.move;
     engine_print(format("%sbook move is %s%s", message_prefix(engine), square_name[move_from(move)],
                         square_name[move_to(move)]));
+    if (engine.options.uci_mode) {
+        engine_print(format("info pv %s string book weight %.2f",
+                            move_to_text(engine, move).c_str(), book.weight));
+    }
     engine.run.shared_score = i16{0};
     engine.run.shared_line[1] = move;
     engine.control.stop_flag = STOP;
+}
+
+// Why there is no move, where the rules are the reason.
+void tell_end_of_game(const Engine& engine) {
+    const SearchRun& run = engine.run;
+    if (run.shared_line[1] != NO_MOVE || run.shared_depth == 0) return;
+    engine_print(run.shared_score < DRAW_SCORE ? "info string checkmate" : "info string stalemate");
 }
 
 // The side that has moved pays for its time. A front end may have set another position meanwhile:
@@ -71,8 +88,8 @@ bool position_accepted(Engine& engine) {
 
 void start_search(Engine& engine) {
     begin_search(engine);
-    if (const Move move = book_move(engine); move != NO_MOVE) {
-        take_book_move(engine, move);
+    if (const auto book = book_move(engine)) {
+        take_book_move(engine, *book);
     } else if (engine.game.position.fifty <= MAX_FIFTY && position_accepted(engine)) {
         start_search_threads(engine);
     }
@@ -85,10 +102,12 @@ bool report_due(Engine& engine) {
 }
 
 void report_search(Engine& engine) {
+    update_elapsed(engine.run);
     flush_search_trace(engine.trace);
     collect_stats(engine);
     final_report(engine, engine.run.shared_score);
     if (engine.options.uci_mode) {
+        tell_end_of_game(engine);
         engine_print(best_move_text(engine));
     } else {
         print_console_statistics(engine);

@@ -10,8 +10,8 @@ struct Engine;
 // Handles one line of UCI; a command that is not known is ignored.
 void handle_uci_command(Engine& engine, std::string_view line);
 
-// The line that names the engine.
-void print_name();
+// True for what a running search does not notice.
+bool leaves_search_alone(std::string_view line);
 
 // go_command.cpp
 

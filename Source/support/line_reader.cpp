@@ -7,13 +7,13 @@
 
 #include "platform/events.h"
 #include "platform/file_map.h"
+#include "support/text.h"
 
 namespace quon {
 
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = 65536;
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 std::string_view unread(const LineReader& reader) {
     return {reader.buffer.data() + reader.begin, reader.end - reader.begin};

@@ -8,6 +8,8 @@
 
 namespace quon {
 
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";  // what some editors begin a text with
+
 // Skips leading blanks; the characters up to a blank, a carriage return, a line feed or the end, at
 // most 128 of them.
 std::string_view first_word(std::string_view text);

@@ -79,10 +79,11 @@ bool search_whole(Engine& engine, Engine& player) {
 std::optional<SearchedMove> find_move(Engine& engine, Engine& player) {
     player.control.go_request = GO_PLAY;
     begin_search(player);
-    const Move book = engine.game.game_ply <= LAST_BOOK_PLY ? book_pick(engine) : NO_MOVE;
+    std::optional<BookMove> book;
+    if (engine.game.game_ply <= LAST_BOOK_PLY) book = book_pick(engine);
     if (is_draw(player.game.position, OCCURRENCES) != 0)
         return SearchedMove{NO_MOVE, DRAW_SCORE, 0};
-    if (book != NO_MOVE) return SearchedMove{book, DRAW_SCORE, 0};
+    if (book) return SearchedMove{book->move, DRAW_SCORE, 0};
     if (!search_whole(engine, player)) return std::nullopt;
     const SearchRun& run = player.run;
     return SearchedMove{run.shared_line[1], run.shared_score, run.shared_depth};

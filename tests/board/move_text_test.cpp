@@ -73,8 +73,8 @@ TEST(ParseCoordinates, Cases) {
         {START_FEN, "e2e4:e2e4 g1f3xyz:g1f3 e2e5: e7e5: e4e5: e2e4q: a1a1: e2e: :"},
         {START_FEN, "e2e9: i2i4: E2E4: 0000: \xff\xfe\x01\x02\x03:"},
         {PROMOTION, "e7e8q:e7e8q e7e8n:e7e8n e7d8b:e7d8b e7d8r:e7d8r e7e8: e7e8k: e7f8q:"},
-        {CASTLING, "e1g1:e1g1 e1c1:e1c1 e1h1:"},
-        {"r3k2r/8/8/8/8/8/8/R3K2R w kq -", "e1g1:"},
+        {CASTLING, "e1g1:e1g1 e1c1:e1c1 e1h1:e1g1 e1a1:e1c1 e1b1: h1e1:"},
+        {"r3k2r/8/8/8/8/8/8/R3K2R w kq -", "e1g1: e1h1:"},
         {"4k3/8/8/3pP3/8/8/8/4K3 w - d6", "e5d6:e5d6"},
         {"4k3/8/8/4P3/8/8/8/4K3 w - d6", "e5d6:"},  // no pawn has passed
         {"4k3/8/3r4/3pP3/8/8/8/4K3 w - d6", "e5d6:"},

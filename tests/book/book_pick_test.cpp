@@ -38,8 +38,9 @@ struct BookPick : testing::Test {
         const std::string before = position_to_fen(engine.game.position);
         Move& to_redo = engine.game.undo[engine.game.game_ply].move;
         to_redo = 77;
-        Move move = NO_MOVE;
-        printed = captured_output([&] { move = book_pick(engine); });
+        std::optional<BookMove> book;
+        printed = captured_output([&] { book = book_pick(engine); });
+        const Move move = book ? book->move : NO_MOVE;
         EXPECT_EQ(position_to_fen(engine.game.position), before);
         EXPECT_EQ(verify(engine.game.position), "");
         EXPECT_EQ(to_redo, 77) << "the move that could be played again";
@@ -127,7 +128,7 @@ TEST_F(BookPick, Distribution) {
     std::map<std::string, int> drawn;
     copy_game(engine.game, *make_game(START_FEN));
     captured_output([&] {
-        for (int i = 0; i < DRAWS; ++i) ++drawn[move_to_text(book_pick(engine))];
+        for (int i = 0; i < DRAWS; ++i) ++drawn[move_to_text(book_pick(engine)->move)];
     });
     EXPECT_EQ(drawn.size(), std::size(throws));
     double chi_square = 0;

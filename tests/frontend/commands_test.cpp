@@ -43,7 +43,7 @@ TEST_F(Commands, Switches) {
           {"-HASH|1|-hash 1|hash|1|", 64}}},
         {[] { return double(settings.threads); },
          {{"-threads|0", 1}, {"-threads|200", 80}, {"-threads|300", 44}, {"-hash|-threads|3", 1}}},
-        {[] { return double(limits.depth_limit); }, {{"-d|100", 66}, {"-d|1000", 66}}},
+        {[] { return double(limits.depth_limit); }, {{"-d|100", 66}, {"-d|1000", 66}, {"bench|7", 7}, {"bench", 66}}},
         {[] { return limits.fixed_time; }, {{"-d|12", 10000}, {"-n|5000", 1000}, {"-t|2.5", 2.5}}},
         {[] { return options.calibration_nps; }, {{"-calibration|1e99", NO_NPS_LIMIT}}},
         {[] { return double(options.uci_mode.get()); }, {{"-c|-uci", 1}}},
@@ -151,6 +151,9 @@ TEST_F(Commands, Position) {
         {fen_ending + " 0 1 moves a7a8n", "N7/8/8/8/8/8/k6K/8 b - -", 1},
         {fen_ending + " moves a7a8r a2b3", "R7/8/8/8/8/1k6/7K/8 w - -", 2},
         {fen_ending + " startpos", START_FEN, 0},
+        // Castling as king takes rook.
+        {"fen r3k2r/8/8/8/8/8/8/R3K2R w KQkq - moves e1h1 e8a8", "2kr3r/8/8/8/8/8/8/R4RK1 w - -",
+         2},
         // A king may be left in check, but not taken.
         {"fen 4r2k/8/8/8/8/8/4B3/4K3 w - - moves e2d3", "4r2k/8/8/8/8/3B4/8/4K3 b - -", 1},
         {"fen 4k3/4Q3/8/8/8/8/8/4K3 w - - moves e7e8", "4k3/4Q3/8/8/8/8/8/4K3 w - -", 0, "e7e8"},
@@ -168,7 +171,7 @@ TEST_F(Commands, Position) {
     }
     // A word that is no move ends the list, and nothing is left to replay.
     position_command(engine, "startpos moves e2e4 e7e5 g1f3");
-    for (const std::string token : {"e2", "i2i4", "e2e0", "e7e5", "e2e5", "e1g1", "0000",
+    for (const std::string token : {"e2", "i2i4", "e2e0", "e7e5", "e2e5", "e1h1", "0000",
                                     "\xff\xff\xff\xff", "e2-e4", "e2e4q"}) {
         const std::string rest = "startpos moves d2d4 d7d5 " + token + " g1f3";
         EXPECT_EQ(captured_output([&] { position_command(engine, rest); }),

@@ -19,7 +19,8 @@ struct BookSession : testing::Test {
 
 const Lines E4_LINES = {"info string   move  result    wins losses  draws",
                         "info string   e2e4   100.0%       9      0      0",
-                        "info string book move is e2e4", "bestmove e2e4"};
+                        "info string book move is e2e4", "info pv e2e4 string book weight 2.20",
+                        "bestmove e2e4"};
 
 TEST_F(BookSession, OwnBook) {
     write_book({"e2e4", "e2e4 c7c5"});
@@ -38,7 +39,7 @@ TEST_F(BookSession, OwnBook) {
     EXPECT_EQ(lines_with(lines, "info string"), Lines{});
     // A ponder search is answered when it is asked for.
     session.send({"position startpos", "go ponder"});
-    session.read_to("info string book move is e2e4");
+    session.read_to("info pv e2e4");
     EXPECT_TRUE(session.silent_for(50));
     EXPECT_EQ(session.best_move({"ponderhit"}), "bestmove e2e4");
 }
