@@ -20,6 +20,7 @@
 #include "board/legality.h"
 #include "board/movegen.h"
 #include "platform/clock.h"
+#include "platform/events.h"
 #include "search/history.h"
 #include "search/picker.h"
 #include "search/run.h"
@@ -31,6 +32,9 @@
 namespace quon {
 
 namespace {
+
+// Where hardly any time is left the search ends behind this depth: the main thread is waiting.
+constexpr int FIRST_RESULT_DEPTH = 2;
 
 constexpr double CONTEMPT_TIME = 6000;  // seconds; contempt acts in games, not in analysis
 
@@ -191,6 +195,7 @@ void iterate(ThreadData& t) {
         run.nodes_by_depth[depth].fetch_add(t.nodes, std::memory_order_relaxed);
         if (stopped(t)) return;
         run.main_done_depth = i8(depth);
+        if (depth == FIRST_RESULT_DEPTH) wake_main_thread();
         if (iterations_done(run, depth)) break;
     }
     run.finished = true;
