@@ -43,7 +43,8 @@ TEST_F(Commands, Switches) {
           {"-HASH|1|-hash 1|hash|1|", 64}}},
         {[] { return double(settings.threads); },
          {{"-threads|0", 1}, {"-threads|200", 80}, {"-threads|300", 44}, {"-hash|-threads|3", 1}}},
-        {[] { return double(limits.depth_limit); }, {{"-d|100", 66}, {"-d|1000", 66}, {"bench|7", 7}, {"bench", 66}}},
+        {[] { return double(limits.depth_limit); },
+         {{"-d|100", 66}, {"-d|1000", 66}, {"bench|7", 7}, {"bench", 66}}},
         {[] { return limits.fixed_time; }, {{"-d|12", 10000}, {"-n|5000", 1000}, {"-t|2.5", 2.5}}},
         {[] { return options.calibration_nps; }, {{"-calibration|1e99", NO_NPS_LIMIT}}},
         {[] { return double(options.uci_mode.get()); }, {{"-c|-uci", 1}}},
@@ -98,7 +99,7 @@ TEST_F(Commands, Go) {
         {WHITE, "wtime 60000 btime 30500 winc 1000 binc 2000", "0 66 0 1e+07 1; 60 30.5 0"},
         {BLACK, "wtime -5 btime 7 winc 3000", "0 66 0 1e+07 1; 0 0.007 0"},
         {BLACK, "binc 3000", "0 66 0 1e+07 3; 0 0.007 0"},
-        {WHITE, "wtime 1000 btime 1000 movestogo -3", "40 66 0 1e+07 3; 1 1 0"},
+        {WHITE, "wtime 1000 btime 1000 movestogo -3", "0 66 0 1e+07 3; 1 1 0"},
         {WHITE, "movestogo 99999999999", "40 66 0 1e+07 3; 1 1 32767"},
         // The order of the keywords in the line does not count.
         {WHITE, "movetime 2000 movestogo 30", "1 66 0 2 0; 1 1 30"},

@@ -121,8 +121,7 @@ TEST(Protocol, LineEnds) {
     session.send_bytes("\n");
     EXPECT_EQ(session.read_line(), "readyok");
     // Words that mean nothing.
-    EXPECT_EQ(session.answers({"", "   ", "UCI", "xyzzy uci", "\x01\xff", "debug on"}),
-              Lines{});
+    EXPECT_EQ(session.answers({"", "   ", "UCI", "xyzzy uci", "\x01\xff", "debug on"}), Lines{});
 }
 
 TEST(Protocol, LongLines) {
