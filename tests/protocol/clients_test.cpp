@@ -9,8 +9,8 @@
 #include "board/make.h"
 #include "board/move_text.h"
 #include "harness/board_support.h"
+#include "harness/process.h"
 #include "platform/clock.h"
-#include "protocol/session.h"
 
 namespace quon::test {
 namespace {

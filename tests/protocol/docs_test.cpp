@@ -55,7 +55,7 @@ Names names(const Rows& rows) {
 TEST(Docs, Switches) {
     Names known;
     for (const std::string& line : run_to_end({"--help"}, "").lines) {
-        if (!line.starts_with("  -")) continue;
+        if (!line.starts_with("  ")) continue;
         const std::string text = line.substr(2, 18);
         known.insert(text.substr(0, text.find_last_not_of(' ') + 1));
     }

@@ -152,12 +152,12 @@ TEST(Program, MemoryRunsOut) {
     const std::string& directory = host.directory();
     const auto last_answer = [&](const std::string& option, int status) {
         std::ofstream(directory + "/commands") << option << "\nisready\n";
-        const std::string limits = "ulimit -v 1000000 &&";
+        const std::string limits = "ulimit -v 600000 &&";
         EXPECT_EQ(run_in_shell(directory, "<commands >answers 2>&1", limits), status) << option;
         const Lines answers = split(read_file(directory + "/answers"), '\n');
         return answers.size() > 1 ? answers[answers.size() - 2] : "";
     };
-    if (run_in_shell(directory, "--version >answers 2>&1", "ulimit -v 1000000 &&") != 0) {
+    if (run_in_shell(directory, "--version >answers 2>&1", "ulimit -v 600000 &&") != 0) {
         GTEST_SKIP() << "a sanitizer needs more";
     }
     EXPECT_EQ(last_answer("setoption name Hash value 8192", 255),
