@@ -187,7 +187,7 @@ void console(std::string_view text) {
 
 void command_line(std::string_view text) {
     const EngineOptions saved = options;
-    Lines words;
+    std::vector<std::string> words;
     for (const std::string_view line : lines_of(text)) words.emplace_back(line);
     const CommandLine line = read_command_line(engine, words);
     if (!line.exit_status) (void)apply_command_line(engine, line);
