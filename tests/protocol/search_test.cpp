@@ -179,7 +179,7 @@ TEST(SearchSession, GameWithFallingClocks) {
         double clock[2] = {0.5 * SLOWNESS, 0.5 * SLOWNESS};
         int side = WHITE;
         least = clock[side];
-        play_game(60, [&](const std::string& position) {
+        play_game(scaled(60), [&](const std::string& position) {
             session.answers({position});
             const std::string go =
                 format("go wtime %d btime %d winc %d binc %d", int(clock[WHITE] * 1000),
