@@ -48,6 +48,7 @@ TEST(Program, EndOfInput) {
         {"", "info string et=", 0},
         {"isready", "readyok", 0},  // the last line has no end
         {"go depth 5\nposition startpos\nisready", "readyok"},
+        {"go depth 10\n", "info depth 10 "},
         {"go wtime 400 btime 400\n", "bestmove"},
         {"go infinite\n", "bestmove"},
         {"go ponder wtime 100000 btime 100000\n", "bestmove"},

@@ -169,33 +169,6 @@ TEST(SearchSession, Games) {
     }
 }
 
-// The clocks fall as they do in a game, and none runs out; the best of three games counts.
-TEST(SearchSession, GameWithFallingClocks) {
-    constexpr double INCREMENT = 0.01 * SLOWNESS;
-    Session session({"-nolog", "-hash", "1"});
-    session.answers({"setoption name MoveOverhead value 20"});
-    double least = 0;
-    for (int tries = 0; tries < 3 && least <= 0.001; ++tries) {
-        double clock[2] = {0.5 * SLOWNESS, 0.5 * SLOWNESS};
-        int side = WHITE;
-        least = clock[side];
-        play_game(scaled(60), [&](const std::string& position) {
-            session.answers({position});
-            const std::string go =
-                format("go wtime %d btime %d winc %d binc %d", int(clock[WHITE] * 1000),
-                       int(clock[BLACK] * 1000), int(INCREMENT * 1000), int(INCREMENT * 1000));
-            const double start = monotonic_seconds();
-            const std::string best = session.best_move({go});
-            clock[side] -= monotonic_seconds() - start;
-            least = std::min(least, clock[side]);
-            clock[side] += INCREMENT;
-            side ^= 1;
-            return best;
-        });
-    }
-    EXPECT_GT(least, 0.001);
-}
-
 TEST(SearchSession, PositionsWithoutAMove) {
     Session session;
     const std::pair<std::string, std::string> cases[] = {

@@ -1,5 +1,8 @@
 // Whole searches: mates, draws, limits, threads, stops; the move picker.
 
+#include <utility>
+
+#include "engine/search_report.h"
 #include "harness/search_support.h"
 #include "platform/clock.h"
 #include "search/history.h"
@@ -182,6 +185,24 @@ TEST(Search, InterruptedScores) {
             }
         }
     }
+}
+
+// Root moves are told one by one at each depth, and a best move has changed when it last did.
+TEST(Search, RootMovesAndChanges) {
+    struct Recorder : SearchReporter {
+        using SearchReporter::SearchReporter;
+        std::vector<int> numbers;
+        void on_root_move(Searcher&, int, Move, int number) override { numbers.push_back(number); }
+    } recorder(engine);
+    const SearchRig rig;
+    SearchListener* const usual = std::exchange(engine.listener, &recorder);
+    SearchRig::search(POSITIONS[3], 7);
+    engine.listener = usual;
+    recorder.numbers.resize(14);  // of the first iteration
+    for (int i = 0; i < 14; ++i) EXPECT_EQ(recorder.numbers[std::size_t(i)], i + 1);
+    int changed = 7;
+    while (changed > 1 && run.move_by_depth[changed - 1] == run.move_by_depth[7]) --changed;
+    EXPECT_EQ(run.change_depth, changed);
 }
 
 TEST(Threads, FindMatesAndLegalLines) {
