@@ -25,7 +25,7 @@ Bitboard checkers(const Position& p, int king) {
 template <int Us>
 u64 pawn_moves(Bitboard destinations) {
     const Bitboard promoting = destinations & relative_rank_mask(Us, 7);
-    return u64(popcount64(destinations) + 3 * popcount64(promoting));
+    return u64(popcount64(destinations)) + 3 * u64(popcount64(promoting));
 }
 
 template <int Us>
