@@ -194,14 +194,16 @@ bool false_en_passant(const Position& p, int from, int to) {
     return to == p.ep && type_of(p.board[from]) == PAWN && !ep_was_passed(p);
 }
 
-// Where the king goes when he is said to take his own rook in the corner; any other move ends where
-// it says.
+// Where the king goes when he is said to take his own rook at home; any other move ends where it
+// says.
 int castling_destination(const Position& p, int from, int to) {
-    const bool corner = rank_of(from) == rank_of(to) && (file_of(to) == 0 || file_of(to) == 7);
-    if (!corner || p.board[from] != make_piece(p.side, KING) ||
-        p.board[to] != make_piece(p.side, ROOK))
-        return to;
-    return to > from ? from + 2 : from - 2;
+    for (const Castling& way : CASTLINGS) {
+        const bool takes_rook = from == way.king_from && to == way.rook_from &&
+                                p.board[from] == make_piece(p.side, KING) &&
+                                p.board[to] == make_piece(p.side, ROOK);
+        if (takes_rook) return way.king_to;
+    }
+    return to;
 }
 
 }  // namespace

@@ -23,21 +23,21 @@ Bitboard checkers(const Position& p, int king) {
 
 // Moves to the destinations; a pawn that arrives on the last rank becomes one of four pieces.
 template <int Us>
-u64 pawn_moves(Bitboard destinations) {
+u64 moves_to(Bitboard destinations) {
     const Bitboard promoting = destinations & relative_rank_mask(Us, 7);
     return u64(popcount64(destinations)) + 3 * u64(popcount64(promoting));
 }
 
 template <int Us>
-u64 free_pawn_moves(const Position& p, Bitboard pawns, Bitboard allowed) {
+u64 pawn_moves(const Position& p, Bitboard pawns, Bitboard allowed) {
     const Bitboard empty = ~occupied(p);
     const Bitboard ahead = shift_forward<Us>(pawns);
     const Bitboard single = ahead & empty;
     const Bitboard twice = shift_forward<Us>(single & relative_rank_mask(Us, 2)) & empty;
     const Bitboard enemies = p.bb[Us ^ 1][0];
-    return pawn_moves<Us>(single & allowed) + pawn_moves<Us>(twice & allowed) +
-           pawn_moves<Us>(shift_west(ahead) & enemies & allowed) +
-           pawn_moves<Us>(shift_east(ahead) & enemies & allowed);
+    return moves_to<Us>(single & allowed) + moves_to<Us>(twice & allowed) +
+           moves_to<Us>(shift_west(ahead) & enemies & allowed) +
+           moves_to<Us>(shift_east(ahead) & enemies & allowed);
 }
 
 // The squares on the king's line through a pinned piece, pieces not regarded.
@@ -77,7 +77,7 @@ u64 count_moves(const Position& p) {
     const Bitboard allowed =
         checking ? between[guard.king][lsb_index(checking)] | checking : ~Bitboard{0};
 
-    moves += free_pawn_moves<Us>(p, own[PAWN] & ~guard.pinned, allowed);
+    moves += pawn_moves<Us>(p, own[PAWN] & ~guard.pinned, allowed);
     const Bitboard occupancy = occupied(p);
     for (int type = KNIGHT; type <= QUEEN; ++type) {
         Bitboard pieces = own[type] & ~guard.pinned;
@@ -92,7 +92,7 @@ u64 count_moves(const Position& p) {
         const int type = type_of(p.board[from]);
         const Bitboard line = pin_line(guard.king, from);
         moves += type == PAWN
-                     ? free_pawn_moves<Us>(p, bit(from), line)
+                     ? pawn_moves<Us>(p, bit(from), line)
                      : u64(popcount64(attacks_from(type, from, occupancy) & ~own[0] & line));
     }
     return moves;

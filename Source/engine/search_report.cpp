@@ -103,10 +103,6 @@ void print_line(Engine& engine, const SearchLine& line) {
     engine_print(engine.options.uci_mode ? uci_info(engine, line) : console_info(engine, line));
 }
 
-}  // namespace
-
-namespace {
-
 // A move that goes to another place is no longer at the one before.
 void note_place(Engine& engine, const SearchLine& line) {
     const Move move = line.moves[1];

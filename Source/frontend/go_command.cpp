@@ -98,11 +98,6 @@ constexpr Keyword KEYWORDS[] = {
 
 constexpr std::string_view SEARCH_MOVES = "searchmoves";
 
-Move legal_move(const Position& p, std::string_view word) {
-    const Move move = parse_coordinates(p, word);
-    return move != NO_MOVE && position_problem(p) == nullptr && is_legal(p, move) ? move : NO_MOVE;
-}
-
 // The words behind "searchmoves" up to the next keyword.
 void read_search_moves(Engine& engine, std::string_view rest) {
     const std::size_t at = rest.find(SEARCH_MOVES);
@@ -116,8 +111,8 @@ void read_search_moves(Engine& engine, std::string_view rest) {
     for (std::string_view word = take_token(words, " "); !word.empty() && !is_keyword(word);
          word = take_token(words, " ")) {
         named += ' ' + std::string(word);
-        const Move move = legal_move(engine.game.position, word);
-        if (move != NO_MOVE) engine.limits.search_moves.push_back(move);
+        const Move move = parse_coordinates(engine.game.position, word);
+        if (can_be_made(engine.game.position, move)) engine.limits.search_moves.push_back(move);
     }
     if (engine.limits.search_moves.empty()) {
         engine_print("info string no legal move in searchmoves" + named);

@@ -11,6 +11,7 @@ constexpr int LAST_SEARCHED_PLY = 65;  // deeper nodes return their evaluation
 constexpr int LAST_LINE_PLY = 66;      // last move of a line that is shown
 
 // Plies to go.
+constexpr int FIRST_RESULT_DEPTH = 2;  // of a move that a search may answer with
 constexpr int NO_DEPTH_LIMIT = 66;
 constexpr int MAX_ITERATION = 68;
 constexpr int TB_RESULT_DEPTH = MAX_ITERATION + 1;  // marks a result that the tablebases gave

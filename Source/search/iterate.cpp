@@ -33,9 +33,6 @@ namespace quon {
 
 namespace {
 
-// Where hardly any time is left the search ends behind this depth: the main thread is waiting.
-constexpr int FIRST_RESULT_DEPTH = 2;
-
 constexpr double CONTEMPT_TIME = 6000;  // seconds; contempt acts in games, not in analysis
 
 // What the caches hold is worth nothing once the tables, or what contempt goes by, have changed.
@@ -195,7 +192,7 @@ void iterate(ThreadData& t) {
         run.nodes_by_depth[depth].fetch_add(t.nodes, std::memory_order_relaxed);
         if (stopped(t)) return;
         run.main_done_depth = i8(depth);
-        if (depth == FIRST_RESULT_DEPTH) wake_main_thread();
+        if (depth == FIRST_RESULT_DEPTH) wake_main_thread();  // it may wait for no more than that
         if (iterations_done(run, depth)) break;
     }
     run.finished = true;

@@ -54,7 +54,8 @@ constexpr u64 KEEP_ON_NODES = 8192;  // between two looks of a search on the mai
 
 // 1. At the node limit the search ends, but not without a move of depth 2 unless that is far off.
 bool node_limit_reached(const ThreadData& t) {
-    return t.nodes > t.node_limit && (t.best_depth > 1 || t.nodes > t.node_limit + NODE_GRACE);
+    return t.nodes > t.node_limit &&
+           (t.best_depth >= FIRST_RESULT_DEPTH || t.nodes > t.node_limit + NODE_GRACE);
 }
 
 void look_around(ThreadData& t) {

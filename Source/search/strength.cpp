@@ -77,7 +77,9 @@ Calibration calibrate(Searcher& s) {
 void throttle(const ThreadData& t) {
     SearchRun& run = t.shared->run;
     const Relaxed<double>& target_nps = t.shared->settings.target_nps;
-    const auto lets_go = [&] { return !run.limited || (run.overdue && run.shared_depth < 2); };
+    const auto lets_go = [&] {
+        return !run.limited || (run.overdue && run.shared_depth < FIRST_RESULT_DEPTH);
+    };
     while (!stopped(t) && target_nps < NO_NPS_LIMIT && run.current_depth > 1 && !lets_go()) {
         if (target_nps >= double(t.nodes) / run.elapsed) return;
         sleep_ms(1);

@@ -81,7 +81,7 @@ bool far_past_time(const SearchLimits& limits, const SearchProgress& search) {
 }
 
 bool has_result(const SearchProgress& search) {
-    return search.result_depth >= 2 && search.depth >= 2;
+    return search.result_depth >= FIRST_RESULT_DEPTH && search.depth >= FIRST_RESULT_DEPTH;
 }
 
 // Whatever the search has found.

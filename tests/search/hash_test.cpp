@@ -166,7 +166,8 @@ TEST_F(HashTest, FilledInParts) {
         for (const bool cleared : {false, true}) {
             for (u32 low = 0; low < 64 << 16; low += 9999) {
                 EXPECT_EQ(depth_at(low + 1, low), NOT_FOUND) << threads << ' ' << low;
-                store(low + 1, low, 9);
+                store(low + 1, low, -9);  // an empty slot takes any depth, a zeroed one not this
+                EXPECT_EQ(depth_at(low + 1, low), -9);
             }
             if (!cleared) hash_clear(engine.hash, threads);
         }
